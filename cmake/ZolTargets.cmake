@@ -1,0 +1,68 @@
+# Settings that every target of the project shares, and the functions that make targets with them.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR};$ORIGIN")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+# Flags of our own code. Contraction is off everywhere: a fused multiply-add rounds once where two operations round
+# twice, and the same picture must come out of every build.
+add_library(zol_build_flags INTERFACE)
+if(MSVC)
+  target_compile_options(zol_build_flags INTERFACE /W4 /WX /fp:precise /utf-8)
+else()
+  target_compile_options(zol_build_flags INTERFACE
+    -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow=local -Wnon-virtual-dtor -Wold-style-cast -Wvla -Werror
+    -ffp-contract=off -fno-fast-math)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_options(zol_build_flags INTERFACE -msse2 -mfpmath=sse)
+  endif()
+endif()
+if(WIN32)
+  target_compile_definitions(zol_build_flags INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0601)
+endif()
+if(ZOLWEBCS_SANITIZE)
+  target_compile_options(zol_build_flags INTERFACE -fsanitize=${ZOLWEBCS_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(zol_build_flags INTERFACE -fsanitize=${ZOLWEBCS_SANITIZE})
+  if(ZOLWEBCS_SANITIZE MATCHES "undefined")
+    target_compile_options(zol_build_flags INTERFACE -fno-sanitize-recover=undefined)
+  endif()
+endif()
+
+# zol_library(NAME SOURCES ... [HEADERS ...] [PUBLIC libs] [PRIVATE libs]): one shared library of source/.
+# Defines <NAME>_BUILDING in upper case while it is compiled; HEADERS are installed below include/zolwebcs/.
+function(zol_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES} ${ARG_HEADERS})
+  add_library(zolwebcs::${name} ALIAS ${name})
+  string(TOUPPER ${name} upper)
+  target_compile_definitions(${name} PRIVATE ${upper}_BUILDING)
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_include_directories(${name} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/source>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zolwebcs>)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:zol_build_flags>)
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(NOT WIN32 AND NOT ZOLWEBCS_SANITIZE)
+    target_link_options(${name} PRIVATE LINKER:--no-undefined)
+  endif()
+  install(TARGETS ${name} EXPORT zolwebcsTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  foreach(header IN LISTS ARG_HEADERS)
+    file(RELATIVE_PATH relative "${PROJECT_SOURCE_DIR}/source" "${CMAKE_CURRENT_SOURCE_DIR}/${header}")
+    cmake_path(GET relative PARENT_PATH folder)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zolwebcs/${folder})
+  endforeach()
+endfunction()

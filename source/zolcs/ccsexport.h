@@ -1,0 +1,10 @@
+// Visibility of the library's public classes.
+#pragma once
+
+#include "platform/platform.h"
+
+#if defined(ZOLWEBCS_BUILDING)
+#define ZOLWEBCS_API ZOL_EXPORT
+#else
+#define ZOLWEBCS_API ZOL_IMPORT
+#endif

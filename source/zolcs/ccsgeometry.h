@@ -1,0 +1,102 @@
+#pragma once
+
+#include "zolcs/ccsexport.h"
+
+#include <cstdint>
+
+/// An integer point, x to the right and y down.
+class ZOLWEBCS_API CCsPoint {
+public:
+    CCsPoint() = default;
+    CCsPoint(int x, int y) : x(x), y(y) {}
+    CCsPoint(const CCsPoint&) = default;
+    CCsPoint& operator=(const CCsPoint&) = default;
+    virtual ~CCsPoint();
+
+    void setPosition(int newX, int newY);
+
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+};
+
+/// A point in double precision, x to the right and y down.
+class ZOLWEBCS_API CCsPointDouble {
+public:
+    CCsPointDouble() = default;
+    CCsPointDouble(double x, double y) : x(x), y(y) {}
+    CCsPointDouble(const CCsPointDouble&) = default;
+    CCsPointDouble& operator=(const CCsPointDouble&) = default;
+    virtual ~CCsPointDouble();
+
+    void setPosition(double newX, double newY);
+
+    double x = 0.0;
+    double y = 0.0;
+};
+
+/// A rectangle given by two opposite corners, kept as they were given.
+template <typename Number, typename Point>
+class CCsRect;
+
+template <>
+class ZOLWEBCS_API CCsRect<int, CCsPoint> {
+public:
+    CCsRect() = default;
+    CCsRect(int x1, int y1, int x2, int y2) : x1(x1), y1(y1), x2(x2), y2(y2) {}
+    CCsRect(const CCsRect&) = default;
+    CCsRect& operator=(const CCsRect&) = default;
+    virtual ~CCsRect();
+
+    void setPosition(int newX1, int newY1, int newX2, int newY2);
+    [[nodiscard]] CCsPoint getLeftTop() const;
+    [[nodiscard]] CCsPoint getBottomRight() const;
+    [[nodiscard]] int getWidth() const;
+    [[nodiscard]] int getHeight() const;
+    void getSize(tagRECT& rect) const;
+
+    std::int32_t x1 = 0;
+    std::int32_t y1 = 0;
+    std::int32_t x2 = 0;
+    std::int32_t y2 = 0;
+};
+
+template <>
+class ZOLWEBCS_API CCsRect<double, CCsPointDouble> {
+public:
+    CCsRect() = default;
+    CCsRect(double x1, double y1, double x2, double y2) : x1(x1), y1(y1), x2(x2), y2(y2) {}
+    CCsRect(const CCsRect&) = default;
+    CCsRect& operator=(const CCsRect&) = default;
+    virtual ~CCsRect();
+
+    void setPosition(double newX1, double newY1, double newX2, double newY2);
+    [[nodiscard]] CCsPointDouble getLeftTop() const;
+    [[nodiscard]] CCsPointDouble getBottomRight() const;
+
+    double x1 = 0.0;
+    double y1 = 0.0;
+    double x2 = 0.0;
+    double y2 = 0.0;
+};
+
+/// An always normalised integer area that grows by union; (0, 0) extents mean empty.
+class ZOLWEBCS_API CCsRegion {
+public:
+    CCsRegion() = default;
+    CCsRegion(int x, int y, int w, int h);
+    CCsRegion(const CCsRegion&) = default;
+    CCsRegion& operator=(const CCsRegion&) = default;
+    virtual ~CCsRegion();
+
+    /// A negative extent counts backwards from (x, y).
+    void set(int x, int y, int w, int h);
+
+    /// Grows to the bounding box of both. Deliberately asymmetric: this region is empty only when both extents are 0,
+    /// `other` when both are below 1.
+    void join(const CCsRegion& other);
+
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "zolcs/ccsexport.h"
+
+#include <cstddef>
+
+/// The process-wide pool of look-up-table chunks. All members may be called from any thread.
+class ZOLWEBCS_API CCsMemoryManager {
+public:
+    /// Bytes of a chunk: 65536 entries of 32 bits.
+    static constexpr std::size_t chunkSize = 0x40000;
+
+    CCsMemoryManager() = delete;
+
+    /// A chunk of chunkSize bytes with undefined contents, or null when memory is exhausted (counted all the same).
+    static void* allocateChunk();
+
+    /// Gives a chunk back to the pool, not to the system; it is the next one handed out.
+    static void releaseChunk(void* chunk);
+
+    /// Frees all blocks of the pool, chunks in use included; true if there were any.
+    static bool purgeChunks();
+};
