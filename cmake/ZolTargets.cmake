@@ -15,6 +15,16 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
 endif()
 
+# A compiler cache where there is one; it must not tell checkouts in different folders apart.
+find_program(ZOL_CCACHE ccache)
+if(ZOL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros ${ZOL_CCACHE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  endif()
+endif()
+
 # Flags of our own code. Contraction is off everywhere: a fused multiply-add rounds once where two operations round
 # twice, and the same picture must come out of every build.
 add_library(zol_build_flags INTERFACE)
