@@ -18,3 +18,20 @@
 #define ZOL_ALWAYS_INLINE inline __attribute__((always_inline))
 #define ZOL_NOINLINE __attribute__((noinline))
 #endif
+
+#if defined(_MSC_VER) && !defined(__clang__) && (defined(_M_IX86) || defined(_M_X64))
+#include <intrin.h>
+#endif
+
+/// Asks the processor whether it has the MMX instruction set.
+inline bool zolProcessorHasMmx() {
+#if defined(_MSC_VER) && !defined(__clang__) && (defined(_M_IX86) || defined(_M_X64))
+    int registers[4] = {};
+    __cpuid(registers, 1);
+    return (registers[3] & (1 << 23)) != 0;
+#elif defined(__i386__) || defined(__x86_64__)
+    return __builtin_cpu_supports("mmx") != 0;
+#else
+    return false;
+#endif
+}
