@@ -1,0 +1,20 @@
+# The installed package: find_package(zolwebcs) with the target zolwebcs::zolwebcs, and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zolwebcs)
+install(EXPORT zolwebcsTargets NAMESPACE zolwebcs:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/zolwebcsConfig.cmake.in ${PROJECT_BINARY_DIR}/zolwebcsConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zolwebcsConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zolwebcsConfig.cmake ${PROJECT_BINARY_DIR}/zolwebcsConfigVersion.cmake
+  DESTINATION ${package_dir})
+
+set(ZOL_PC_LIBS "-lzolwebcs -lzolmemmap -lzollog")
+if(WIN32)
+  string(APPEND ZOL_PC_LIBS " -lgdi32 -luser32")
+else()
+  string(APPEND ZOL_PC_LIBS " -lzolgdi")
+endif()
+configure_file(cmake/zolwebcs.pc.in ${PROJECT_BINARY_DIR}/zolwebcs.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zolwebcs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

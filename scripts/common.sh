@@ -1,0 +1,54 @@
+# Shared by the scripts in this folder; source it, do not run it.
+set -euo pipefail
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$project"
+
+say() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+die() {
+    printf '\n%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+build_packages=(g++ cmake ninja-build ccache pkg-config libcairo2-dev libpango1.0-dev libfontconfig-dev libboost-dev
+    libhwy-dev libdcmtk-dev libcli11-dev libpng-dev fonts-dejavu-core)
+test_packages=(libgtest-dev libgmock-dev poppler-utils)
+cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
+lint_packages=(clang clang-format clang-tidy)
+fuzz_packages=(clang libclang-rt-14-dev)
+bench_packages=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev)
+
+# need_packages NAME...: installs the Debian packages that are missing.
+need_packages() {
+    command -v dpkg-query >/dev/null || die "this is not a Debian system; install by hand: $*"
+    local missing=() name
+    for name in "$@"; do
+        [ "$(dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null || true)" = installed ] || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    say "Installing: ${missing[*]}"
+    [ "$(id -u)" -eq 0 ] || die "these packages are missing and only root can install them: ${missing[*]}"
+    export DEBIAN_FRONTEND=noninteractive
+    local log
+    log=$(mktemp)
+    if ! { apt-get -q update && apt-get -q install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+        tail -n 15 "$log" >&2
+        die "the packages could not be installed (no network, or a package source is missing); see the lines above"
+    fi
+    rm -f "$log"
+}
+
+# build PRESET [TARGET...]: configures when needed and builds; progress on the terminal.
+build() {
+    local preset=$1
+    shift
+    say "Building ($preset)"
+    if [ ! -f "build/$preset/build.ninja" ]; then
+        cmake --preset "$preset" >"${TMPDIR:-/tmp}/zolwebcs-configure-$$.log" 2>&1 || {
+            cat "${TMPDIR:-/tmp}/zolwebcs-configure-$$.log" >&2
+            die "the build could not be configured"
+        }
+        rm -f "${TMPDIR:-/tmp}/zolwebcs-configure-$$.log"
+    fi
+    cmake --build --preset "$preset" ${1:+--target "$@"} || die "the build failed"
+}
