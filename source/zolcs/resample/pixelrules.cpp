@@ -1,0 +1,362 @@
+#include "zolcs/resample/pixelrules.h"
+
+#include "zolcs/ccsimageutils.h"
+#include "zolcs/ccsmap.h"
+#include "zolcs/ccsraster.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zolcs {
+
+namespace {
+
+/// A coordinate in pixels, in single precision: overlay planes, padding and the shutters' curves are decided at this
+/// position. From 2^24 on it is coarser than 16.16 and may round up to the next pixel; pictures depend on it.
+float singlePosition(Fixed16 coordinate) { return static_cast<float>(coordinate) * 1.5258789e-5F; }
+
+std::int64_t roundedPixel(Fixed16 coordinate) { return static_cast<std::int64_t>(singlePosition(coordinate)); }
+
+double pixels(Fixed16 coordinate) { return static_cast<double>(coordinate) * 0x1.0p-16; }
+
+/// The grey display pixel of a shutter's 16-bit presentation value: its high byte in all three channels.
+std::uint32_t shutterColour(unsigned short value) { return (value >> 8U) * 0x010101U; }
+
+/// Columns of `within` at which low <= a + x b <= high, widened to whole columns; used to bound, never to decide.
+ColumnRange columnsNear(double a, double b, double low, double high, ColumnRange within) {
+    const ColumnRange none{within.begin, within.begin};
+    if (b == 0.0) return low <= a && a <= high ? within : none;
+    const double t0 = (low - a) / b;
+    const double t1 = (high - a) / b;
+    const auto clamped = [&](double t) {
+        return static_cast<int>(std::clamp(t, static_cast<double>(within.begin), static_cast<double>(within.end)));
+    };
+    const ColumnRange result{std::max(clamped(std::floor(std::min(t0, t1)) - 1.0), within.begin),
+                             std::min(clamped(std::ceil(std::max(t0, t1)) + 2.0), within.end)};
+    return result.empty() ? none : result;
+}
+
+ColumnRange common(ColumnRange a, ColumnRange b) { return {std::max(a.begin, b.begin), std::min(a.end, b.end)}; }
+
+}  // namespace
+
+void PixelRuns::reset(ColumnRange columns) {
+    runs_.clear();
+    layer_.clear();
+    if (!columns.empty()) runs_.push_back({columns.begin, columns.end, PixelRun::Shows::Image, 0});
+}
+
+void PixelRuns::add(const PixelRun& run) {
+    if (run.end <= run.begin) return;
+    if (!layer_.empty() && layer_.back().end == run.begin && layer_.back().showsTheSameAs(run)) {
+        layer_.back().end = run.end;
+    } else {
+        layer_.push_back(run);
+    }
+}
+
+void PixelRuns::merge() {
+    if (layer_.empty()) return;
+    merged_.clear();
+    const auto append = [this](const PixelRun& run) {
+        if (!merged_.empty() && merged_.back().showsTheSameAs(run)) {
+            merged_.back().end = run.end;
+        } else {
+            merged_.push_back(run);
+        }
+    };
+    auto above = layer_.begin();
+    for (PixelRun below : runs_) {
+        while (below.begin < below.end) {
+            while (above != layer_.end() && above->end <= below.begin) ++above;
+            PixelRun piece = below;
+            if (above == layer_.end() || above->begin >= below.end) {
+                below.begin = below.end;
+            } else if (above->begin > below.begin) {
+                piece.end = above->begin;
+                below.begin = piece.end;
+            } else {
+                piece = *above;
+                piece.begin = below.begin;
+                piece.end = std::min(above->end, below.end);
+                below.begin = piece.end;
+            }
+            append(piece);
+        }
+    }
+    runs_.swap(merged_);
+    layer_.clear();
+}
+
+PixelRules PixelRules::forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
+                                     std::uint32_t background, int displayWidth) {
+    PixelRules rules;
+    rules.sourceExtent_ = std::max(source.getWidth(), source.getHeight());
+    const std::uint32_t colour = shutterColour(source.getPresentationShutterValue());
+
+    rules.addBits(BitPlane(padding, 0, 0, source.getWidth(), source.getHeight()), true, PixelRun::Shows::Covered,
+                  background);
+    if (source.isDisplayShutter()) {
+        rules.shutter_ = source.getDisplayShutterInfo();
+        // The centre follows from the radius before a degenerate one is replaced.
+        const RECT box = source.getCircShutterRect();
+        const auto side = [](LONG a, LONG b) {
+            return static_cast<float>(std::abs(static_cast<std::int64_t>(a) - static_cast<std::int64_t>(b)));
+        };
+        float radius = std::min(side(box.left, box.right), side(box.top, box.bottom)) * 0.5F;
+        rules.circle_.centerX = static_cast<double>(box.left + static_cast<std::int64_t>(radius));
+        rules.circle_.centerY = static_cast<double>(box.top + static_cast<std::int64_t>(radius));
+        if (radius == 0.0F) radius = static_cast<float>(displayWidth - 1);
+        rules.circle_.radius = radius;
+        rules.addShutterGeometry(source, colour);
+    } else if (source.isBitmapShutter()) {
+        const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
+        rules.addBits(BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns,
+                               bits.rows),
+                      false, PixelRun::Shows::Covered, colour);
+    }
+    rules.addOverlays(source, map);
+    return rules;
+}
+
+PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const unsigned char* padding) {
+    PixelRules rules;
+    rules.wholeRaster_ = true;
+    rules.sourceExtent_ = std::max(source.getWidth(), source.getHeight());
+    const std::uint32_t colour = shutterColour(source.getPresentationShutterValue());
+
+    if (source.isDisplayShutter()) {
+        rules.shutter_ = source.getDisplayShutterInfo();
+        rules.circle_ = {static_cast<double>(rules.shutter_.circular.center.x),
+                         static_cast<double>(rules.shutter_.circular.center.y), rules.shutter_.circular.radius};
+        rules.addShutterGeometry(source, colour);
+    }
+    if (source.isBitmapShutter()) {
+        const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
+        rules.addBits(BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns,
+                               bits.rows),
+                      false, PixelRun::Shows::Covered, colour);
+    }
+    rules.addBits(BitPlane(padding, 0, 0, source.getWidth(), source.getHeight(), 1), false, PixelRun::Shows::Covered,
+                  0);
+    rules.addOverlays(source, map);
+    return rules;
+}
+
+void PixelRules::addOverlays(CCsRaster& source, IGreyMap* map) {
+    if (map == nullptr || !map->isEnabled()) return;
+    const auto [planeColours, groupColours] = map->getOverlayColors();
+    if (source.isEmbeddedOverlayPresent()) embeddedColours_ = planeColours;
+    if (groupColours == nullptr) return;
+    // The first plane whose bit is set wins, so it is laid on last.
+    const std::vector<CCs60XXOverlay>& planes = source.get60XXOverlayGroup().planes;
+    for (std::size_t i = planes.size(); i-- > 0;) {
+        const CCs60XXOverlay& plane = planes[i];
+        addBits(BitPlane(plane.data, plane.originX - std::int64_t{1}, plane.originY - std::int64_t{1}, plane.columns,
+                         plane.rows),
+                !wholeRaster_, PixelRun::Shows::Plane, groupColours[std::min<std::size_t>(i, 15)]);
+    }
+}
+
+void PixelRules::addShutterGeometry(CCsRaster& source, std::uint32_t colour) {
+    const auto addIf = [&](bool present, Kind kind) {
+        if (!present) return;
+        Layer layer;
+        layer.kind = kind;
+        layer.colour = colour;
+        layers_.push_back(std::move(layer));
+    };
+    addIf(source.isRectShutter(), Kind::Rectangle);
+    addIf(source.isCircShutter(), Kind::Circle);
+    addIf(source.isPolygonalShutter(), Kind::Polygon);
+}
+
+void PixelRules::addBits(const BitPlane& plane, bool roundedPositions, PixelRun::Shows shows, std::uint32_t colour) {
+    if (!plane.isBlank()) layers_.push_back({Kind::Bits, shows, colour, plane, roundedPositions});
+}
+
+void PixelRules::cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
+    runs.reset(columns);
+    if (columns.empty()) return;
+    for (const Layer& layer : layers_) {
+        switch (layer.kind) {
+            case Kind::Rectangle:
+                cutRectangle(line, columns, layer, runs);
+                break;
+            case Kind::Circle:
+                cutCircle(line, columns, layer, runs);
+                break;
+            case Kind::Polygon:
+                cutPolygon(line, columns, layer, runs);
+                break;
+            case Kind::Bits:
+                cutBits(line, columns, layer, runs);
+                break;
+        }
+        runs.merge();
+    }
+}
+
+void PixelRules::cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    const RECT& rect = shutter_.rectangular.rect;
+    const auto inside = [&](Fixed16 start, Fixed16 step, LONG low, LONG high, ColumnRange within) {
+        const Fixed16 beyond = (static_cast<Fixed16>(high) + 1) * fixed16One;
+        return columnsBetween(start, step, low * fixed16One, beyond - 1, within);
+    };
+    ColumnRange visible = inside(line.u, line.du, rect.left, rect.right, columns);
+    visible = inside(line.v, line.dv, rect.top, rect.bottom, visible);
+    runs.add({columns.begin, visible.begin, layer.shows, layer.colour});
+    runs.add({std::max(visible.begin, visible.end), columns.end, layer.shows, layer.colour});
+}
+
+bool PixelRules::isInsideCircle(Fixed16 u, Fixed16 v) const {
+    if (wholeRaster_) {
+        CCsDisplayShutterInfo circleAlone;
+        circleAlone.circular = shutter_.circular;
+        circleAlone.circular.present = 1;
+        return CCsImageUtils::isPointInsideDisplayShutter(circleAlone, static_cast<int>(pixelOf(u)),
+                                                          static_cast<int>(pixelOf(v)));
+    }
+    const float dx = singlePosition(u) - static_cast<float>(circle_.centerX);
+    const float dy = singlePosition(v) - static_cast<float>(circle_.centerY);
+    return std::sqrt(dx * dx + dy * dy) <= circle_.radius;
+}
+
+void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    // Well inside and well outside, the line is cut by geometry; what lies within the rounding of the distance is
+    // tested pixel by pixel.
+    const double du = pixels(line.du);
+    const double dv = pixels(line.dv);
+    const double x0 = pixels(line.uAt(columns.begin)) - circle_.centerX;
+    const double y0 = pixels(line.vAt(columns.begin)) - circle_.centerY;
+    const double extent = sourceExtent_ + std::fabs(circle_.centerX) + std::fabs(circle_.centerY) + circle_.radius;
+    const double margin = (extent + 1.0) * 0x1.0p-18;
+    const double stepSquared = du * du + dv * dv;
+    const double nearest = stepSquared > 0.0 ? -(x0 * du + y0 * dv) / stepSquared : 0.0;
+    const double atNearestX = x0 + nearest * du;
+    const double atNearestY = y0 + nearest * dv;
+    const double nearestSquared = atNearestX * atNearestX + atNearestY * atNearestY;
+    const auto chord = [&](double radius) -> double {  // half, in columns; negative when the line misses
+        const double rest = radius * radius - nearestSquared;
+        if (radius < 0.0 || rest < 0.0) return -1.0;
+        return stepSquared > 0.0 ? std::sqrt(rest / stepSquared) : 0x1.0p31;
+    };
+    const auto column = [&](double t) {
+        return static_cast<int>(
+            std::clamp(t + columns.begin, static_cast<double>(columns.begin), static_cast<double>(columns.end)));
+    };
+    const double outer = chord(circle_.radius + margin);
+    const double inner = chord(circle_.radius - margin);
+    ColumnRange maybe{columns.begin, columns.begin};
+    if (outer >= 0.0) maybe = {column(std::floor(nearest - outer) - 1.0), column(std::ceil(nearest + outer) + 2.0)};
+    ColumnRange surely{maybe.end, maybe.end};
+    if (inner >= 0.0) {
+        surely = common(maybe, {column(std::ceil(nearest - inner) + 1.0), column(std::floor(nearest + inner))});
+    }
+    if (surely.empty()) surely = {maybe.end, maybe.end};
+
+    const auto testEach = [&](int begin, int end) {
+        for (int x = begin; x < end; ++x) {
+            if (!isInsideCircle(line.uAt(x), line.vAt(x))) runs.add({x, x + 1, layer.shows, layer.colour});
+        }
+    };
+    runs.add({columns.begin, maybe.begin, layer.shows, layer.colour});
+    testEach(maybe.begin, surely.begin);
+    testEach(surely.end, maybe.end);
+    runs.add({maybe.end, columns.end, layer.shows, layer.colour});
+}
+
+void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    // Between the columns at which the line comes close to an edge of the polygon, one pixel stands for all.
+    const std::vector<CPoint>& vertices = shutter_.polygon;
+    const double margin = (sourceExtent_ + 1.0) * 0x1.0p-18;
+    const double du = pixels(line.du);
+    const double dv = pixels(line.dv);
+    const double u0 = pixels(line.u);
+    const double v0 = pixels(line.v);
+
+    std::vector<ColumnRange>& close = runs.close_;
+    close.clear();
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const CPoint& a = vertices[i];
+        const CPoint& b = vertices[i + 1 < vertices.size() ? i + 1 : 0];
+        const auto [lowX, highX] = std::minmax({static_cast<double>(a.x), static_cast<double>(b.x)});
+        const auto [lowY, highY] = std::minmax({static_cast<double>(a.y), static_cast<double>(b.y)});
+        ColumnRange reach = columnsNear(u0, du, lowX - margin, highX + margin, columns);
+        if (reach.empty()) continue;
+        reach = common(reach, columnsNear(v0, dv, lowY - margin, highY + margin, columns));
+        if (reach.empty()) continue;
+        const double edgeX = static_cast<double>(b.x) - static_cast<double>(a.x);
+        const double edgeY = static_cast<double>(b.y) - static_cast<double>(a.y);
+        const double length = std::hypot(edgeX, edgeY);
+        if (length > 0.0) {
+            const double across = ((u0 - a.x) * edgeY - (v0 - a.y) * edgeX) / length;
+            const double acrossStep = (du * edgeY - dv * edgeX) / length;
+            reach = common(reach, columnsNear(across, acrossStep, -margin, margin, columns));
+        }
+        if (!reach.empty()) close.push_back(reach);
+    }
+    std::sort(close.begin(), close.end(), [](ColumnRange a, ColumnRange b) { return a.begin < b.begin; });
+
+    const auto isOutside = [&](int x) {
+        return !CCsImageUtils::isPointInsidePolygon(vertices, singlePosition(line.uAt(x)), singlePosition(line.vAt(x)));
+    };
+    int done = columns.begin;
+    const auto clearUntil = [&](int end) {
+        if (done < end && isOutside(done)) runs.add({done, end, layer.shows, layer.colour});
+        done = std::max(done, end);
+    };
+    for (const ColumnRange reach : close) {
+        clearUntil(reach.begin);
+        for (; done < reach.end; ++done) {
+            if (isOutside(done)) runs.add({done, done + 1, layer.shows, layer.colour});
+        }
+    }
+    clearUntil(columns.end);
+}
+
+void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    const BitPlane& plane = layer.plane;
+    const std::int64_t slack = layer.roundedPositions ? 1 : 0;
+    const auto over = [&](Fixed16 start, Fixed16 step, std::int64_t low, std::int64_t high, ColumnRange within) {
+        return columnsBetween(start, step, (low - slack) * fixed16One, (high + slack + 1) * fixed16One - 1, within);
+    };
+    columns = over(line.u, line.du, plane.left(), plane.right(), columns);
+    columns = over(line.v, line.dv, plane.top(), plane.bottom(), columns);
+
+    const auto isSet = [&](int x) {
+        const Fixed16 u = line.uAt(x);
+        const Fixed16 v = line.vAt(x);
+        return layer.roundedPositions ? plane.isSet(roundedPixel(u), roundedPixel(v))
+                                      : plane.isSet(pixelOf(u), pixelOf(v));
+    };
+    // Halves the columns until the plane's summary can tell or few are left.
+    const auto cutRange = [&](const auto& self, ColumnRange range) -> void {
+        if (range.empty()) return;
+        const auto [lowU, highU] = std::minmax({line.uAt(range.begin), line.uAt(range.end - 1)});
+        const auto [lowV, highV] = std::minmax({line.vAt(range.begin), line.vAt(range.end - 1)});
+        switch (plane.contentOf(pixelOf(lowU) - slack, pixelOf(lowV) - slack, pixelOf(highU) + slack,
+                                pixelOf(highV) + slack)) {
+            case BitPlane::Content::None:
+                return;
+            case BitPlane::Content::All:
+                runs.add({range.begin, range.end, layer.shows, layer.colour});
+                return;
+            case BitPlane::Content::Mixed:
+                break;
+        }
+        constexpr int fewColumns = 16;
+        if (range.end - range.begin > fewColumns) {
+            const int middle = range.begin + (range.end - range.begin) / 2;
+            self(self, {range.begin, middle});
+            self(self, {middle, range.end});
+            return;
+        }
+        for (int x = range.begin; x < range.end; ++x) {
+            if (isSet(x)) runs.add({x, x + 1, layer.shows, layer.colour});
+        }
+    };
+    cutRange(cutRange, columns);
+}
+
+}  // namespace zolcs

@@ -1,0 +1,131 @@
+// Which pixels of a line do not simply show the image: overlay planes, embedded overlay bits, shutters and padding.
+//
+// The order of precedence is written here and nowhere else. The rules are decided once per call; each line is then cut
+// into runs of pixels that all show the same, so that no loop over pixels asks about shutters or planes.
+#pragma once
+
+#include "zolcs/ccsexport.h"
+#include "zolcs/ccsrecords.h"
+#include "zolcs/resample/bitplane.h"
+#include "zolcs/resample/stepping.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+class CCsRaster;
+class IGreyMap;
+
+namespace zolcs {
+
+/// Neighbouring pixels [begin, end) of a line that show the same.
+struct PixelRun {
+    enum class Shows : std::uint8_t {
+        Image,    ///< the value map decides; an embedded overlay bit of the stored value goes first
+        Covered,  ///< `colour` (a shutter or padding); an embedded overlay bit of the stored value goes first
+        Plane,    ///< `colour` (an overlay plane), whatever is stored
+    };
+
+    int begin = 0;
+    int end = 0;
+    Shows shows = Shows::Image;
+    std::uint32_t colour = 0;
+
+    [[nodiscard]] bool showsTheSameAs(const PixelRun& other) const {
+        return shows == other.shows && colour == other.colour;
+    }
+    bool operator==(const PixelRun&) const = default;
+};
+
+/// The runs of one line, in order and without gaps. Reuse one object for all lines that a thread walks.
+class PixelRuns {
+public:
+    [[nodiscard]] auto begin() const { return runs_.begin(); }
+    [[nodiscard]] auto end() const { return runs_.end(); }
+    [[nodiscard]] std::size_t size() const { return runs_.size(); }
+
+private:
+    friend class PixelRules;
+
+    /// One run of image over all columns.
+    void reset(ColumnRange columns);
+    /// Adds a run to the layer that is being gathered; runs come in ascending order and do not overlap.
+    void add(const PixelRun& run);
+    /// Lays the gathered layer over what is there.
+    void merge();
+
+    std::vector<PixelRun> runs_;
+    std::vector<PixelRun> layer_;
+    std::vector<PixelRun> merged_;
+    std::vector<ColumnRange> close_;  ///< columns close to a polygon's edge
+};
+
+/// What one call shows beside the image itself.
+class ZOLWEBCS_API PixelRules {
+public:
+    /// No rules: every pixel shows the image.
+    PixelRules() = default;
+
+    /// The rules of a resampling call. `map` may be null (a map without grey tables: no overlays). `padding` may be
+    /// null, else it holds one bit per source pixel; both it and the planes' data stay the caller's and must live as
+    /// long as the rules. Lines are walked with source positions as Stepping::line gives them.
+    static PixelRules forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
+                                    std::uint32_t background, int displayWidth);
+
+    /// The rules of mapping a whole raster pixel by pixel: line y is walked with wholeRasterLine(y). Padding is tested
+    /// before the shutters here, never for the first pixel, and shows 0; a bitmap shutter adds to the other kinds.
+    static PixelRules forWholeRaster(CCsRaster& source, IGreyMap* map, const unsigned char* padding);
+
+    static SourceLine wholeRasterLine(int y) { return {0, static_cast<Fixed16>(y) << fixed16Bits, fixed16One, 0}; }
+
+    /// True when no position needs a rule: every line is one run of image.
+    [[nodiscard]] bool positionsAreFree() const { return layers_.empty(); }
+
+    /// True when every pixel shows the image, embedded overlay bits included.
+    [[nodiscard]] bool isFree() const { return positionsAreFree() && embeddedColours_ == nullptr; }
+
+    /// Sixteen display pixels by the top four bits of a stored value; null when embedded overlay bits are not shown.
+    [[nodiscard]] const std::uint32_t* embeddedColours() const { return embeddedColours_; }
+
+    /// Cuts the columns of a line into runs. Every column's position must lie on the source.
+    void cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const;
+
+private:
+    /// A shutter's circle: decided pixel by pixel only close to its edge.
+    struct Circle {
+        double centerX = 0.0;
+        double centerY = 0.0;
+        float radius = 0.0F;
+    };
+
+    enum class Kind : std::uint8_t { Rectangle, Circle, Polygon, Bits };
+
+    /// One rule; later layers take precedence over earlier ones.
+    struct Layer {
+        Kind kind = Kind::Bits;
+        PixelRun::Shows shows = PixelRun::Shows::Covered;
+        std::uint32_t colour = 0;
+        BitPlane plane;
+        bool roundedPositions = false;  ///< positions go through single precision before they choose a bit
+    };
+
+    void addOverlays(CCsRaster& source, IGreyMap* map);
+    void addShutterGeometry(CCsRaster& source, std::uint32_t colour);
+    void addBits(const BitPlane& plane, bool roundedPositions, PixelRun::Shows shows, std::uint32_t colour);
+
+    void cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+
+    [[nodiscard]] bool isInsideCircle(Fixed16 u, Fixed16 v) const;
+
+    std::vector<Layer> layers_;
+    const std::uint32_t* embeddedColours_ = nullptr;
+    bool wholeRaster_ = false;
+    CCsDisplayShutterInfo shutter_;
+    Circle circle_;
+    double sourceExtent_ = 0.0;  ///< the largest source coordinate that a line can have
+};
+
+}  // namespace zolcs
