@@ -9,7 +9,8 @@
 #define ZOLWEBMLANG_API ZOL_IMPORT
 #endif
 
-/// Character-set types 0 to 31 are DICOM's specific character set terms in a fixed order; 32 means: judge by the string.
+/// Character-set types 0 to 31 are DICOM's specific character set terms in a fixed order; 32 means: judge by the
+/// string.
 inline constexpr int ZOL_CHARSET_UNDEFINED = 32;
 
 /// Makes fonts whose face covers a string. Holds no resources of its own.
