@@ -10,72 +10,166 @@ class CCsImage;
 inline constexpr int CCS_HORIZONTAL = 1;  ///< left and right exchange
 inline constexpr int CCS_VERTICAL = 2;    ///< top and bottom exchange
 
-/// The relation between a source image and a destination image.
+/// The relation between a source image and a destination image (the display).
 ///
-/// View operations act on a normalised matrix in which scale 1 means that the whole image fits the display segment.
 /// Every matrix here is six doubles (a, b, c, d, e, f) with x' = a x + c y + e and y' = b x + d y + f; x is the column
-/// and y the row, both growing right and down. Pixel matrices are computed when asked for and kept until a mutator.
+/// and y the row, both growing right and down. There are three of them:
+/// - the view matrix, on which the view operations act. It is normalised: scale 1 means that the whole image fits the
+///   display segment, and a pan of 1 moves the image by the display's extent in the direction that limits the fit.
+/// - image to display, in pixels: the image's centre comes to the display's centre, plus offset and pan.
+/// - display to image, its inverse.
+/// The two pixel matrices are computed when they are asked for and kept until the next change.
+///
+/// Everything is computed in double, without rounding to pixels, and has the same bits on every platform. Sizes,
+/// ratios and factors are taken as they are: a size or ratio of 0 gives infinities or NaN in the pixel matrices, and
+/// nothing worse. Operations that return int return 255 unless told otherwise.
 class ZOLWEBCS_API CCs2dTrafo {
 public:
+    /// The identity between two images of one square pixel.
     CCs2dTrafo();
-    /// The normalised matrix row by row.
+
+    /// The view matrix row by row: x' = m11 x + m12 y + m13, y' = m21 x + m22 y + m23.
     CCs2dTrafo(double m11, double m12, double m13, double m21, double m22, double m23);
+
     CCs2dTrafo(const CCs2dTrafo&) = default;
     CCs2dTrafo& operator=(const CCs2dTrafo&) = default;
     virtual ~CCs2dTrafo();
 
+    /// View matrix back to the identity; sizes, ratios and modes stay.
     void reset();
 
+    /// Width, height and pixel ratio of both images; the display segment is the whole destination, without offset.
     void setSizes(const CCsImage& source, const CCsImage& destination);
+
+    /// Sizes in pixels, ratios as height of a pixel over its width; the offset (in destination pixels) is added to
+    /// where the image would lie.
     void setSizes(const CCsImage& source, int width, int height, double ratioYx, int offsetX, int offsetY);
+
+    /// As above, with the source's size and ratio given too.
     void setSizes(int sourceWidth, int sourceHeight, int width, int height, double sourceRatioYx, double ratioYx,
                   int offsetX, int offsetY);
+
+    /// Destination and offset only. Deliberately leaves getDstMax as it was.
     void setDestSizes(int width, int height, double ratioYx, int offsetX, int offsetY);
+
+    /// To be called when the source has been transposed: exchanges its extents, inverts its ratio, clears the offset,
+    /// computes getDstMax anew and turns the pan (px, py): to (-py, px) when the flags are equal, to (py, -px) when
+    /// they differ.
     void swapSourceDimension(bool flag1, bool flag2);
+
+    /// Not 0: the whole image fits the destination at scale 1 (the default). 0: the source's larger extent takes the
+    /// destination's larger one.
     void setDstSmallerSide(int on);
+
+    /// Whether a fit-sized view is fitted anew after a quarter turn. Deliberately no change in itself: the mode takes
+    /// effect at the first computation that another change causes.
     void setFitIntoSegementMode(bool on);
+
+    /// Source width and height in pixels.
     [[nodiscard]] CSize getSrcSize() const;
+
+    /// Destination width and height in pixels.
     [[nodiscard]] CSize getDstSize() const;
+
+    /// The destination's extent in the direction that limited the fit when the sizes were set: its width in pixels,
+    /// or its height times its ratio.
     [[nodiscard]] double getDstMax() const;
+
+    /// The source extent that the fit compares: its width in pixels, or its height times its ratio. Counts a fit-sized
+    /// quarter turn even where the fit mode is off, on purpose. Reports a singular view matrix.
     [[nodiscard]] double getSrcMax();
+
+    /// Whether the source's ratio differs from 1 by more than 1e-6.
     [[nodiscard]] bool isSourceAspectRatioOtherThanUnity() const;
 
+    /// Zooms about the display's centre: the pan is scaled too.
     void scale(double factor);
+
+    /// Zooms about the image's centre: the pan stays as it is.
     void scale2dMatrix(double factor);
+
+    /// Adds to the pan.
     void translate(double dx, double dy);
+
+    /// Turns the view clockwise as it is seen (x to the right, y down), the pan included.
     void rotate(double degrees);
+
+    /// Mirrors the view, the pan included. 255; or 2 for anything but CCS_HORIZONTAL and CCS_VERTICAL, which is
+    /// reported and changes nothing.
     int mirror(int direction);
+
     void setDspPanFactor(double px, double py);
     void getDspPanFactor(double& px, double& py) const;
+
+    /// The pan. Deliberately counts as a change, though it changes nothing.
     void getTranslation(double& tx, double& ty);
 
+    /// Takes the view matrix apart: angle in degrees in [0, 360], mirrored 0 or 1, scale above 0, and the pan. 255; or
+    /// 0 for a singular matrix, which is reported and leaves all but the pan untouched. Rounding can carry the cosine
+    /// beyond 1, and the angle is then NaN: whoever looks at it takes that for an oblique angle.
     int getOperations(double& angle, int& mirrored, double& scale, double& tx, double& ty);
+
+    /// Whether the view's scale is within 0.01 of 1.
     [[nodiscard]] bool isFitIntoSegment();
+
+    /// Whether setDspScaleFactor is leaving a fit-sized view at this moment.
     [[nodiscard]] bool isTransition() const;
+
+    /// 1 when the view maps axes onto axes (quarter turns, mirrored or not), else 0.
     [[nodiscard]] int isTransposition() const;
+
+    /// The matrix from display pixels to image pixels.
     void getTransformation(double& a, double& b, double& c, double& d, double& e, double& f);
+
+    /// The matrix from image pixels to display pixels.
     int getImgToDsp(double& a, double& b, double& c, double& d, double& e, double& f);
+
+    /// Display pixels per source pixel, as the root of the area's factor.
     int getDspScaleFactor(double& factor);
+
+    /// Display pixels per source pixel along the display's axes, where the view is within a degree of a quarter turn,
+    /// mirrored or not. At any other angle both stay untouched, deliberately also just below a full turn.
     int getDspScaleFactorXY(double& fx, double& fy);
+
+    /// Zooms, pan included, to that many display pixels per source pixel.
     int setDspScaleFactor(double factor);
+
+    /// Whether one display pixel shows one source pixel, within 0.01.
     [[nodiscard]] bool isAcqisitionSize();
 
 private:
-    double userMatrix[6];
-    std::int32_t isValid;
-    std::int32_t srcWidth;
-    std::int32_t srcHeight;
-    std::int32_t dstWidth;
-    std::int32_t dstHeight;
-    std::int32_t dstOffsetX;
-    std::int32_t dstOffsetY;
-    double srcRatioYx;
-    double dstRatioYx;
-    double dstMax;
-    double imgToDsp[6];
-    double dspToImg[6];
+    struct Extents {
+        double source;
+        double destination;
+    };
+    struct Operations {
+        double angle = 0.0;
+        int mirrored = 0;
+        double scale = 1.0;
+    };
+
+    void setSource_(int width, int height, double ratioYx);
+    void computeDstMax_();
+    Operations operations_();
+    Extents fitExtents_(bool refitQuarterTurns);
+    void adaptTransformation_();
+    [[nodiscard]] double meanScale_() const;
+
+    double userMatrix[6] = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
+    std::int32_t isValid = 0;
+    std::int32_t srcWidth = 1;
+    std::int32_t srcHeight = 1;
+    std::int32_t dstWidth = 1;
+    std::int32_t dstHeight = 1;
+    std::int32_t dstOffsetX = 0;
+    std::int32_t dstOffsetY = 0;
+    double srcRatioYx = 1.0;
+    double dstRatioYx = 1.0;
+    double dstMax = 1.0;
+    double imgToDsp[6] = {1.0, 0.0, 1.0, 0.0, 0.0, 0.0};  // computed before it is read
+    double dspToImg[6] = {1.0, 1.0, 0.0, 0.0, 0.0, 0.0};  // likewise
     double pi;
-    std::int32_t dstSmallerSide;
-    bool transition;
-    bool fitIntoSegmentMode;
+    std::int32_t dstSmallerSide = 1;
+    bool transition = false;
+    bool fitIntoSegmentMode = true;
 };

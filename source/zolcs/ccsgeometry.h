@@ -38,6 +38,7 @@ public:
 template <typename Number, typename Point>
 class CCsRect;
 
+/// Integer corners in the caller's space.
 template <>
 class ZOLWEBCS_API CCsRect<int, CCsPoint> {
 public:
@@ -48,10 +49,20 @@ public:
     virtual ~CCsRect();
 
     void setPosition(int newX1, int newY1, int newX2, int newY2);
+
+    /// The smaller x and the smaller y.
     [[nodiscard]] CCsPoint getLeftTop() const;
+
+    /// The larger x and the larger y; a corner like any other, neither inclusive nor exclusive.
     [[nodiscard]] CCsPoint getBottomRight() const;
+
+    /// |x2 - x1|, limited to the largest int.
     [[nodiscard]] int getWidth() const;
+
+    /// |y2 - y1|, limited to the largest int.
     [[nodiscard]] int getHeight() const;
+
+    /// Fills all four edges of `rect` with the ordered corners.
     void getSize(tagRECT& rect) const;
 
     std::int32_t x1 = 0;
@@ -60,6 +71,7 @@ public:
     std::int32_t y2 = 0;
 };
 
+/// Corners in double precision in the caller's space.
 template <>
 class ZOLWEBCS_API CCsRect<double, CCsPointDouble> {
 public:
@@ -70,7 +82,11 @@ public:
     virtual ~CCsRect();
 
     void setPosition(double newX1, double newY1, double newX2, double newY2);
+
+    /// The smaller x and the smaller y.
     [[nodiscard]] CCsPointDouble getLeftTop() const;
+
+    /// The larger x and the larger y.
     [[nodiscard]] CCsPointDouble getBottomRight() const;
 
     double x1 = 0.0;
@@ -79,10 +95,13 @@ public:
     double y2 = 0.0;
 };
 
-/// An always normalised integer area that grows by union; (0, 0) extents mean empty.
+/// An integer area that grows by union, such as the area to repaint. Always normalised: neither extent is negative,
+/// and two extents of 0 mean empty. Right and bottom (left + width, top + height) are exclusive; where an edge or an
+/// extent would not fit an int it is limited to the int's range.
 class ZOLWEBCS_API CCsRegion {
 public:
     CCsRegion() = default;
+    /// As set.
     CCsRegion(int x, int y, int w, int h);
     CCsRegion(const CCsRegion&) = default;
     CCsRegion& operator=(const CCsRegion&) = default;
@@ -92,7 +111,7 @@ public:
     void set(int x, int y, int w, int h);
 
     /// Grows to the bounding box of both. Deliberately asymmetric: this region is empty only when both extents are 0,
-    /// `other` when both are below 1.
+    /// `other` when both are below 1; an argument of one zero and one positive extent takes part.
     void join(const CCsRegion& other);
 
     std::int32_t left = 0;
