@@ -13,49 +13,95 @@ namespace CCsImageTextFont {
 enum CCsImageTextFontType : int { Plain = 0, Large = 1, LargerBold = 2, Bold = 3 };
 }
 
-/// Base of every annotation. An overlay is in at most one group, which then owns it.
+/// Base of every annotation drawn over an image.
 ///
-/// Overlays report nothing and do nothing on invalid input. Painting thread only.
+/// An overlay is free, or in exactly one group, which then owns it. Its members report nothing and do nothing on
+/// invalid input. Painting thread only. Positions in picking and moving are display pixels; the concrete classes keep
+/// their geometry in image coordinates too.
+///
+/// Render modes: 1 screen, 2 printer, 3 printer through a frame's bitmap, 4 text-proportional, as for burning in.
 class ZOLWEBCS_API CCsOverlay {
 public:
     CCsOverlay() = default;
     /// The copy is in no group and has its reserved field 0.
     CCsOverlay(const CCsOverlay& other);
-    /// Deliberately copies the chain links too; whoever assigns must relink.
+    /// Deliberately copies the chain links too, without the group knowing of the copy: append it somewhere before it is
+    /// used in a chain or destroyed.
     CCsOverlay& operator=(const CCsOverlay& other);
 
     /// Leaves the group.
     virtual ~CCsOverlay();
+
+    /// A clone on the heap that belongs to the caller; null when memory is exhausted, and in this base, which has
+    /// nothing to clone.
     virtual CCsOverlay* NewInstance();
+
+    /// What lies under the point: this overlay, for a group one of its members or itself; null for nothing.
     virtual CCsOverlay* pick(int x, int y);
+
+    /// Marks as selected; `rect` stays as it is.
     virtual void select(RECT& rect);
+
+    /// Ends the selection; 0, and 1 from a group that had a selected member. `rect` stays as it is.
     virtual int unselect(RECT& rect);
+
+    /// This overlay while it is selected, else null.
     virtual CCsOverlay* isSelected();
+
+    /// A drag from (x0, y0) to (x1, y1); `region`, where it is not null, takes up the area to repaint.
     virtual void move(CCs2dTrafo* trafo, int x0, int y0, int x1, int y1, CCsRegion* region);
+
+    /// Draws with a font derived as `fontType` says; only texts draw anything.
     virtual void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc,
                         CCsImageTextFont::CCsImageTextFontType fontType, int mode, int width, int height, int offsetX,
                         int offsetY);
+
+    /// Draws into an area of width by height pixels of `dc`. `imageTrafo` brings image to display, `outputTrafo`
+    /// display to output coordinates; `color` is 0x00BBGGRR.
     virtual void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode,
                         int width, int height, int offsetX, int offsetY) = 0;
+
+    /// Takes the image coordinates from the display coordinates.
     virtual void dspToImg(CCs2dTrafo* trafo) = 0;
+
+    /// Brings the display rectangle into `rect`, in each class's own way.
     virtual void getSize(RECT& rect) = 0;
+
+    /// For hosts: forwarded by groups, without effect here.
     virtual void size(unsigned int what, int dx, int dy, CCs2dTrafo* trafo);
+
+    /// Not 0 while the annotation follows zoom and pan of the image.
     virtual int isTransformable();
+
+    /// For hosts: forwarded by groups, without effect here.
     virtual void updateTrafo(CCs2dTrafo* trafo, bool flag);
+
+    /// Shadows in nearly black, (1, 1, 1), where pure black means something else to a printer.
     virtual void setDicomPrintFlag(bool on) = 0;
+
+    /// "CCsOverlay" for every class, on purpose: it does not tell kinds apart.
     virtual const wchar_t* getClassName();
+
+    /// Draws the ellipse that the points describe; only lines draw anything.
     virtual void renderEllipse(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode,
                                int width, int height, int offsetX, int offsetY, bool flag1, bool flag2);
 
+    /// Leaves the group, which no longer owns this overlay then. Harmless for a free overlay.
     void unchain();
+
     [[nodiscard]] bool isRenderable() const { return renderable; }
+    /// While off, nothing is drawn.
     void setRenderFlag(bool on) { renderable = on; }
+    /// A tag for the caller; nothing here looks at it.
     void setOverlayID(int id) { overlayId = id; }
     [[nodiscard]] bool isExternal() const { return external; }
+    /// External overlays survive CCsGroup::resetAll and can neither be moved nor picked.
     void setExternalStatus_(bool on);
     void setMoveStatus_(bool on) { movable = on; }
+    /// Burnt overlays are in the image's pixels already and survive CCsGroup::resetAll.
     void setBurntToImage_(bool on) { burntToImage = on; }
     void setTransformable_(int on) { transformable = on; }
+    /// On a group: a hit on any member gives the group itself. On a line: whether it can be picked.
     void setGroupPickFlag(int on) { groupPickFlag = on; }
 
 protected:
