@@ -12,12 +12,15 @@ public:
 
     CCsMemoryManager() = delete;
 
-    /// A chunk of chunkSize bytes with undefined contents, or null when memory is exhausted (counted all the same).
+    /// A chunk of chunkSize bytes with undefined contents, or null when memory is exhausted. The chunk is counted, and
+    /// the count traced through CCsError::debug, in both cases. Give it back with releaseChunk.
     static void* allocateChunk();
 
-    /// Gives a chunk back to the pool, not to the system; it is the next one handed out.
+    /// Gives a chunk back to the pool, not to the system: it is the next one handed out. The count goes down and is
+    /// traced, also for null (which pairs with an allocation that failed) and for a chunk of before the last purge.
+    /// Each chunk is given back once.
     static void releaseChunk(void* chunk);
 
-    /// Frees all blocks of the pool, chunks in use included; true if there were any.
+    /// Frees all blocks of the pool, chunks in use included; true if there were any. The count stays as it is.
     static bool purgeChunks();
 };

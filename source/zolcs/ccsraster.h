@@ -90,5 +90,12 @@ protected:
     bool embeddedOverlay = false;
 
 private:
+    int allocateLike(const CCsRaster& other);
+    void copyPixels(const CCsRaster& other);
+    int replaceBuffer();
+    void switchShuttersOff();
+    void clearShutterValues();
     int print_(HDC dc, CCsOverlay* overlay, unsigned long color, CCs2dTrafo* trafo);
+
+    bool sized = true;  // the last setSize succeeded
 };
