@@ -49,6 +49,9 @@ void forEachLine(const Lines& lines, std::int64_t units, std::size_t unitSize, W
     }
 }
 
+// Pixels of all lines with their padding.
+std::int64_t wholePixels(int pitch, int height) { return std::int64_t{std::max(pitch, 0)} * std::max(height, 0); }
+
 // Pixels of adopted buffers may lie at any address, hence the copies; compilers make plain loads and stores of them.
 template <typename Value>
 void store(unsigned char* target, Value value) {
@@ -121,7 +124,7 @@ int CCsImage::clear() {
     if (type < CCS_INDEX8 || type > CCS_RGB8) return zolcs::fail(clearType, type, refused);
     const zolcs::ImageLock lock(*this);
     if (lock.origin() == nullptr) return refused;
-    const std::int64_t pixels = static_cast<std::int64_t>(pitch) * height;
+    const std::int64_t pixels = wholePixels(pitch, height);
     const Lines all{lock.origin(), mMemBuffer->getSize(), 1, 0, 1};
     forEachLine(all, pixels, static_cast<std::size_t>(zolcs::pixelSize(type)),
                 [this](unsigned char* line, std::size_t count) {
@@ -187,8 +190,8 @@ void CCsImage::shiftRight(int bits) {
     const zolcs::ImageLock lock(*this);
     if (lock.origin() == nullptr) return;
     const std::size_t bytes = mMemBuffer->getSize();
-    const std::int64_t pixels =
-        std::min(static_cast<std::int64_t>(pitch) * height, static_cast<std::int64_t>(bytes));  // no more can matter
+    // No more than there are bytes can matter, and so many words cannot overflow.
+    const std::int64_t pixels = std::min(wholePixels(pitch, height), static_cast<std::int64_t>(bytes));
     const bool packed = zolcs::processorCapability() != 0;
     const unsigned int shift = static_cast<unsigned int>(bits) % 32U;
     Lines lines{lock.origin(), bytes, static_cast<std::int64_t>(pitch) * size, 0, height};

@@ -55,7 +55,7 @@ void ZolMemMappedBuffer::setHeapBuffer(unsigned char* memory) {
 
 void ZolMemMappedBuffer::Memcpy(unsigned long destinationOffset, ZolMemMappedBuffer* source, unsigned long byteCount) {
     if (source == nullptr || data_ == nullptr || source->data_ == nullptr || destinationOffset >= size_) return;
-    const std::size_t room = std::min(size_ - destinationOffset, source->size_);
+    const std::size_t room = std::min<std::size_t>(size_ - destinationOffset, source->size_);
     std::memmove(data_ + destinationOffset, source->data_, std::min<std::size_t>(byteCount, room));
 }
 
