@@ -1,0 +1,274 @@
+#include "zolcs/ccsmemorymanager.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/new_failure.h"
+#include "support/report_capture.h"
+
+namespace {
+
+std::atomic<std::size_t> nothrowLimit{std::numeric_limits<std::size_t>::max()};
+std::atomic<int> nothrowRefusals{0};
+
+}  // namespace
+
+/// The standard behaviour (by way of the throwing form), except that large requests can be made to fail.
+void* operator new[](std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
+    if (bytes >= nothrowLimit) {
+        ++nothrowRefusals;
+        return nullptr;
+    }
+    try {
+        return ::operator new[](bytes);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+namespace zoltest {
+
+bool canFailNothrowNew() {
+#if defined(_WIN32)
+    return false;
+#else
+    return true;
+#endif
+}
+
+NothrowNewLimit::NothrowNewLimit(std::size_t bytes) {
+    nothrowRefusals = 0;
+    nothrowLimit = bytes;
+}
+NothrowNewLimit::~NothrowNewLimit() { nothrowLimit = std::numeric_limits<std::size_t>::max(); }
+int NothrowNewLimit::refusals() { return nothrowRefusals; }
+
+}  // namespace zoltest
+
+namespace {
+
+using zoltest::NothrowNewLimit;
+using zoltest::Report;
+using zoltest::ReportCapture;
+
+constexpr std::size_t blockChunks = 64;
+constexpr std::size_t blockBytes = blockChunks * CCsMemoryManager::chunkSize;
+
+std::vector<Report> takeTraces() {
+    std::vector<Report> out;
+    out.swap(ReportCapture::debugReports());
+    return out;
+}
+
+Report trace(const std::wstring& message, unsigned int count, int line) {
+    return {L"CS-D", L"source\\zolcs\\ccsmemorymanager", line, message + L" " + std::to_wstring(count) + L" ", 0};
+}
+Report allocated(unsigned int count) { return trace(L"Total number of chunks in use during allocate ", count, 90); }
+Report released(unsigned int count) { return trace(L"Total number of chunks in use after release ", count, 109); }
+
+/// The count that the next allocation starts from, seen from outside.
+unsigned int chunksInUse() {
+    const ReportCapture capture;
+    CCsMemoryManager::releaseChunk(CCsMemoryManager::allocateChunk());
+    const std::wstring text = takeTraces().at(1).text;
+    return static_cast<unsigned int>(std::stoul(text.substr(text.rfind(L' ', text.size() - 2))));
+}
+
+class CCsMemoryManagerTest : public testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(chunksInUse(), before_); }
+    [[nodiscard]] unsigned int before() const { return before_; }
+
+private:
+    unsigned int before_ = chunksInUse();
+};
+
+TEST_F(CCsMemoryManagerTest, AChunkHolds65536EntriesOf32Bits) {
+    static_assert(CCsMemoryManager::chunkSize == 262144);
+    auto* const chunk = static_cast<std::uint32_t*>(CCsMemoryManager::allocateChunk());
+    ASSERT_NE(chunk, nullptr);
+    for (std::uint32_t i = 0; i < 65536; ++i) chunk[i] = i * 2654435761U;
+    auto* const other = static_cast<unsigned char*>(CCsMemoryManager::allocateChunk());
+    std::memset(other, 0xFF, CCsMemoryManager::chunkSize);
+    for (std::uint32_t i = 0; i < 65536; ++i) ASSERT_EQ(chunk[i], i * 2654435761U);
+    CCsMemoryManager::releaseChunk(other);
+    CCsMemoryManager::releaseChunk(chunk);
+}
+
+TEST_F(CCsMemoryManagerTest, TracesTheCountOfBothOperations) {
+    const ReportCapture capture;
+    void* const one = CCsMemoryManager::allocateChunk();
+    void* const two = CCsMemoryManager::allocateChunk();
+    CCsMemoryManager::releaseChunk(one);
+    CCsMemoryManager::releaseChunk(two);
+    EXPECT_EQ(takeTraces(), (std::vector<Report>{allocated(before() + 1), allocated(before() + 2),
+                                                 released(before() + 1), released(before())}));
+    EXPECT_EQ(ReportCapture::take(), std::vector<Report>{});
+}
+
+TEST_F(CCsMemoryManagerTest, AReleasedChunkIsTheNextOneHandedOut) {
+    void* const one = CCsMemoryManager::allocateChunk();
+    void* const two = CCsMemoryManager::allocateChunk();
+    void* const three = CCsMemoryManager::allocateChunk();
+    EXPECT_NE(one, two);
+    EXPECT_NE(two, three);
+    EXPECT_NE(one, three);
+    CCsMemoryManager::releaseChunk(two);
+    CCsMemoryManager::releaseChunk(one);
+    EXPECT_EQ(CCsMemoryManager::allocateChunk(), one);
+    EXPECT_EQ(CCsMemoryManager::allocateChunk(), two);
+    CCsMemoryManager::releaseChunk(one);
+    CCsMemoryManager::releaseChunk(two);
+    CCsMemoryManager::releaseChunk(three);
+}
+
+TEST_F(CCsMemoryManagerTest, WithoutAHandlerTheCountIsStillKept) {
+    void* const one = CCsMemoryManager::allocateChunk();
+    void* const two = CCsMemoryManager::allocateChunk();
+    {
+        const ReportCapture capture;
+        CCsMemoryManager::releaseChunk(two);
+        EXPECT_EQ(takeTraces(), std::vector<Report>{released(before() + 1)});
+    }
+    CCsMemoryManager::releaseChunk(one);
+}
+
+TEST_F(CCsMemoryManagerTest, ChunksAreDistinctAcrossBlocks) {
+    std::vector<void*> chunks(2 * blockChunks + 3);
+    std::set<void*> distinct;
+    for (void*& chunk : chunks) {
+        chunk = CCsMemoryManager::allocateChunk();
+        ASSERT_NE(chunk, nullptr);
+        std::memset(chunk, 1, CCsMemoryManager::chunkSize);
+        distinct.insert(chunk);
+    }
+    EXPECT_EQ(distinct.size(), chunks.size());
+    const void* previous = nullptr;
+    for (void* const chunk : distinct) {
+        if (previous != nullptr) {
+            EXPECT_GE(static_cast<const char*>(chunk) - static_cast<const char*>(previous),
+                      static_cast<std::ptrdiff_t>(CCsMemoryManager::chunkSize));
+        }
+        previous = chunk;
+    }
+    for (void* const chunk : chunks) CCsMemoryManager::releaseChunk(chunk);
+}
+
+TEST_F(CCsMemoryManagerTest, PurgeFreesAllBlocksAndLeavesTheCount) {
+    const ReportCapture capture;
+    void* const chunk = CCsMemoryManager::allocateChunk();
+    EXPECT_TRUE(CCsMemoryManager::purgeChunks());
+    EXPECT_FALSE(CCsMemoryManager::purgeChunks());
+    ReportCapture::debugReports().clear();
+    // The chunk's block is gone: it is counted back, and is not handed out again from nowhere.
+    CCsMemoryManager::releaseChunk(chunk);
+    EXPECT_EQ(takeTraces(), std::vector<Report>{released(before())});
+    void* const fresh = CCsMemoryManager::allocateChunk();
+    ASSERT_NE(fresh, nullptr);
+    std::memset(fresh, 0, CCsMemoryManager::chunkSize);
+    EXPECT_EQ(takeTraces(), std::vector<Report>{allocated(before() + 1)});
+    CCsMemoryManager::releaseChunk(fresh);
+}
+
+TEST_F(CCsMemoryManagerTest, PurgeTracesNothing) {
+    CCsMemoryManager::releaseChunk(CCsMemoryManager::allocateChunk());
+    const ReportCapture capture;
+    EXPECT_TRUE(CCsMemoryManager::purgeChunks());
+    EXPECT_EQ(takeTraces(), std::vector<Report>{});
+    EXPECT_EQ(ReportCapture::take(), std::vector<Report>{});
+}
+
+TEST_F(CCsMemoryManagerTest, ABlockHolds64ChunksAndNoMore) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    CCsMemoryManager::purgeChunks();
+    std::vector<void*> chunks;
+    chunks.push_back(CCsMemoryManager::allocateChunk());
+    {
+        const NothrowNewLimit limit(CCsMemoryManager::chunkSize);
+        for (std::size_t i = 1; i < blockChunks; ++i) chunks.push_back(CCsMemoryManager::allocateChunk());
+        EXPECT_EQ(NothrowNewLimit::refusals(), 0);
+        for (void* const chunk : chunks) EXPECT_NE(chunk, nullptr);
+        EXPECT_EQ(CCsMemoryManager::allocateChunk(), nullptr);
+        EXPECT_EQ(NothrowNewLimit::refusals(), 2);
+        CCsMemoryManager::releaseChunk(nullptr);
+    }
+    for (void* const chunk : chunks) CCsMemoryManager::releaseChunk(chunk);
+    CCsMemoryManager::purgeChunks();
+}
+
+TEST_F(CCsMemoryManagerTest, AnExhaustedMemoryGivesNullAndCountsItAllTheSame) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    CCsMemoryManager::purgeChunks();
+    const ReportCapture capture;
+    {
+        const NothrowNewLimit limit(1);
+        EXPECT_EQ(CCsMemoryManager::allocateChunk(), nullptr);
+        EXPECT_EQ(CCsMemoryManager::allocateChunk(), nullptr);
+    }
+    EXPECT_EQ(takeTraces(), (std::vector<Report>{allocated(before() + 1), allocated(before() + 2)}));
+    CCsMemoryManager::releaseChunk(nullptr);
+    CCsMemoryManager::releaseChunk(nullptr);
+    EXPECT_EQ(takeTraces(), (std::vector<Report>{released(before() + 1), released(before())}));
+    EXPECT_EQ(ReportCapture::take(), std::vector<Report>{});
+    CCsMemoryManager::purgeChunks();
+}
+
+/// How many chunks can be had while no new block can.
+std::size_t chunksLeft() {
+    const NothrowNewLimit limit(1);
+    std::vector<void*> chunks;
+    while (void* const chunk = CCsMemoryManager::allocateChunk()) chunks.push_back(chunk);
+    CCsMemoryManager::releaseChunk(nullptr);
+    for (void* const chunk : chunks) CCsMemoryManager::releaseChunk(chunk);
+    return chunks.size();
+}
+
+TEST_F(CCsMemoryManagerTest, ABlockThatCannotBeHadIsRetriedWithHalfItsChunks) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    CCsMemoryManager::purgeChunks();
+    void* chunk = nullptr;
+    {
+        const NothrowNewLimit limit(blockBytes);
+        chunk = CCsMemoryManager::allocateChunk();
+        EXPECT_NE(chunk, nullptr);
+        EXPECT_EQ(NothrowNewLimit::refusals(), 1);
+    }
+    EXPECT_EQ(chunksLeft(), 31U);
+    CCsMemoryManager::releaseChunk(chunk);
+    EXPECT_EQ(chunksLeft(), 32U);
+    CCsMemoryManager::purgeChunks();
+}
+
+TEST_F(CCsMemoryManagerTest, ThreadsShareNoChunkAndLoseNoCount) {
+    constexpr int rounds = 2000;
+    std::atomic<bool> shared{false};
+    const auto work = [&shared](unsigned char mark) {
+        for (int i = 0; i < rounds; ++i) {
+            auto* const one = static_cast<unsigned char*>(CCsMemoryManager::allocateChunk());
+            auto* const two = static_cast<unsigned char*>(CCsMemoryManager::allocateChunk());
+            one[0] = mark;
+            two[CCsMemoryManager::chunkSize - 1] = mark;
+            std::this_thread::yield();
+            if (one[0] != mark || two[CCsMemoryManager::chunkSize - 1] != mark) shared = true;
+            CCsMemoryManager::releaseChunk(one);
+            CCsMemoryManager::releaseChunk(two);
+        }
+    };
+    std::thread first(work, static_cast<unsigned char>(1));
+    std::thread second(work, static_cast<unsigned char>(2));
+    first.join();
+    second.join();
+    EXPECT_FALSE(shared);
+}
+
+}  // namespace
