@@ -10,35 +10,59 @@ class CCsOverlay;
 class IMap;
 
 /// The source image: pixels, the shutters that blank parts of it, and its overlay planes.
+///
+/// Every type but CCS_RGB24 has a spare line and a spare pixel behind the image, which interpolation may read. A raster
+/// is filled by the host and read by resampling on one thread at a time.
 class ZOLWEBCS_API CCsRaster : public CCsImage {
 public:
-    /// Sizes the raster with setSize; throws that call's result as an int when it is not 255.
+    /// Sizes the raster with setSize, all shutters off. Throws that call's result as an int when it is not 255.
+    ///
+    /// `deferAllocation` lets every setSize record the geometry only; the first getOrigin then allocates, and from then
+    /// on nothing is deferred.
     CCsRaster(int width, int height, int type, double ratioYx, bool mapMemory, bool deferAllocation);
 
-    /// Adopts a buffer whose lines are not padded (pitch = width). A type of -1 and a ratio of 0.0 mean "not set".
+    /// Adopts a buffer, which the raster then owns, with lines that are not padded (pitch = width): it holds at least
+    /// width * height pixels. A type of -1 and a ratio of 0.0 mean "not set". With a null buffer the first getOrigin
+    /// allocates one.
     CCsRaster(ZolMemMappedBuffer* buffer, int width, int height, int type, double ratioYx);
 
-    /// A deep copy, pixels included. Throws an int when memory is exhausted (1) or the geometry is refused (0).
+    /// A deep copy, pixels included. The copy of an adopted buffer keeps its layout and gets a spare line and pixel;
+    /// a type that is unknown is then reported and its pixels are not copied. Throws an int: 1 when memory is exhausted
+    /// (reported unless the buffer was adopted), 0 when the geometry is refused.
     CCsRaster(const CCsRaster& other);
 
-    /// Deliberately shallow, as that of CCsImage.
+    /// Deliberately shallow for the pixels, as that of CCsImage; vertices and planes are copied.
     CCsRaster& operator=(const CCsRaster& other);
 
+    /// A copy of this raster, which the caller owns. Throws as the copy constructor does.
     CCsRaster* NewInstance() override;
     ~CCsRaster() override;
+
+    /// Locks the memory and returns the first pixel's address. Without memory it is allocated first, by setSize with
+    /// the stored values; null when that fails.
     unsigned char* getOrigin() override;
 
-    /// Replaces geometry and memory. 255; 1 when memory is exhausted; 0 for an unknown type or an invalid raster.
+    /// Replaces geometry and memory; a type of -1 and a ratio of 0.0 keep the current ones. New pixels are zero, and
+    /// the memory is locked once. 255; 1, reported, when the memory cannot be had (negative sizes and byte counts
+    /// beyond 32 bits included); 0, reported, for an unknown type or when the constructor failed. In all cases but the
+    /// last the old pixels are gone, and a failure leaves the new geometry without memory; a later call may succeed.
     int setSize(int width, int height, int type, double ratioYx, bool mapMemory);
 
+    /// Height of a pixel divided by its width; 0.0 changes nothing.
     void setAspectRatio(double ratioYx);
+
+    /// True when construction and the last setSize succeeded.
     [[nodiscard]] bool isValid() const;
 
+    // Shutters. Rectangles are in image pixels with inclusive right and bottom; setting a kind switches it on.
+
     void setRectShutter(RECT rect);
+    /// `box` is the circle's bounding box.
     void setCircShutter(RECT box);
     void setPolygonalShutter(const std::vector<CPoint>& vertices);
     [[nodiscard]] RECT getRectShutterRect() const;
     [[nodiscard]] RECT getCircShutterRect() const;
+    /// A copy of the vertices.
     [[nodiscard]] std::vector<CPoint> getPolygonalShutterCoordinates() const;
     [[nodiscard]] CCsBitmapShutterInfo& getBitmapShutterInfo();
     [[nodiscard]] const CCsBitmapShutterInfo& getBitmapShutterInfo() const;
@@ -50,19 +74,40 @@ public:
     [[nodiscard]] bool isDisplayShutter() const;
     /// Any of the four kinds.
     [[nodiscard]] bool isShutter() const;
+
+    /// Takes over the record but for its group and auxiliary value; the bits stay the host's. A record with neither tag
+    /// nor data is ignored. Always true.
     bool setBitmapShutterInfo(const CCsBitmapShutterInfo& info);
+
+    /// Replaces all shutters, the bitmap shutter included, by those present in the record (the circle by its `bounds`).
+    /// A record without any is ignored. The record's presentation value is deliberately not stored. Always true.
     bool setDisplayShutterInfo(const CCsDisplayShutterInfo& info);
+
+    /// The rectangular, circular and polygonal shutters, the circle computed from its box, and the value of
+    /// getPresentationShutterValue().
     [[nodiscard]] CCsDisplayShutterInfo getDisplayShutterInfo() const;
+
     void setPresentationShutterValue(unsigned short value);
+    /// The value outside the shutters: the bitmap shutter's own while that is on.
     [[nodiscard]] unsigned short getPresentationShutterValue() const;
+
+    /// Switches shutters off: 1 the circular, 2 the rectangular, 3 the polygonal (its vertices go too), 4 the bitmap
+    /// shutter, any other kind all of them. -1 clears the bitmap record's presentation value as well.
     void resetImage(int kind);
+
+    /// Takes over the source's overlay planes (if it has any), its embedded-overlay status and its shutters, in display
+    /// coordinates (image coordinates where `trafo` is null). A bitmap shutter stays in image coordinates and comes
+    /// alone. From a source without shutters the presentation value is not taken over.
     void setShutterInfo(CCsRaster& source, CCs2dTrafo* trafo);
+
+    // Overlay planes. Their bits stay the host's.
 
     void add60XXOverlayInfo(const CCs60XXOverlay& plane);
     [[nodiscard]] CCs60XXOverlayInfo& get60XXOverlayGroup();
     void set60XXOverlayGroup(const CCs60XXOverlayInfo& group);
     void reset60XXOverlayGroup();
     [[nodiscard]] bool isNonEmbeddedOverlayPresent() const;
+    /// Says whether the pixels carry embedded overlay bits.
     void setEmbeddedOverlayStatus(bool present);
     [[nodiscard]] bool isEmbeddedOverlayPresent() const;
 
