@@ -1,0 +1,128 @@
+#include "zolcs/mapping/rastermapping.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "zolcs/parallel.h"
+#include "zolipp/zolipp.h"
+
+namespace zolcs::mapping {
+
+namespace {
+
+constexpr std::size_t valueCount = 0x10000;
+constexpr std::size_t firstEmbeddedValue = 0x1000;
+
+/// The primitive counts bytes in an int; this many pixels always fit.
+constexpr std::int64_t maximumRowPixels = std::int64_t{1} << 28;
+
+/// A thread is not worth its start for fewer pixels.
+constexpr std::int64_t minimumBandPixels = std::int64_t{1} << 17;
+
+}  // namespace
+
+TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const std::uint32_t* embeddedColours) {
+    TableMemory<std::uint32_t> table = allocateTable<std::uint32_t>(valueCount);
+    if (table == nullptr) return table;
+    std::copy(lut.begin(), lut.end(), table.get());
+    std::fill(table.get() + lut.size(), table.get() + valueCount, lut.back());
+    if (embeddedColours != nullptr) {
+        for (std::size_t v = firstEmbeddedValue; v < valueCount; ++v) table[v] = embeddedColours[v >> 12];
+    }
+    return table;
+}
+
+RasterMapping::RasterMapping(const PixelRules& rules, const std::uint32_t* table, const CCsImage& source,
+                             const unsigned char* sourceOrigin, const CCsImage& destination,
+                             unsigned char* destinationOrigin)
+    : rules_(rules),
+      table_(table),
+      source_(sourceOrigin),
+      destination_(destinationOrigin),
+      sourcePitch_(source.getPitch()),
+      destinationPitch_(destination.getPitch()),
+      width_(destination.getWidth()),
+      height_(destination.getHeight()) {}
+
+RECT RasterMapping::clipped(const RECT& segment) const {
+    RECT area = {std::max<LONG>(segment.left, 0), std::max<LONG>(segment.top, 0), std::min(segment.right, width_),
+                 std::min(segment.bottom, height_)};
+    if (area.left >= area.right || area.top >= area.bottom) area = {0, 0, 0, 0};
+    return area;
+}
+
+bool RasterMapping::coversDestination(const RECT& area) const {
+    return destinationPitch_ == width_ && area.left == 0 && area.top == 0 && area.right == width_ &&
+           area.bottom == height_;
+}
+
+void RasterMapping::run(const RECT& area) const {
+    if (area.left >= area.right) return;
+    const std::int64_t rowsPerBand = minimumBandPixels / (area.right - area.left) + 1;
+    parallelRows(
+        static_cast<int>(area.top), static_cast<int>(area.bottom),
+        [&](int top, int bottom) { mapBand(area, top, bottom); }, static_cast<int>(rowsPerBand));
+}
+
+void RasterMapping::mapBand(const RECT& area, int top, int bottom) const {
+    if (rules_.positionsAreFree() && std::max(sourcePitch_, destinationPitch_) <= maximumRowPixels) {
+        lookUp(area.left, top, area.right - area.left, bottom - top);
+        return;
+    }
+    PixelRuns runs;
+    for (int y = top; y < bottom; ++y) {
+        rules_.cut(PixelRules::wholeRasterLine(y), {static_cast<int>(area.left), static_cast<int>(area.right)}, runs);
+        mapRow(y, runs);
+    }
+}
+
+void RasterMapping::mapRow(int y, const PixelRuns& runs) const {
+    for (const PixelRun& run : runs) {
+        switch (run.shows) {
+            case PixelRun::Shows::Image:
+                for (std::int64_t x = run.begin; x < run.end; x += maximumRowPixels) {
+                    lookUp(x, y, std::min(run.end - x, maximumRowPixels), 1);
+                }
+                break;
+            case PixelRun::Shows::Covered:
+                cover(y, run);
+                break;
+            case PixelRun::Shows::Plane:
+                std::fill(destinationAt(run.begin, y), destinationAt(run.end, y), run.colour);
+                break;
+        }
+    }
+}
+
+void RasterMapping::lookUp(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const {
+    // Of a single row, only the length counts.
+    const auto step = [&](std::int64_t pitch, int bytes) {
+        return static_cast<int>(rows > 1 ? pitch : columns) * bytes;
+    };
+    ZOLippiLUTPalette_16u32u_C1R(sourceAt(x, y), step(sourcePitch_, 2), destinationAt(x, y), step(destinationPitch_, 4),
+                                 {static_cast<int>(columns), static_cast<int>(rows)}, table_, 16);
+}
+
+void RasterMapping::cover(int y, const PixelRun& run) const {
+    const std::uint32_t* embedded = rules_.embeddedColours();
+    const std::uint16_t* stored = sourceAt(run.begin, y);
+    std::uint32_t* const begin = destinationAt(run.begin, y);
+    std::uint32_t* const end = destinationAt(run.end, y);
+    if (embedded == nullptr) {
+        std::fill(begin, end, run.colour);
+        return;
+    }
+    std::transform(begin, end, stored, begin, [&](std::uint32_t, std::uint16_t value) {
+        return value < firstEmbeddedValue ? run.colour : embedded[value >> 12U];
+    });
+}
+
+const std::uint16_t* RasterMapping::sourceAt(std::int64_t x, std::int64_t y) const {
+    return reinterpret_cast<const std::uint16_t*>(source_) + (y * sourcePitch_ + x);
+}
+
+std::uint32_t* RasterMapping::destinationAt(std::int64_t x, std::int64_t y) const {
+    return reinterpret_cast<std::uint32_t*>(destination_) + (y * destinationPitch_ + x);
+}
+
+}  // namespace zolcs::mapping
