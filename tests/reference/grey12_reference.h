@@ -56,8 +56,9 @@ inline void setWindow(Grey12& map, unsigned centre, int width) {
     map.windowedValid = false;
 }
 
+/// A count below 1 leaves a single entry 0.
 inline std::vector<unsigned> copyTwiceLast(const unsigned short* values, int count) {
-    if (count < 1) return {0, 0};
+    if (count < 1) return {0};
     std::vector<unsigned> out;
     for (int i = 0; i < count; ++i) out.push_back(values[i]);
     out.push_back(values[count - 1]);
@@ -74,7 +75,7 @@ inline unsigned largest(const std::vector<unsigned>& values) {
 
 inline void setNonLinear(Grey12& map, const unsigned short* values, unsigned first, int count, bool exact) {
     map.nonLinear = copyTwiceLast(values, count);
-    map.nonLinearCount = count < 1 ? 1 : count;
+    map.nonLinearCount = count < 1 ? 0 : count;
     map.nonLinearFirst = first;
     map.nonLinearMaximum = largest(map.nonLinear);
     map.exact = exact;
@@ -86,7 +87,7 @@ inline void setNonLinear(Grey12& map, const unsigned short* values, unsigned fir
 /// Leaves the table as it is until something else makes it stale.
 inline void setPresentation(Grey12& map, const unsigned short* values, unsigned first, int count) {
     map.presentation = copyTwiceLast(values, count);
-    map.presentationCount = count < 1 ? 1 : count;
+    map.presentationCount = count < 1 ? 0 : count;
     map.presentationFirst = first;
     map.presentationShift = bitShiftForGrey(static_cast<int>(largest(map.presentation)));
     map.presentationSet = true;
@@ -103,7 +104,7 @@ inline unsigned presentationLevel(const Grey12& map, unsigned value, int shift) 
     if (!map.presentationSet) return (value >> shift) & 255;
     const double perStep = static_cast<double>(map.presentationCount) / std::pow(2.0, shift + 8);
     const std::int64_t i = static_cast<std::int64_t>(perStep * value) & 0xFFFF;
-    std::int64_t at = map.presentationCount - 1;
+    std::int64_t at = limited(map.presentationCount - 1, map.presentationCount);
     if (i < map.presentationFirst) {
         at = 0;
     } else if (i <= map.presentationCount - 1 + map.presentationFirst) {
@@ -135,9 +136,9 @@ inline std::uint32_t windowEntry(const Grey12& map, std::int64_t v) {
         return pal[map.remap[((v - lo) * 256 / map.width) & 255]];
     }
     if (map.presentationSet) {
-        const auto count = static_cast<std::size_t>(map.presentationCount);
+        const auto last = static_cast<std::size_t>(limited(map.presentationCount - 1, map.presentationCount));
         if (v < lo) return pal[limited(map.presentation[0] >> map.presentationShift, 255)];
-        if (v >= hi) return pal[limited(map.presentation[count - 1] >> map.presentationShift, 255)];
+        if (v >= hi) return pal[limited(map.presentation[last] >> map.presentationShift, 255)];
         const std::int64_t q = ((v - lo) * 4096) / map.width;
         return pal[presentationLevel(map, static_cast<unsigned>(q & 0xFFFF), 4)];
     }
