@@ -1,0 +1,56 @@
+// What every resampling member may have to report, with its own name and line numbers.
+#pragma once
+
+#include "zolcs/report.h"
+
+#include <cstddef>
+
+namespace zolcs {
+
+/// The report sites of one resampling member. All of its members report with number 0 and give back 0.
+class MemberReports {
+public:
+    struct Lines {
+        int type;
+        int source;
+        int destination;
+        int exception;
+        int table = 0;  ///< for members that take tables
+    };
+
+    constexpr MemberReports(const wchar_t* module, const wchar_t* member, Lines lines)
+        : module_(module),
+          lines_(lines),
+          source_(L"get origin for source raster returned NULL in method ", member),
+          destination_(L"get origin for dst raster returned NULL in method ", member),
+          table_(L"look-up table is NULL in method ", member),
+          exception_(L"Exception in function ", member) {}
+
+    [[nodiscard]] int wrongType() const { return fail({L"Image type not supported", module_, lines_.type}, 0, 0); }
+    [[nodiscard]] int noSource() const { return fail({source_.characters, module_, lines_.source}, 0, 0); }
+    [[nodiscard]] int noDestination() const {
+        return fail({destination_.characters, module_, lines_.destination}, 0, 0);
+    }
+    [[nodiscard]] int noTable() const { return fail({table_.characters, module_, lines_.table}, 0, 0); }
+    [[nodiscard]] int exception() const { return fail({exception_.characters, module_, lines_.exception}, 0, 0); }
+
+private:
+    /// Two texts joined at compile time: reporting must not need memory.
+    struct Text {
+        constexpr Text(const wchar_t* first, const wchar_t* second) {
+            std::size_t at = 0;
+            for (; *first != 0; ++first) characters[at++] = *first;
+            for (; *second != 0; ++second) characters[at++] = *second;
+        }
+        wchar_t characters[128] = {};
+    };
+
+    const wchar_t* module_;
+    Lines lines_;
+    Text source_;
+    Text destination_;
+    Text table_;
+    Text exception_;
+};
+
+}  // namespace zolcs

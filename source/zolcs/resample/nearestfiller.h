@@ -1,0 +1,107 @@
+// The fast filler of nearest-neighbour resampling: source offsets of many pixels at once, then one load for each.
+#pragma once
+
+#include "zolcs/resample/kernels.h"
+#include "zolcs/resample/spanoperations.h"
+#include "zolcs/resample/stepping.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace zolcs {
+
+/// out[i] = convert(source[offsets[i]]).
+template <typename SourcePixel, typename Convert, typename Pixel>
+void moveSpan(const SourcePixel* source, const std::int32_t* offsets, int count, const Convert& convert, Pixel* out) {
+    if constexpr (std::is_same_v<Convert, GreyTable>) {
+        lookUpSpan(source, offsets, count, convert.entries, out);
+    } else if constexpr (std::is_same_v<Convert, Copy<std::uint32_t>>) {
+        SpanOperations::chosen().gather32(source, offsets, count, out);
+    } else {
+        for (int i = 0; i < count; ++i) out[i] = convert(source[offsets[i]]);
+    }
+}
+
+/// Equals PlainFiller<NearestKernel<SourcePixel>, Convert> bit for bit, for sources that isUsableFor accepts.
+template <typename SourcePixel, typename Pixel, typename Convert>
+class NearestFiller {
+public:
+    /// True when the source's positions and offsets fit 31 bits.
+    static bool isUsableFor(const Stepping& stepping, std::int64_t sourcePitch) {
+        constexpr Fixed16 limit = Fixed16{1} << 31;
+        return stepping.limitU <= limit && stepping.limitV <= limit && sourcePitch <= limit &&
+               pixelOf(stepping.limitV) * sourcePitch <= limit;
+    }
+
+    NearestFiller(ImageView<const SourcePixel> source, const Convert& convert) : source_(source), convert_(convert) {}
+
+    /// In an upright view all lines take the same source columns.
+    void prepare(const Stepping& stepping) {
+        forget();
+        columnOffsets_.clear();
+        if (!stepping.isUpright()) return;
+        columnOffsets_.resize(static_cast<std::size_t>(stepping.width));
+        Fixed16 u = stepping.startU;
+        for (std::int32_t& offset : columnOffsets_) {
+            // Columns beside the source are never asked for; what stands there need only be defined.
+            offset = static_cast<std::int32_t>(pixelOf(std::clamp<Fixed16>(u, 0, stepping.limitU)));
+            u += stepping.stepXu;
+        }
+    }
+
+    void forget() { written_ = {}; }
+
+    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
+        if (columnOffsets_.empty()) {
+            fillOblique(line, columns, out);
+        } else {
+            fillUpright(pixelOf(line.v), columns, out);
+        }
+        return true;
+    }
+
+private:
+    /// The pixels that the last line wrote: the next display line often shows the same source line.
+    struct Written {
+        std::int64_t sourceLine = -1;
+        ColumnRange columns;
+        const Pixel* pixels = nullptr;
+    };
+
+    void fillUpright(std::int64_t sourceLine, ColumnRange columns, Pixel* out) {
+        if (sourceLine == written_.sourceLine && written_.columns.begin <= columns.begin &&
+            columns.end <= written_.columns.end) {
+            const Pixel* same = written_.pixels + (columns.begin - written_.columns.begin);
+            if (same != out) std::copy_n(same, columns.end - columns.begin, out);
+        } else {
+            moveSpan(source_.line(sourceLine), columnOffsets_.data() + columns.begin, columns.end - columns.begin,
+                     convert_, out);
+        }
+        written_ = {sourceLine, columns, out};
+    }
+
+    void fillOblique(const SourceLine& line, ColumnRange columns, Pixel* out) {
+        std::array<std::int32_t, 256> offsets;
+        for (int x = columns.begin; x < columns.end;) {
+            const int count = std::min(columns.end - x, static_cast<int>(offsets.size()));
+            // Modulo 2^32 the sums are exact wherever the position itself fits.
+            const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(x)),
+                                          static_cast<std::uint32_t>(line.vAt(x)), static_cast<std::uint32_t>(line.du),
+                                          static_cast<std::uint32_t>(line.dv),
+                                          static_cast<std::int32_t>(source_.pitch())};
+            SpanOperations::chosen().offsets(positions, count, offsets.data());
+            moveSpan(source_.line(0), offsets.data(), count, convert_, out);
+            x += count;
+            out += count;
+        }
+    }
+
+    ImageView<const SourcePixel> source_;
+    const Convert& convert_;
+    std::vector<std::int32_t> columnOffsets_;
+    Written written_;
+};
+
+}  // namespace zolcs

@@ -1,0 +1,103 @@
+#include "zolcs/resample/spanoperations.h"
+
+#include "zolcs/resample/spanvectors.h"
+
+#include <atomic>
+#include <cstring>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#endif
+
+namespace zolcs {
+
+namespace {
+
+void portableOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    std::uint32_t u = positions.u;
+    std::uint32_t v = positions.v;
+    const auto pitch = static_cast<std::uint32_t>(positions.pitch);
+    for (int i = 0; i < count; ++i, u += positions.du, v += positions.dv) {
+        out[i] = static_cast<std::int32_t>((v >> 16U) * pitch + (u >> 16U));
+    }
+}
+
+void portableGather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
+    for (int i = 0; i < count; ++i) out[i] = source[offsets[i]];
+}
+
+void portableTranspose32(const std::uint32_t* tile, const TileShape& shape, std::uint32_t* out) {
+    for (int y = 0; y < shape.columns; ++y) {
+        for (int x = 0; x < shape.lines; ++x) out[y * shape.outPitch + x] = tile[x * shape.tilePitch + y];
+    }
+}
+
+constexpr SpanOperations portable{portableOffsets, portableGather32, portableTranspose32};
+
+enum class Mode : std::uint8_t { Best, Plain, Portable };
+
+constinit std::atomic<Mode> mode{Mode::Best};
+
+}  // namespace
+
+const SpanOperations& SpanOperations::chosen() {
+#if defined(ZOL_USE_HIGHWAY)
+    if (mode.load(std::memory_order_relaxed) == Mode::Best) return spanvectors::chosen();
+#endif
+    return portable;
+}
+
+bool SpanOperations::isPlain() { return mode.load(std::memory_order_relaxed) == Mode::Plain; }
+
+std::vector<std::string> SpanOperations::variants() {
+    std::vector<std::string> names{"plain", "portable"};
+#if defined(ZOL_USE_HIGHWAY)
+    for (const spanvectors::Variant& variant : spanvectors::variants()) names.push_back(variant.name);
+#endif
+    return names;
+}
+
+bool SpanOperations::choose(const std::string& variant) {
+    Mode wanted = Mode::Best;
+    std::int64_t target = 0;
+    if (variant == "plain") {
+        wanted = Mode::Plain;
+    } else if (variant == "portable") {
+        wanted = Mode::Portable;
+    } else if (!variant.empty()) {
+#if defined(ZOL_USE_HIGHWAY)
+        for (const spanvectors::Variant& known : spanvectors::variants()) {
+            if (known.name == variant) target = known.target;
+        }
+#endif
+        if (target == 0) return false;
+    }
+#if defined(ZOL_USE_HIGHWAY)
+    spanvectors::choose(target);
+#endif
+    mode.store(wanted, std::memory_order_relaxed);
+    return true;
+}
+
+void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count, const std::uint32_t* table,
+                std::uint32_t* out) {
+    int i = 0;
+#if defined(__SSE2__) || defined(_M_X64)
+    // Loads decide the speed here: offsets come in pairs, results leave in fours.
+    const auto entry = [&](std::uint64_t offset) {
+        return _mm_cvtsi32_si128(static_cast<int>(table[source[static_cast<std::uint32_t>(offset)]]));
+    };
+    const auto entries = [&](const std::int32_t* two) {
+        std::uint64_t pair = 0;
+        std::memcpy(&pair, two, sizeof pair);
+        return _mm_unpacklo_epi32(entry(pair), entry(pair >> 32U));
+    };
+    for (; i + 4 <= count; i += 4) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i),
+                         _mm_unpacklo_epi64(entries(offsets + i), entries(offsets + i + 2)));
+    }
+#endif
+    for (; i < count; ++i) out[i] = table[source[offsets[i]]];
+}
+
+}  // namespace zolcs

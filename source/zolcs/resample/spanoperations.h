@@ -1,0 +1,70 @@
+// The innermost operations of the fast fillers, in the variants that the processor offers.
+#pragma once
+
+#include "zolcs/ccsexport.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace zolcs {
+
+/// Source positions of neighbouring display pixels, as 16.16 numbers that fit 31 bits at every pixel.
+struct SpanPositions {
+    std::uint32_t u;
+    std::uint32_t v;
+    std::uint32_t du;
+    std::uint32_t dv;
+    std::int32_t pitch;  ///< of the source, in pixels
+};
+
+/// A tile of which the lines become columns.
+struct TileShape {
+    std::ptrdiff_t tilePitch;
+    int lines;    ///< of the tile; columns of the output
+    int columns;  ///< of the tile; lines of the output
+    std::ptrdiff_t outPitch;
+};
+
+/// Operations on neighbouring display pixels. All variants give the same bits.
+struct SpanOperations {
+    /// Offsets of the source pixels at `count` positions.
+    void (*offsets)(const SpanPositions& positions, int count, std::int32_t* out);
+    /// out[i] = source[offsets[i]].
+    void (*gather32)(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
+    /// out[y * outPitch + x] = tile[x * tilePitch + y].
+    void (*transpose32)(const std::uint32_t* tile, const TileShape& shape, std::uint32_t* out);
+
+    /// The variant for this processor, or the one that a test has chosen.
+    ZOLWEBCS_API static const SpanOperations& chosen();
+
+    /// True when a test wants the plain loops, without any of these.
+    ZOLWEBCS_API static bool isPlain();
+
+    /// Names of the variants that run here: "plain" and "portable", then the processor's own.
+    ZOLWEBCS_API static std::vector<std::string> variants();
+
+    /// Makes every later call use a variant; an empty name goes back to the best one. False for an unknown name.
+    /// For tests: no call may be running.
+    ZOLWEBCS_API static bool choose(const std::string& variant);
+};
+
+/// out[i] = table[source[offsets[i]]] for a table of 65536 entries.
+ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count,
+                             const std::uint32_t* table, std::uint32_t* out);
+
+/// The plain transposition, for pixels of any size.
+template <typename Pixel>
+void transposeTile(const Pixel* tile, const TileShape& shape, Pixel* out) {
+    if constexpr (std::is_same_v<Pixel, std::uint32_t>) {
+        SpanOperations::chosen().transpose32(tile, shape, out);
+    } else {
+        for (int y = 0; y < shape.columns; ++y) {
+            for (int x = 0; x < shape.lines; ++x) out[y * shape.outPitch + x] = tile[x * shape.tilePitch + y];
+        }
+    }
+}
+
+}  // namespace zolcs

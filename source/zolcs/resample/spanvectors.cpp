@@ -1,0 +1,171 @@
+#if defined(ZOL_USE_HIGHWAY)
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "zolcs/resample/spanvectors.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "zolcs/resample/spanvectors.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zolcs::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    const hn::CappedTag<std::uint32_t, 16> d;
+    const hn::RebindToSigned<decltype(d)> di;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    const auto index = hn::Iota(d, 0);
+    auto u = hn::Add(hn::Set(d, positions.u), hn::Mul(index, hn::Set(d, positions.du)));
+    auto v = hn::Add(hn::Set(d, positions.v), hn::Mul(index, hn::Set(d, positions.dv)));
+    const auto uStep = hn::Set(d, positions.du * static_cast<std::uint32_t>(lanes));
+    const auto vStep = hn::Set(d, positions.dv * static_cast<std::uint32_t>(lanes));
+    const auto pitch = hn::Set(d, static_cast<std::uint32_t>(positions.pitch));
+    const auto offset = [&] { return hn::Add(hn::Mul(hn::ShiftRight<16>(v), pitch), hn::ShiftRight<16>(u)); };
+    int i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        hn::StoreU(hn::BitCast(di, offset()), di, out + i);
+        u = hn::Add(u, uStep);
+        v = hn::Add(v, vStep);
+    }
+    if (i < count) {
+        HWY_ALIGN std::int32_t rest[16];
+        hn::Store(hn::BitCast(di, offset()), di, rest);
+        for (int k = 0; i < count; ++i, ++k) out[i] = rest[k];
+    }
+}
+
+void gather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
+    const hn::CappedTag<std::uint32_t, 16> d;
+    const hn::RebindToSigned<decltype(d)> di;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    int i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        hn::StoreU(hn::GatherIndex(d, source, hn::LoadU(di, offsets + i)), d, out + i);
+    }
+    for (; i < count; ++i) out[i] = source[offsets[i]];
+}
+
+#if HWY_MAX_BYTES >= 32 && HWY_TARGET != HWY_SCALAR
+constexpr int blockSize = 8;
+
+/// Turns one 8 x 8 block.
+void transposeBlock(const std::uint32_t* tile, std::ptrdiff_t tilePitch, std::uint32_t* out, std::ptrdiff_t outPitch) {
+    const hn::FixedTag<std::uint32_t, 8> d;
+    const hn::Repartition<std::uint64_t, decltype(d)> d64;
+    const auto line = [&](int i) { return hn::LoadU(d, tile + i * tilePitch); };
+    // Within each half: columns 0 to 3 and 4 to 7 of four lines at a time.
+    const auto quads = [&](int first, auto&& use) {
+        const auto ab = line(first);
+        const auto cd = line(first + 1);
+        const auto ef = line(first + 2);
+        const auto gh = line(first + 3);
+        const auto low01 = hn::BitCast(d64, hn::InterleaveLower(d, ab, cd));
+        const auto high01 = hn::BitCast(d64, hn::InterleaveUpper(d, ab, cd));
+        const auto low23 = hn::BitCast(d64, hn::InterleaveLower(d, ef, gh));
+        const auto high23 = hn::BitCast(d64, hn::InterleaveUpper(d, ef, gh));
+        use(hn::BitCast(d, hn::InterleaveLower(d64, low01, low23)),
+            hn::BitCast(d, hn::InterleaveUpper(d64, low01, low23)),
+            hn::BitCast(d, hn::InterleaveLower(d64, high01, high23)),
+            hn::BitCast(d, hn::InterleaveUpper(d64, high01, high23)));
+    };
+    quads(0, [&](auto a0, auto a1, auto a2, auto a3) {
+        quads(4, [&](auto b0, auto b1, auto b2, auto b3) {
+            const auto store = [&](int y, auto a, auto b) {
+                hn::StoreU(hn::ConcatLowerLower(d, b, a), d, out + y * outPitch);
+                hn::StoreU(hn::ConcatUpperUpper(d, b, a), d, out + (y + 4) * outPitch);
+            };
+            store(0, a0, b0);
+            store(1, a1, b1);
+            store(2, a2, b2);
+            store(3, a3, b3);
+        });
+    });
+}
+#elif HWY_TARGET != HWY_SCALAR
+constexpr int blockSize = 4;
+
+/// Turns one 4 x 4 block.
+void transposeBlock(const std::uint32_t* tile, std::ptrdiff_t tilePitch, std::uint32_t* out, std::ptrdiff_t outPitch) {
+    const hn::FixedTag<std::uint32_t, 4> d;
+    const hn::Repartition<std::uint64_t, decltype(d)> d64;
+    const auto l0 = hn::LoadU(d, tile);
+    const auto l1 = hn::LoadU(d, tile + tilePitch);
+    const auto l2 = hn::LoadU(d, tile + 2 * tilePitch);
+    const auto l3 = hn::LoadU(d, tile + 3 * tilePitch);
+    const auto low01 = hn::BitCast(d64, hn::InterleaveLower(d, l0, l1));
+    const auto high01 = hn::BitCast(d64, hn::InterleaveUpper(d, l0, l1));
+    const auto low23 = hn::BitCast(d64, hn::InterleaveLower(d, l2, l3));
+    const auto high23 = hn::BitCast(d64, hn::InterleaveUpper(d, l2, l3));
+    hn::StoreU(hn::BitCast(d, hn::InterleaveLower(d64, low01, low23)), d, out);
+    hn::StoreU(hn::BitCast(d, hn::InterleaveUpper(d64, low01, low23)), d, out + outPitch);
+    hn::StoreU(hn::BitCast(d, hn::InterleaveLower(d64, high01, high23)), d, out + 2 * outPitch);
+    hn::StoreU(hn::BitCast(d, hn::InterleaveUpper(d64, high01, high23)), d, out + 3 * outPitch);
+}
+#else
+constexpr int blockSize = 1;
+
+void transposeBlock(const std::uint32_t* tile, std::ptrdiff_t, std::uint32_t* out, std::ptrdiff_t) { *out = *tile; }
+#endif
+
+void transpose32(const std::uint32_t* tile, const TileShape& shape, std::uint32_t* out) {
+    const int wholeLines = shape.lines / blockSize * blockSize;
+    const int wholeColumns = shape.columns / blockSize * blockSize;
+    for (int y = 0; y < wholeColumns; y += blockSize) {
+        for (int x = 0; x < wholeLines; x += blockSize) {
+            transposeBlock(tile + x * shape.tilePitch + y, shape.tilePitch, out + y * shape.outPitch + x,
+                           shape.outPitch);
+        }
+    }
+    const auto turnOneByOne = [&](int fromX, int fromY, int toY) {
+        for (int y = fromY; y < toY; ++y) {
+            for (int x = fromX; x < shape.lines; ++x) out[y * shape.outPitch + x] = tile[x * shape.tilePitch + y];
+        }
+    };
+    turnOneByOne(wholeLines, 0, wholeColumns);
+    turnOneByOne(0, wholeColumns, shape.columns);
+}
+
+const SpanOperations* operations() {
+    static constexpr SpanOperations table{offsets, gather32, transpose32};
+    return &table;
+}
+
+}  // namespace zolcs::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace zolcs {
+namespace {
+HWY_EXPORT(operations);
+}
+
+namespace spanvectors {
+
+std::vector<Variant> variants() {
+    // Asked once: a chosen variant would hide the others.
+    static const std::vector<Variant> all = [] {
+        std::vector<Variant> result;
+        for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+            result.push_back({hwy::TargetName(target), target});
+        }
+        return result;
+    }();
+    return all;
+}
+
+void choose(std::int64_t target) {
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().DeInit();
+}
+
+const SpanOperations& chosen() { return *HWY_DYNAMIC_DISPATCH(operations)(); }
+
+}  // namespace spanvectors
+}  // namespace zolcs
+
+#endif  // HWY_ONCE
+
+#endif  // ZOL_USE_HIGHWAY

@@ -1,0 +1,232 @@
+#include "zolcs/resample/pixelrules.h"
+
+#include "support/display_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using zolcs::ColumnRange;
+using zolcs::fixed16One;
+using zolcs::PixelRules;
+using zolcs::PixelRun;
+using zolcs::PixelRuns;
+using zolcs::SourceLine;
+using zoltest::RuleChoice;
+using zoltest::RuledRaster;
+using zoltest::TableMap;
+
+/// What a run makes of a pixel with a stored value; empty when the map decides.
+std::optional<std::uint32_t> shownBy(const PixelRules& rules, const PixelRun& run, unsigned stored) {
+    if (run.shows == PixelRun::Shows::Plane) return run.colour;
+    if (rules.embeddedColours() != nullptr && stored > 4095) return rules.embeddedColours()[stored >> 12U];
+    if (run.shows == PixelRun::Shows::Covered) return run.colour;
+    return std::nullopt;
+}
+
+/// Checks that runs cover the columns in order, without gaps, and that neighbours differ.
+void expectWellFormed(const PixelRuns& runs, ColumnRange columns) {
+    int at = columns.begin;
+    const PixelRun* before = nullptr;
+    for (const PixelRun& run : runs) {
+        ASSERT_EQ(run.begin, at);
+        ASSERT_LT(run.begin, run.end);
+        if (before != nullptr) {
+            ASSERT_FALSE(before->showsTheSameAs(run));
+        }
+        at = run.end;
+        before = &run;
+    }
+    ASSERT_EQ(at, columns.empty() ? columns.begin : columns.end);
+}
+
+/// A random line and those of its columns that lie on the source.
+std::pair<SourceLine, ColumnRange> randomLine(zoltest::Random& random, int width, int height) {
+    const auto step = [&] {
+        switch (random.integer(0, 3)) {
+            case 0:
+                return zolcs::Fixed16{0};
+            case 1:
+                return static_cast<zolcs::Fixed16>(random.real(-0.05, 0.05) * 65536);
+            default:
+                return static_cast<zolcs::Fixed16>(random.real(-2.0, 2.0) * 65536);
+        }
+    };
+    SourceLine line{static_cast<zolcs::Fixed16>(random.real(0, width) * 65536),
+                    static_cast<zolcs::Fixed16>(random.real(0, height) * 65536), step(), step()};
+    const int back = random.integer(0, 200);
+    line.u -= back * line.du;
+    line.v -= back * line.dv;
+    const zolcs::Span span = zolcs::spanOf(line, width * fixed16One, height * fixed16One, 400);
+    return {line, {span.begin(), span.end()}};
+}
+
+TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
+    zoltest::Random random(31);
+    PixelRuns runs;
+    int shown = 0;
+    for (int i = 0; i < 600; ++i) {
+        const bool large = random.chance(0.2);
+        const int width = random.integer(1, large ? 700 : 60);
+        const int height = random.integer(1, large ? 300 : 60);
+        RuledRaster source =
+            zoltest::makeRuledRaster(random, width, height, CCS_GREY12, 1.0, RuleChoice::random(random));
+        TableMap map;
+        map.enabled = random.chance(0.9);
+        map.hasGroupColours = random.chance(0.9);
+        map.hasPlaneColours = random.chance(0.9);
+        IGreyMap* given = random.chance(0.95) ? &map : nullptr;
+        const PixelRules rules = PixelRules::forResampling(*source.raster, given, source.paddingData(), 77, 400);
+        for (int k = 0; k < 12; ++k) {
+            const auto [line, columns] = randomLine(random, width, height);
+            rules.cut(line, columns, runs);
+            expectWellFormed(runs, columns);
+            for (const PixelRun& run : runs) {
+                for (int x = run.begin; x < run.end; ++x) {
+                    for (const unsigned stored : {0x0123U, 0x5123U}) {
+                        const auto expected = zoltest::shownInstead(*source.raster, given, source.paddingData(), 77,
+                                                                    400, line.uAt(x), line.vAt(x), stored);
+                        ASSERT_EQ(shownBy(rules, run, stored), expected)
+                            << "case " << i << " column " << x << " at " << static_cast<double>(line.uAt(x)) / 65536
+                            << ", " << static_cast<double>(line.vAt(x)) / 65536 << " seed " << random.seed();
+                        shown += expected.has_value() ? 1 : 0;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(shown, 100000);
+}
+
+TEST(PixelRulesTest, WholeRasterRunsEqualTheRulesPixelByPixel) {
+    zoltest::Random random(32);
+    PixelRuns runs;
+    for (int i = 0; i < 600; ++i) {
+        const int width = random.integer(1, 130);
+        const int height = random.integer(1, 40);
+        RuledRaster source =
+            zoltest::makeRuledRaster(random, width, height, CCS_GREY12, 1.0, RuleChoice::random(random));
+        TableMap map;
+        map.enabled = random.chance(0.9);
+        const PixelRules rules = PixelRules::forWholeRaster(*source.raster, &map, source.paddingData());
+        for (int y = 0; y < height; ++y) {
+            const int begin = random.integer(0, width - 1);
+            const ColumnRange columns{begin, random.integer(begin, width)};
+            rules.cut(PixelRules::wholeRasterLine(y), columns, runs);
+            expectWellFormed(runs, columns);
+            for (const PixelRun& run : runs) {
+                for (int x = run.begin; x < run.end; ++x) {
+                    for (const unsigned stored : {0x0123U, 0x5123U}) {
+                        ASSERT_EQ(
+                            shownBy(rules, run, stored),
+                            zoltest::shownInsteadOnRaster(*source.raster, &map, source.paddingData(), x, y, stored))
+                            << "case " << i << " at " << x << ", " << y << " seed " << random.seed();
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(PixelRulesTest, APlainRasterHasNoRules) {
+    zoltest::Random random(33);
+    const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, {});
+    TableMap map;
+    EXPECT_TRUE(PixelRules().isFree());
+    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, nullptr, 0, 20).isFree());
+    EXPECT_TRUE(PixelRules::forWholeRaster(*source.raster, &map, nullptr).isFree());
+}
+
+TEST(PixelRulesTest, BlankPlanesAndPaddingCostNothing) {
+    zoltest::Random random(34);
+    RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, {});
+    std::vector<unsigned char> zeroes(50);
+    CCs60XXOverlay plane;
+    plane.originX = 1;
+    plane.originY = 1;
+    plane.rows = 20;
+    plane.columns = 20;
+    plane.data = zeroes.data();
+    source.raster->add60XXOverlayInfo(plane);
+    TableMap map;
+    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, zeroes.data(), 0, 20).positionsAreFree());
+}
+
+TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
+    zoltest::Random random(35);
+    RuleChoice choice;
+    choice.embedded = true;
+    const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, choice);
+    TableMap map;
+    const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, 20);
+    EXPECT_TRUE(rules.positionsAreFree());
+    EXPECT_FALSE(rules.isFree());
+    EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
+}
+
+TEST(PixelRulesTest, CirclesAndPolygonsOnVeryLargeSources) {
+    zoltest::Random random(36);
+    PixelRuns runs;
+    for (int i = 0; i < 60; ++i) {
+        const int width = 30000;
+        RuledRaster source = zoltest::makeRuledRaster(random, width, 3, CCS_GREY12, 1.0, {});
+        const int left = random.integer(0, 20000);
+        const int size = random.integer(10, 9000);
+        source.raster->setCircShutter({left, 1 - size / 2, left + size, 1 - size / 2 + size});
+        if (random.chance(0.5)) {
+            source.raster->setPolygonalShutter({CPoint(left + size / 3, -40), CPoint(left + size / 2, 60),
+                                                CPoint(random.integer(0, width), random.integer(-5, 5))});
+        }
+        const PixelRules rules = PixelRules::forResampling(*source.raster, nullptr, nullptr, 0, 500);
+        for (int k = 0; k < 20; ++k) {
+            // Close to the circle's edge, where the rounding of single precision decides.
+            const zolcs::Fixed16 edge = (random.chance(0.5) ? left : left + size) * fixed16One;
+            const SourceLine line{edge + random.integer(-200000, 200000), random.integer(1, 3 * 65536 - 1),
+                                  random.integer(-900, 900), 0};
+            const zolcs::Span span = zolcs::spanOf(line, width * fixed16One, 3 * fixed16One, 400);
+            rules.cut(line, {span.begin(), span.end()}, runs);
+            for (const PixelRun& run : runs) {
+                for (int x = run.begin; x < run.end; ++x) {
+                    ASSERT_EQ(shownBy(rules, run, 0), zoltest::shownInstead(*source.raster, nullptr, nullptr, 0, 500,
+                                                                            line.uAt(x), line.vAt(x), 0));
+                }
+            }
+        }
+    }
+}
+
+TEST(PixelRulesTest, ExtremeShuttersAreSafe) {
+    zoltest::Random random(37);
+    PixelRuns runs;
+    const LONG low = std::numeric_limits<std::int32_t>::min();
+    const LONG high = std::numeric_limits<std::int32_t>::max();
+    for (const RECT box : {RECT{low, low, high, high}, RECT{high, high, low, low}, RECT{low, 0, low, 5},
+                           RECT{high, 0, high, 5}, RECT{0, 0, 0, 0}}) {
+        RuledRaster source = zoltest::makeRuledRaster(random, 30, 30, CCS_GREY12, 1.0, {});
+        source.raster->setRectShutter(box);
+        source.raster->setCircShutter(box);
+        source.raster->setPolygonalShutter({CPoint(static_cast<int>(box.left), static_cast<int>(box.top)),
+                                            CPoint(static_cast<int>(box.right), static_cast<int>(box.top)),
+                                            CPoint(static_cast<int>(box.right), static_cast<int>(box.bottom))});
+        CCs60XXOverlay plane;
+        unsigned char bits[200] = {1};
+        plane.originX = static_cast<std::int32_t>(low);
+        plane.originY = static_cast<std::int32_t>(high);
+        plane.rows = 30;
+        plane.columns = 30;
+        plane.data = bits;
+        source.raster->add60XXOverlayInfo(plane);
+        TableMap map;
+        for (const PixelRules& rules : {PixelRules::forResampling(*source.raster, &map, nullptr, 0, 500),
+                                        PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
+            for (int y = 0; y < 30; ++y) {
+                rules.cut(PixelRules::wholeRasterLine(y), {1, 30}, runs);
+                expectWellFormed(runs, {1, 30});
+            }
+        }
+    }
+}
+
+}  // namespace
