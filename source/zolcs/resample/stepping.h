@@ -18,8 +18,8 @@ using Fixed16 = std::int64_t;
 inline constexpr int fixed16Bits = 16;
 inline constexpr Fixed16 fixed16One = Fixed16{1} << fixed16Bits;
 
-/// Largest magnitude a coordinate may reach anywhere on the display; leaves room for every sum and difference below.
-inline constexpr double fixed16Range = 0x1.0p61;
+/// Coordinates stay below this everywhere on the display; leaves room for every sum and difference below.
+inline constexpr double fixed16Range = 0x1.0p62;
 
 /// The whole pixel that a coordinate lies on.
 constexpr std::int64_t pixelOf(Fixed16 coordinate) { return coordinate >> fixed16Bits; }
@@ -168,8 +168,8 @@ struct Stepping {
 using DisplayToImage = std::array<double, 6>;
 
 /// Prepares the stepping of one call. The six numbers become 16.16 by truncation toward zero. A matrix that is not
-/// finite, one that leaves the range of the arithmetic somewhere on the display (its pixels are then 2^28 source pixels
-/// or more apart or away), and a source without pixels all give a stepping for which everything is background.
+/// finite, one that leaves the range of the arithmetic somewhere on the display (2^46 source pixels away), and a source
+/// without pixels all give a stepping for which everything is background.
 inline Stepping makeStepping(const DisplayToImage& matrix, int sourceWidth, int sourceHeight, int width, int height) {
     Stepping result;
     result.width = std::max(width, 0);
