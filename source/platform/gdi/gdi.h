@@ -450,5 +450,176 @@ ZOLGDI_API int GetObjectW(HGDIOBJ object, int byteCount, LPVOID record);
 inline int GetObject(HGDIOBJ object, int byteCount, LPVOID record) { return GetObjectW(object, byteCount, record); }
 ZOLGDI_API HGDIOBJ GetStockObject(int index);
 ZOLGDI_API HFONT CreateFontIndirectW(const LOGFONTW* logFont);
+ZOLGDI_API HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic,
+                             DWORD underline, DWORD strikeOut, DWORD charSet, DWORD outPrecision, DWORD clipPrecision,
+                             DWORD quality, DWORD pitchAndFamily, LPCWSTR faceName);
 /// Living objects made by Create calls, device contexts included and stock objects not: 0 when nothing leaks.
 ZOLGDI_API unsigned int ZolGdiObjectCount();
+
+// ---------------------------------------------------------------------------------------------------- device contexts
+
+/// A device context in memory with the metrics of `dc` (null: of the screen) and a bitmap of one pixel, on which
+/// nothing can be drawn.
+ZOLGDI_API HDC CreateCompatibleDC(HDC dc);
+/// Fails for a window's device context: release that.
+ZOLGDI_API BOOL DeleteDC(HDC dc);
+ZOLGDI_API int GetDeviceCaps(HDC dc, int index);
+/// For a pen, brush, font or bitmap: the object that was selected before. For a region: its complexity after it became
+/// the clip region. Null on failure. A bitmap can be selected into one memory device context at a time.
+ZOLGDI_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
+ZOLGDI_API HGDIOBJ GetCurrentObject(HDC dc, UINT kind);
+ZOLGDI_API int SaveDC(HDC dc);
+ZOLGDI_API BOOL RestoreDC(HDC dc, int saved);
+ZOLGDI_API BOOL GdiFlush();
+
+ZOLGDI_API COLORREF SetTextColor(HDC dc, COLORREF color);
+ZOLGDI_API COLORREF GetTextColor(HDC dc);
+ZOLGDI_API COLORREF SetBkColor(HDC dc, COLORREF color);
+ZOLGDI_API COLORREF GetBkColor(HDC dc);
+ZOLGDI_API int SetBkMode(HDC dc, int mode);
+ZOLGDI_API int GetBkMode(HDC dc);
+ZOLGDI_API int SetPolyFillMode(HDC dc, int mode);
+ZOLGDI_API int GetPolyFillMode(HDC dc);
+/// Stretched copies take the nearest pixel in every mode (that of COLORONCOLOR).
+ZOLGDI_API int SetStretchBltMode(HDC dc, int mode);
+ZOLGDI_API int GetStretchBltMode(HDC dc);
+
+ZOLGDI_API int SetGraphicsMode(HDC dc, int mode);
+ZOLGDI_API int GetGraphicsMode(HDC dc);
+ZOLGDI_API BOOL SetWorldTransform(HDC dc, const XFORM* transform);
+ZOLGDI_API BOOL GetWorldTransform(HDC dc, XFORM* transform);
+ZOLGDI_API BOOL ModifyWorldTransform(HDC dc, const XFORM* transform, DWORD mode);
+ZOLGDI_API int SetMapMode(HDC dc, int mode);
+ZOLGDI_API int GetMapMode(HDC dc);
+ZOLGDI_API BOOL SetViewportOrgEx(HDC dc, int x, int y, LPPOINT previous);
+ZOLGDI_API BOOL GetViewportOrgEx(HDC dc, LPPOINT origin);
+ZOLGDI_API BOOL SetWindowOrgEx(HDC dc, int x, int y, LPPOINT previous);
+ZOLGDI_API BOOL GetWindowOrgEx(HDC dc, LPPOINT origin);
+ZOLGDI_API BOOL SetViewportExtEx(HDC dc, int x, int y, LPSIZE previous);
+ZOLGDI_API BOOL SetWindowExtEx(HDC dc, int x, int y, LPSIZE previous);
+
+ZOLGDI_API int SelectClipRgn(HDC dc, HRGN region);
+ZOLGDI_API int IntersectClipRect(HDC dc, int left, int top, int right, int bottom);
+ZOLGDI_API int GetClipBox(HDC dc, LPRECT box);
+
+// ---------------------------------------------------------------------------------------------------- copies of pixels
+
+// Between DIBs of 32 bits, SRCCOPY copies all four bytes of a pixel. A pixel of 24 bits that is copied to one of 32
+// bits brings 0 as the fourth byte, and so does everything that draws with a pen, a brush or a text colour; BLACKNESS
+// writes 0 to all four bytes and WHITENESS 255.
+
+ZOLGDI_API BOOL BitBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY, DWORD rop);
+ZOLGDI_API BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
+                           int sourceWidth, int sourceHeight, DWORD rop);
+ZOLGDI_API BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD rop);
+/// Extents of opposite sign mirror the copy. `sourceY` counts from the bottom row upward, only in a top-down DIB that
+/// is not stretched from the top row downward. The number of rows of the DIB, or 0 on failure.
+ZOLGDI_API int StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
+                             int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD rop);
+
+// ---------------------------------------------------------------------------------------------------- shapes
+
+/// Pens of width 0 or 1 draw one pixel, and only they have dashes; wider ones have round ends and joins.
+ZOLGDI_API HPEN CreatePen(int style, int width, COLORREF color);
+ZOLGDI_API HPEN CreatePenIndirect(const LOGPEN* pen);
+ZOLGDI_API HBRUSH CreateSolidBrush(COLORREF color);
+
+ZOLGDI_API BOOL MoveToEx(HDC dc, int x, int y, LPPOINT previous);
+ZOLGDI_API BOOL GetCurrentPositionEx(HDC dc, LPPOINT position);
+ZOLGDI_API BOOL LineTo(HDC dc, int x, int y);
+ZOLGDI_API BOOL Polyline(HDC dc, const POINT* points, int count);
+ZOLGDI_API BOOL Polygon(HDC dc, const POINT* points, int count);
+ZOLGDI_API BOOL PolyBezier(HDC dc, const POINT* points, DWORD count);
+ZOLGDI_API BOOL Rectangle(HDC dc, int left, int top, int right, int bottom);
+ZOLGDI_API BOOL Ellipse(HDC dc, int left, int top, int right, int bottom);
+
+// ---------------------------------------------------------------------------------------------------- regions
+
+ZOLGDI_API HRGN CreateRectRgn(int left, int top, int right, int bottom);
+ZOLGDI_API HRGN CreateRectRgnIndirect(const RECT* rect);
+ZOLGDI_API int CombineRgn(HRGN destination, HRGN first, HRGN second, int mode);
+ZOLGDI_API int OffsetRgn(HRGN region, int dx, int dy);
+ZOLGDI_API int GetRgnBox(HRGN region, LPRECT box);
+ZOLGDI_API BOOL PtInRegion(HRGN region, int x, int y);
+ZOLGDI_API BOOL EqualRgn(HRGN first, HRGN second);
+ZOLGDI_API BOOL PaintRgn(HDC dc, HRGN region);
+ZOLGDI_API BOOL FillRgn(HDC dc, HRGN region, HBRUSH brush);
+ZOLGDI_API int FillRect(HDC dc, const RECT* rect, HBRUSH brush);
+
+ZOLGDI_API BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom);
+ZOLGDI_API BOOL SetRectEmpty(LPRECT rect);
+ZOLGDI_API BOOL IsRectEmpty(const RECT* rect);
+ZOLGDI_API BOOL PtInRect(const RECT* rect, POINT point);
+ZOLGDI_API BOOL IntersectRect(LPRECT out, const RECT* first, const RECT* second);
+
+// ---------------------------------------------------------------------------------------------------- text
+
+/// Text is drawn from its upper left corner. Pixels are covered wholly or not at all unless the font asks for
+/// ANTIALIASED_QUALITY or CLEARTYPE_QUALITY: what is burnt into an image must have exactly the colour asked for.
+ZOLGDI_API BOOL TextOutW(HDC dc, int x, int y, LPCWSTR text, int length);
+ZOLGDI_API BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int length, LPSIZE size);
+ZOLGDI_API BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics);
+
+// ---------------------------------------------------------------------------------------------------- windows
+
+/// What a window shows: pixels of 32 bits (blue, green, red, unused), `stride` bytes from each row to the one below.
+struct ZolPixelSurface {
+    void* pixels = nullptr;  ///< the uppermost row
+    int width = 0;
+    int height = 0;
+    std::ptrdiff_t stride = 0;
+};
+
+/// A window of the host's toolkit. The calls come on the threads that use the window's handle.
+class ZOLGDI_API ZolHostWindow {
+public:
+    virtual ~ZolHostWindow();
+
+    /// Width and height of what can be drawn on, in pixels.
+    virtual SIZE clientSize() = 0;
+    /// The pixels to draw on, good until the device context that asked for them is released. Null pixels: draw nothing.
+    virtual ZolPixelSurface surface() = 0;
+    /// Drawing has ended: show the surface.
+    virtual void present() = 0;
+    /// An area of the client must be painted again, some time; the host then paints as it likes.
+    virtual void invalidate(const RECT& area) = 0;
+
+    /// The window on its screen, frame included. By default the client area at the origin.
+    virtual RECT windowRect();
+    /// Pixels per inch.
+    virtual int dpi() { return 96; }
+};
+
+/// The handle by which calls know the host's window, which must live until the handle is destroyed. Null on failure.
+ZOLGDI_API HWND ZolCreateHostWindow(ZolHostWindow* window);
+/// Device contexts of the window draw nothing from now on; they are still to be released. FALSE for a wrong handle.
+ZOLGDI_API BOOL ZolDestroyHostWindow(HWND window);
+
+/// A device context for the window's client area (null: the screen's, on which nothing can be drawn).
+ZOLGDI_API HDC GetDC(HWND window);
+/// Gives the device context back, which presents what was drawn. 1, or 0 when it is not this window's.
+ZOLGDI_API int ReleaseDC(HWND window, HDC dc);
+/// A null rectangle means the whole client area. `erase` is not interpreted: hosts paint everything. Nothing happens
+/// for an empty area.
+ZOLGDI_API BOOL InvalidateRect(HWND window, const RECT* area, BOOL erase);
+ZOLGDI_API BOOL GetClientRect(HWND window, LPRECT rect);
+ZOLGDI_API BOOL GetWindowRect(HWND window, LPRECT rect);
+ZOLGDI_API BOOL IsWindow(HWND window);
+
+// ---------------------------------------------------------------------------------------------------- printing
+
+/// A printer that writes a PDF file. The page has the given size; one device unit is one dot at `dpi` dots per inch.
+/// `path` is UTF-8 and is opened by StartDocW. Null for sizes of less than a dot or beyond 32767 dots or for a dpi
+/// that is not from 36 to 9600.
+ZOLGDI_API HDC ZolCreatePdfPrinterDC(const char* path, double pageWidthMillimetres, double pageHeightMillimetres,
+                                     int dpi);
+/// Begins the document (one for each device context): a positive number, or SP_ERROR when the file cannot be opened.
+/// The document's name becomes the title; lpszOutput, if given, replaces the path.
+ZOLGDI_API int StartDocW(HDC dc, const DOCINFOW* info);
+/// Drawing is possible between StartPage and EndPage only. Positive, or not positive on failure.
+ZOLGDI_API int StartPage(HDC dc);
+ZOLGDI_API int EndPage(HDC dc);
+/// Completes the file; SP_ERROR when it could not be written in full.
+ZOLGDI_API int EndDoc(HDC dc);
+/// Ends the document and removes the file. A device context that is deleted before EndDoc does the same.
+ZOLGDI_API int AbortDoc(HDC dc);

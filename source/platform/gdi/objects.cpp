@@ -1,5 +1,7 @@
 #include "platform/gdi/objects.h"
 
+#include "platform/gdi/area.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -199,8 +201,32 @@ BOOL DeleteObject(HGDIOBJ object) {
 
 HFONT CreateFontIndirectW(const LOGFONTW* logFont) {
     return guarded(nullptr, [&]() -> HFONT {
-        return logFont != nullptr ? zolgdi::publish<HFONT>(std::make_shared<zolgdi::Font>(*logFont)) : nullptr;
+        if (logFont == nullptr) return nullptr;
+        LOGFONTW font = *logFont;
+        font.lfFaceName[LF_FACESIZE - 1] = L'\0';
+        return zolgdi::publish<HFONT>(std::make_shared<zolgdi::Font>(font));
     });
+}
+
+HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic, DWORD underline,
+                  DWORD strikeOut, DWORD charSet, DWORD outPrecision, DWORD clipPrecision, DWORD quality,
+                  DWORD pitchAndFamily, LPCWSTR faceName) {
+    LOGFONTW font{};
+    font.lfHeight = height;
+    font.lfWidth = width;
+    font.lfEscapement = escapement;
+    font.lfOrientation = orientation;
+    font.lfWeight = weight;
+    font.lfItalic = italic != 0 ? 1 : 0;
+    font.lfUnderline = underline != 0 ? 1 : 0;
+    font.lfStrikeOut = strikeOut != 0 ? 1 : 0;
+    font.lfCharSet = static_cast<BYTE>(charSet);
+    font.lfOutPrecision = static_cast<BYTE>(outPrecision);
+    font.lfClipPrecision = static_cast<BYTE>(clipPrecision);
+    font.lfQuality = static_cast<BYTE>(quality);
+    font.lfPitchAndFamily = static_cast<BYTE>(pitchAndFamily);
+    if (faceName != nullptr) std::wcsncpy(font.lfFaceName, faceName, LF_FACESIZE - 1);
+    return CreateFontIndirectW(&font);
 }
 
 int GetObjectW(HGDIOBJ object, int byteCount, LPVOID record) {

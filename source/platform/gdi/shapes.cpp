@@ -1,0 +1,232 @@
+// Pens and brushes, lines, curves and filled shapes.
+#include "platform/gdi/dc.h"
+#include "platform/gdi/figures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+namespace zolgdi {
+
+namespace {
+
+/// The device pixel that a logical point falls on.
+PointD devicePoint(const Affine& map, double x, double y) {
+    const POINT at = roundToDevice(map(x, y));
+    return {static_cast<double>(at.x), static_cast<double>(at.y)};
+}
+
+Stroke currentStroke(const DeviceContext& context) {
+    const State& state = context.state;
+    const LOGPEN& pen = state.pen->description();
+    const Affine map = context.toDevice();
+    Stroke stroke;
+    stroke.style = pen.lopnStyle;
+    stroke.color = pen.lopnColor;
+    const double scale = std::sqrt(std::fabs(map.m11 * map.m22 - map.m12 * map.m21));
+    stroke.width = pen.lopnWidth.x * scale;
+    if (stroke.style == PS_INSIDEFRAME) stroke.style = PS_SOLID;
+    stroke.opaqueGaps = state.backgroundMode == OPAQUE;
+    stroke.gapColor = state.backgroundColor;
+    return stroke;
+}
+
+template <typename Points>
+Figure deviceFigure(const DeviceContext& context, const Points& points, bool closed, bool curved = false) {
+    const Affine map = context.toDevice();
+    Figure figure;
+    figure.closed = closed;
+    figure.curved = curved;
+    for (const POINT& point : points) figure.points.push_back(devicePoint(map, point.x, point.y));
+    return figure;
+}
+
+void drawLines(DeviceContext& context, Canvas& canvas, const Figures& figures) {
+    const Stroke stroke = currentStroke(context);
+    if (stroke.style != PS_NULL) canvas.stroke(context.clipArea(), figures, stroke);
+}
+
+/// The inside with the brush, then the outline with the pen.
+void drawSurface(DeviceContext& context, Canvas& canvas, const Figures& figures) {
+    const Brush& brush = *context.state.brush;
+    if (!brush.hollow()) canvas.fill(context.clipArea(), figures, context.state.fillMode, brush.color());
+    drawLines(context, canvas, figures);
+}
+
+struct Box {
+    PointD topLeft, topRight, bottomRight, bottomLeft;
+    bool axisAligned = true;
+    RECT rect{};  ///< in device pixels, right and bottom exclusive; meaningful when axis-aligned
+};
+
+/// The rectangle of Rectangle and Ellipse on the device. Its right and bottom edges do not belong to it, but in the
+/// advanced graphics mode they do. False when it is empty.
+bool deviceBox(const DeviceContext& context, int left, int top, int right, int bottom, Box& box) {
+    const Affine map = context.toDevice();
+    const bool inclusive = context.state.graphicsMode == GM_ADVANCED;
+    box.axisAligned = map.axisAligned();
+    if (!box.axisAligned) {
+        box.topLeft = map(left, top);
+        box.topRight = map(right, top);
+        box.bottomRight = map(right, bottom);
+        box.bottomLeft = map(left, bottom);
+        return left != right && top != bottom;
+    }
+    const POINT a = roundToDevice(map(left, top));
+    const POINT b = roundToDevice(map(right, bottom));
+    box.rect = {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)};
+    if (inclusive) {
+        ++box.rect.right;
+        ++box.rect.bottom;
+    }
+    const double l = box.rect.left;
+    const double t = box.rect.top;
+    const double r = box.rect.right - 1.0;
+    const double d = box.rect.bottom - 1.0;
+    box.topLeft = {l, t};
+    box.topRight = {r, t};
+    box.bottomRight = {r, d};
+    box.bottomLeft = {l, d};
+    return !isEmpty(box.rect);
+}
+
+/// A pen that draws inside the frame moves the outline in by half its width.
+void insetForPen(const DeviceContext& context, Box& box) {
+    if (context.state.pen->description().lopnStyle != PS_INSIDEFRAME) return;
+    const LONG inset = roundToDevice(std::floor(currentStroke(context).width / 2.0));
+    box.rect = {box.rect.left + inset, box.rect.top + inset, box.rect.right - inset, box.rect.bottom - inset};
+}
+
+BOOL drawRectangle(DeviceContext& context, Canvas& canvas, Box box) {
+    insetForPen(context, box);
+    if (box.axisAligned) {
+        // Without a pen the outline's place stays empty on the right and at the bottom, as a polygon's does.
+        const double l = box.rect.left;
+        const double t = box.rect.top;
+        const double r = box.rect.right - 1.0;
+        const double d = box.rect.bottom - 1.0;
+        drawSurface(context, canvas, {{{{l, t}, {r, t}, {r, d}, {l, d}}, false, true}});
+    } else {
+        drawSurface(context, canvas, {{{box.topLeft, box.topRight, box.bottomRight, box.bottomLeft}, false, true}});
+    }
+    return TRUE;
+}
+
+BOOL drawEllipse(DeviceContext& context, Canvas& canvas, Box box) {
+    insetForPen(context, box);
+    if (!box.axisAligned) {
+        drawSurface(context, canvas, {ellipseFigure(box.topLeft, box.topRight, box.bottomRight, box.bottomLeft)});
+        return TRUE;
+    }
+    if (isEmpty(box.rect)) return TRUE;
+    const Brush& brush = *context.state.brush;
+    const COLORREF color = brush.color();
+    canvas.ellipse(context.clipArea(), box.rect, currentStroke(context), brush.hollow() ? nullptr : &color);
+    return TRUE;
+}
+
+struct PointList {
+    [[nodiscard]] const POINT* begin() const { return points; }
+    [[nodiscard]] const POINT* end() const { return points + count; }
+    const POINT* points;
+    int count;
+};
+
+}  // namespace
+
+}  // namespace zolgdi
+
+using zolgdi::Canvas;
+using zolgdi::DeviceContext;
+using zolgdi::guarded;
+using zolgdi::PointList;
+using zolgdi::withCanvas;
+using zolgdi::withDc;
+
+HPEN CreatePenIndirect(const LOGPEN* pen) {
+    return pen != nullptr ? CreatePen(static_cast<int>(pen->lopnStyle), pen->lopnWidth.x, pen->lopnColor) : nullptr;
+}
+
+HPEN CreatePen(int style, int width, COLORREF color) {
+    return guarded(nullptr, [&]() -> HPEN {
+        if (style < PS_SOLID || style > PS_INSIDEFRAME) return nullptr;
+        LOGPEN pen{
+            static_cast<UINT>(style), {width == std::numeric_limits<int>::min() ? 0 : std::abs(width), 0}, color};
+        // Only thin lines have dashes.
+        if (pen.lopnWidth.x > 1 && style != PS_NULL && style != PS_INSIDEFRAME) pen.lopnStyle = PS_SOLID;
+        return zolgdi::publish<HPEN>(std::make_shared<zolgdi::Pen>(pen));
+    });
+}
+
+HBRUSH CreateSolidBrush(COLORREF color) {
+    return guarded(nullptr, [&] {
+        return zolgdi::publish<HBRUSH>(std::make_shared<zolgdi::Brush>(LOGBRUSH{BS_SOLID, color, 0}));
+    });
+}
+
+BOOL MoveToEx(HDC dc, int x, int y, LPPOINT previous) {
+    return withDc(dc, FALSE, [&](DeviceContext& context) {
+        if (previous != nullptr) *previous = context.state.position;
+        context.state.position = {x, y};
+        return TRUE;
+    });
+}
+
+BOOL GetCurrentPositionEx(HDC dc, LPPOINT position) {
+    return withDc(dc, FALSE, [&](DeviceContext& context) {
+        if (position == nullptr) return FALSE;
+        *position = context.state.position;
+        return TRUE;
+    });
+}
+
+BOOL LineTo(HDC dc, int x, int y) {
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        const POINT points[] = {context.state.position, {x, y}};
+        zolgdi::drawLines(context, canvas, {zolgdi::deviceFigure(context, points, false)});
+        context.state.position = {x, y};
+        return TRUE;
+    });
+}
+
+BOOL Polyline(HDC dc, const POINT* points, int count) {
+    if (points == nullptr || count < 2) return FALSE;
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        zolgdi::drawLines(context, canvas, {zolgdi::deviceFigure(context, PointList{points, count}, false)});
+        return TRUE;
+    });
+}
+
+BOOL Polygon(HDC dc, const POINT* points, int count) {
+    if (points == nullptr || count < 2) return FALSE;
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        zolgdi::drawSurface(context, canvas, {zolgdi::deviceFigure(context, PointList{points, count}, true)});
+        return TRUE;
+    });
+}
+
+BOOL PolyBezier(HDC dc, const POINT* points, DWORD count) {
+    if (points == nullptr || count < 4 || count % 3 != 1 || count > 0x7FFFFFFFU) return FALSE;
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        const PointList list{points, static_cast<int>(count)};
+        zolgdi::drawLines(context, canvas, {zolgdi::deviceFigure(context, list, false, true)});
+        return TRUE;
+    });
+}
+
+BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        zolgdi::Box box;
+        if (!zolgdi::deviceBox(context, left, top, right, bottom, box)) return TRUE;
+        return zolgdi::drawRectangle(context, canvas, box);
+    });
+}
+
+BOOL Ellipse(HDC dc, int left, int top, int right, int bottom) {
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        zolgdi::Box box;
+        if (!zolgdi::deviceBox(context, left, top, right, bottom, box)) return TRUE;
+        return zolgdi::drawEllipse(context, canvas, box);
+    });
+}

@@ -1,0 +1,171 @@
+#include "platform/gdi/textlayout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zolgdi {
+
+namespace {
+
+void appendUtf8(std::string& out, std::uint32_t code) {
+    constexpr std::uint32_t replacement = 0xFFFD;
+    if (code > 0x10FFFFU || (code >= 0xD800U && code <= 0xDFFFU)) code = replacement;
+    if (code < 0x20U || code == 0x7FU) code = 0x20U;  // a line has no line breaks and no tabs
+    const auto tail = [&](unsigned int shift) { out += static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
+    if (code < 0x80U) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800U) {
+        out += static_cast<char>(0xC0U | (code >> 6U));
+        tail(0);
+    } else if (code < 0x10000U) {
+        out += static_cast<char>(0xE0U | (code >> 12U));
+        tail(6);
+        tail(0);
+    } else {
+        out += static_cast<char>(0xF0U | (code >> 18U));
+        tail(12);
+        tail(6);
+        tail(0);
+    }
+}
+
+GObjectPtr<PangoContext> makeContext(bool exact, BYTE quality) {
+    GObjectPtr<PangoContext> context(pango_font_map_create_context(pango_cairo_font_map_get_default()));
+    if (!context) throw std::bad_alloc();
+    const std::unique_ptr<cairo_font_options_t, ReleaseWith<&cairo_font_options_destroy>> options(
+        cairo_font_options_create());
+    const bool smooth = exact || quality == ANTIALIASED_QUALITY || quality == CLEARTYPE_QUALITY;
+    cairo_font_options_set_antialias(options.get(), smooth ? CAIRO_ANTIALIAS_GRAY : CAIRO_ANTIALIAS_NONE);
+    cairo_font_options_set_hint_style(options.get(), exact ? CAIRO_HINT_STYLE_NONE : CAIRO_HINT_STYLE_FULL);
+    cairo_font_options_set_hint_metrics(options.get(), exact ? CAIRO_HINT_METRICS_OFF : CAIRO_HINT_METRICS_ON);
+    pango_cairo_context_set_font_options(context.get(), options.get());
+    pango_context_set_round_glyph_positions(context.get(), exact ? FALSE : TRUE);
+    return context;
+}
+
+/// Measures of a font at an em of 1.
+struct Proportions {
+    double ascent = 0.0;
+    double descent = 0.0;
+    double average = 0.0;
+};
+
+Proportions proportionsOf(PangoContext* context, PangoFontDescription* description) {
+    constexpr double sample = 1024.0;  // pixels: large enough for rounding not to matter
+    pango_font_description_set_absolute_size(description, sample * PANGO_SCALE);
+    const std::unique_ptr<PangoFontMetrics, ReleaseWith<&pango_font_metrics_unref>> metrics(
+        pango_context_get_metrics(context, description, nullptr));
+    if (!metrics) throw std::bad_alloc();
+    const auto ratio = [&](int value) { return value / (sample * PANGO_SCALE); };
+    return {ratio(pango_font_metrics_get_ascent(metrics.get())), ratio(pango_font_metrics_get_descent(metrics.get())),
+            ratio(pango_font_metrics_get_approximate_char_width(metrics.get()))};
+}
+
+/// Sizes beyond this are cut: they would not fit Pango's units.
+constexpr double largest = 16384.0;
+
+double limited(LONG size) { return std::min(std::fabs(static_cast<double>(size)), largest); }
+
+}  // namespace
+
+std::string toUtf8(std::wstring_view text) {
+    std::string out;
+    for (const wchar_t c : text) appendUtf8(out, static_cast<std::uint32_t>(c));
+    return out;
+}
+
+SizedFont::SizedFont(const LOGFONTW& font, int dpi, bool exact)
+    : context_(makeContext(exact, font.lfQuality)), description_(pango_font_description_new()) {
+    PangoFontDescription* description = description_.get();
+    const std::string face = toUtf8(font.lfFaceName);
+    pango_font_description_set_family(description, face.empty() ? "Sans" : face.c_str());
+    const LONG weight = font.lfWeight == FW_DONTCARE ? FW_NORMAL : std::clamp<LONG>(font.lfWeight, 100, 1000);
+    pango_font_description_set_weight(description, static_cast<PangoWeight>(weight));
+    pango_font_description_set_style(description, font.lfItalic != 0 ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+
+    const Proportions proportions = proportionsOf(context_.get(), description);
+    // A positive height is the cell's, a negative one the em's; 0 is 12 points.
+    const double cell = font.lfHeight == 0 ? std::round(12.0 * dpi / 72.0) : limited(font.lfHeight);
+    const double cellOfEm = std::max(proportions.ascent + proportions.descent, 0.01);
+    em_ = std::max(font.lfHeight < 0 ? cell : cell / cellOfEm, 1.0 / PANGO_SCALE);
+    pango_font_description_set_absolute_size(description, em_ * PANGO_SCALE);
+    ascent_ = static_cast<int>(std::lround(proportions.ascent * em_));
+    descent_ =
+        font.lfHeight < 0 ? static_cast<int>(std::lround(proportions.descent * em_)) : static_cast<int>(cell) - ascent_;
+    const double natural = std::max(proportions.average * em_, 1.0 / PANGO_SCALE);
+    if (font.lfWidth != 0) stretch_ = limited(font.lfWidth) / natural;
+    averageWidth_ = std::max(static_cast<int>(std::lround(natural * stretch_)), 1);
+}
+
+TextLine::TextLine(const LOGFONTW& font, int dpi, bool exact, std::wstring_view text)
+    : font_(font, dpi, exact), escapement_(font.lfEscapement), layout_(pango_layout_new(font_.context())) {
+    if (!layout_) throw std::bad_alloc();
+    const std::string utf8 = toUtf8(text);
+    pango_layout_set_font_description(layout_.get(), font_.description());
+    pango_layout_set_single_paragraph_mode(layout_.get(), TRUE);
+    const std::unique_ptr<PangoAttrList, ReleaseWith<&pango_attr_list_unref>> attributes(pango_attr_list_new());
+    // Characters stand side by side at their own widths.
+    pango_attr_list_insert(attributes.get(), pango_attr_font_features_new("kern=0, liga=0, clig=0"));
+    if (font.lfUnderline != 0) {
+        pango_attr_list_insert(attributes.get(), pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+    }
+    if (font.lfStrikeOut != 0) pango_attr_list_insert(attributes.get(), pango_attr_strikethrough_new(TRUE));
+    pango_layout_set_attributes(layout_.get(), attributes.get());
+    pango_layout_set_text(layout_.get(), utf8.data(), static_cast<int>(utf8.size()));
+    line_ = pango_layout_get_line_readonly(layout_.get(), 0);
+}
+
+int TextLine::width() const {
+    PangoRectangle logical{};
+    if (line_ != nullptr) pango_layout_line_get_extents(line_, nullptr, &logical);
+    return static_cast<int>(std::ceil(logical.width * font_.stretch() / PANGO_SCALE));
+}
+
+Affine TextLine::placed(const Affine& transform) const {
+    constexpr double degree = 3.141592653589793 / 180.0;
+    const double angle = -escapement_ / 10.0 * degree;
+    const double c = escapement_ == 0 ? 1.0 : std::cos(angle);
+    const double s = escapement_ == 0 ? 0.0 : std::sin(angle);
+    return Affine{c, s, -s, c, 0.0, 0.0}.then(transform);
+}
+
+Figure TextLine::cell(const Affine& placement) const {
+    const double right = width();
+    const double bottom = font_.height();
+    return {
+        {placement(0.0, 0.0), placement(right, 0.0), placement(right, bottom), placement(0.0, bottom)}, false, true};
+}
+
+RECT TextLine::extent(const Affine& placement) const {
+    PangoRectangle ink{};
+    if (line_ != nullptr) pango_layout_line_get_extents(line_, &ink, nullptr);
+    constexpr double margin = 3.0;
+    const double left = ink.x * font_.stretch() / PANGO_SCALE - margin;
+    const double right = (ink.x + ink.width) * font_.stretch() / PANGO_SCALE + margin;
+    const double top = font_.ascent() + static_cast<double>(ink.y) / PANGO_SCALE - margin;
+    const double bottom = font_.ascent() + static_cast<double>(ink.y + ink.height) / PANGO_SCALE + margin;
+    const PointD corners[] = {placement(left, top), placement(right, top), placement(left, bottom),
+                              placement(right, bottom)};
+    PointD low = corners[0];
+    PointD high = corners[0];
+    for (const PointD corner : corners) {
+        low = {std::min(low.x, corner.x), std::min(low.y, corner.y)};
+        high = {std::max(high.x, corner.x), std::max(high.y, corner.y)};
+    }
+    const POINT first = roundToDevice(low);
+    const POINT last = roundToDevice(high);
+    return {first.x - 1, first.y - 1, last.x + 1, last.y + 1};
+}
+
+void TextLine::draw(cairo_t* cairo, const Affine& placement) const {
+    if (line_ == nullptr) return;
+    const cairo_matrix_t matrix{placement.m11, placement.m12, placement.m21, placement.m22, placement.dx, placement.dy};
+    cairo_save(cairo);
+    cairo_transform(cairo, &matrix);
+    cairo_scale(cairo, font_.stretch(), 1.0);
+    cairo_move_to(cairo, 0.0, font_.ascent());
+    pango_cairo_show_layout_line(cairo, line_);
+    cairo_restore(cairo);
+}
+
+}  // namespace zolgdi
