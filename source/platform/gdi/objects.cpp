@@ -193,7 +193,7 @@ BOOL DeleteObject(HGDIOBJ object) {
     auto& table = HandleTable::instance();
     if (table.find<zolgdi::Bitmap>(object) && table.isSelected(object)) return FALSE;
     if (!table.find<zolgdi::Bitmap>(object) && !table.find<zolgdi::Pen>(object) && !table.find<zolgdi::Brush>(object) &&
-        !table.find<zolgdi::Font>(object)) {
+        !table.find<zolgdi::Font>(object) && !table.find<zolgdi::Region>(object)) {
         return FALSE;
     }
     return table.removeUnlessSelected(object) != HandleTable::Deletion::invalid ? TRUE : FALSE;
