@@ -93,6 +93,8 @@ protected:
 private:
     template <typename Action>
     void forEach(Action action) const;
+    [[nodiscard]] bool contains(const CCsOverlay& overlay) const;
+    void link(CCsOverlay& overlay);
     void appendClones(const CCsGroup& source, bool withLast);
 };
 
