@@ -383,6 +383,12 @@ unsigned short calculateBitShiftValueForGreyConversion(unsigned short maxValue) 
     return static_cast<unsigned short>(std::max(static_cast<int>(std::bit_width(maxValue)) - displayBits, 0));
 }
 
+int calculateFontHeight(HWND window, int baseHeight) {
+    RECT rect{0, 0, 0, 0};
+    GetWindowRect(window, &rect);
+    return clampedFontHeight(scaledFontHeight(rect, baseHeight, fontReferenceSize), baseHeight);
+}
+
 int calculateFontHeight(RECT rect, int baseHeight, int imageSize, bool exact) {
     const double referenceSize = exact && baseHeight > imageSize
                                      ? std::trunc(static_cast<double>(baseHeight) / imageSize * fontReferenceSize)

@@ -2,11 +2,29 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <memory>
+#include <new>
 
 #include "zolcs/ccsimageutils.h"
+#include "zolcs/ccsmap.h"
+#include "zolcs/ccsoverlay.h"
+#include "zolcs/conversion.h"
+#include "zolcs/drawing/gdiscope.h"
 #include "zolcs/pixelsize.h"
 #include "zolcs/report.h"
+
+namespace zolcs {
+
+/// How drawing into a bitmap reports its failures.
+struct DibReports {
+    ReportSite memory;
+    ReportSite section;
+    ReportSite deviceContext;
+};
+
+}  // namespace zolcs
 
 namespace {
 
@@ -33,6 +51,32 @@ constexpr TypeRule typeRules[] = {
     {CCS_RGB12, 1, {memoryFailed, module, 357}},  {CCS_RGB8, 2, {memoryFailed, module, 372}},
     {CCS_RGB24, 1, {memoryFailed, module, 388}},
 };
+
+constexpr zolcs::DibReports greyDib{{memoryFailed, module, 496},
+                                    {L"CreateDIBSection failed", module, 515},
+                                    {L"CreateCompatibleDC failed", module, 521}};
+constexpr zolcs::DibReports colourDib{{memoryFailed, module, 577},
+                                      {L"CreateDIBSection failed", module, 596},
+                                      {L"CreateCompatibleDC failed", module, 602}};
+
+// The colour that grey maps take for ink when they merge graphics.
+constexpr unsigned long greyInk = 0xFFFF;
+constexpr int burnInMode = 4;
+
+using Bytes = std::unique_ptr<unsigned char[]>;
+
+BITMAPINFOHEADER dibHeader(int width, int height) {
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = width;
+    header.biHeight = zolcs::saturated(-std::int64_t{height});  // top line first
+    header.biPlanes = 1;
+    header.biBitCount = 32;
+    header.biCompression = BI_RGB;
+    header.biXPelsPerMeter = 3000;
+    header.biYPelsPerMeter = 3000;
+    return header;
+}
 
 const TypeRule* ruleOf(int type) {
     const auto* const rule = std::find_if(std::begin(typeRules), std::end(typeRules),
@@ -325,3 +369,64 @@ void CCsRaster::reset60XXOverlayGroup() { overlayGroup.planes.clear(); }
 bool CCsRaster::isNonEmbeddedOverlayPresent() const { return !overlayGroup.planes.empty(); }
 void CCsRaster::setEmbeddedOverlayStatus(bool present) { embeddedOverlay = present; }
 bool CCsRaster::isEmbeddedOverlayPresent() const { return embeddedOverlay; }
+
+int CCsRaster::MakeDIBGrey12_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font) {
+    return makeDib(result, overlay, trafo, font, greyInk, greyDib);
+}
+
+int CCsRaster::MakeDIBRgb8_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font,
+                            unsigned long color) {
+    return makeDib(result, overlay, trafo, font, color, colourDib);
+}
+
+int CCsRaster::makeDib(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color,
+                       const zolcs::DibReports& reports) {
+    result = nullptr;
+    const BITMAPINFOHEADER header = dibHeader(pitch, height);
+    const std::int64_t pixels = static_cast<std::int64_t>(pitch) * height;
+    const std::int64_t bytes = bytesOf(pixels, zolcs::pixelSize(CCS_RGB8)) + std::int64_t{sizeof header};
+    if (bytes > mostBytes) return zolcs::fail(reports.memory, 0, outOfMemory);
+    Bytes block(new (std::nothrow) unsigned char[static_cast<std::size_t>(bytes)]);
+    if (block == nullptr) return zolcs::fail(reports.memory, 0, outOfMemory);
+    std::memcpy(block.get(), &header, sizeof header);
+    auto* const info = reinterpret_cast<BITMAPINFO*>(block.get());
+
+    void* bits = nullptr;
+    const zolcs::Bitmap section(CreateDIBSection(nullptr, info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    if (!section || bits == nullptr) return zolcs::fail(reports.section, 0, refused);
+    const zolcs::MemoryDC dc(nullptr);
+    const zolcs::SelectGuard selectedSection(dc.get(), section.get());
+    if (!selectedSection) return zolcs::fail(reports.deviceContext, 0, refused);
+    const zolcs::SelectGuard selectedFont(dc.get(), font);
+    print_(dc.get(), overlay, color, trafo);
+    GdiFlush();
+    std::memcpy(block.get() + sizeof header, bits, static_cast<std::size_t>(bytes) - sizeof header);
+    block.release();
+    result = info;
+    return done;
+}
+
+int CCsRaster::burnInOverlay(IMap& map, CCsOverlay* overlay, unsigned int planeMask, CCs2dTrafo* trafo, HFONT font,
+                             int mergeMode, bool mergeFlag) {
+    BITMAPINFO* bitmap = nullptr;
+    const int result = MakeDIBGrey12_(bitmap, overlay, trafo, font);
+    if (result != done) return result;
+    const Bytes owner(reinterpret_cast<unsigned char*>(bitmap));
+    map.mergeDIBtoData(*this, bitmap, planeMask, mergeMode, mergeFlag);
+    return done;
+}
+
+int CCsRaster::burnInOverlay(IMap& map, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color) {
+    BITMAPINFO* bitmap = nullptr;
+    const int result = MakeDIBRgb8_(bitmap, overlay, trafo, font, color);
+    if (result != done) return result;
+    const Bytes owner(reinterpret_cast<unsigned char*>(bitmap));
+    map.mergeDIBtoData(*this, bitmap, 0, 0, false);
+    return done;
+}
+
+int CCsRaster::print_(HDC dc, CCsOverlay* overlay, unsigned long color, CCs2dTrafo* trafo) {
+    PatBlt(dc, 0, 0, pitch, height, BLACKNESS);
+    if (overlay != nullptr) overlay->render(trafo, nullptr, color, dc, burnInMode, 0, 0, 0, 0);
+    return done;
+}

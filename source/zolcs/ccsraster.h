@@ -9,6 +9,10 @@ class CCs2dTrafo;
 class CCsOverlay;
 class IMap;
 
+namespace zolcs {
+struct DibReports;
+}
+
 /// The source image: pixels, the shutters that blank parts of it, and its overlay planes.
 ///
 /// Every type but CCS_RGB24 has a spare line and a spare pixel behind the image, which interpolation may read. A raster
@@ -111,8 +115,20 @@ public:
     void setEmbeddedOverlayStatus(bool present);
     [[nodiscard]] bool isEmbeddedOverlayPresent() const;
 
+    // Graphics that become pixels.
+
+    /// Draws an overlay (none when null) in render mode 4 on black, with `font` selected unless it is null, into a new
+    /// 32-bit top-down bitmap of pitch x height pixels: a 40-byte header with the pixels right behind it. The grey form
+    /// draws in the colour 0xFFFF.
+    ///
+    /// 255: `result` is the caller's, who frees it with delete[] on unsigned char*. 1 when memory is exhausted, 0 when
+    /// GDI refuses; both are reported and leave `result` null.
     int MakeDIBGrey12_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font);
     int MakeDIBRgb8_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color);
+
+    /// Draws an overlay as above and lets the map merge it into the pixels; `planeMask`, `mergeMode` and `mergeFlag`
+    /// are the depth, bits and blankToMax of IMap::mergeDIBtoData. 255, or what the drawing returned; the pixels are
+    /// then untouched.
     int burnInOverlay(IMap& map, CCsOverlay* overlay, unsigned int planeMask, CCs2dTrafo* trafo, HFONT font,
                       int mergeMode, bool mergeFlag);
     int burnInOverlay(IMap& map, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color);
@@ -140,6 +156,8 @@ private:
     int replaceBuffer();
     void switchShuttersOff();
     void clearShutterValues();
+    int makeDib(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color,
+                const zolcs::DibReports& reports);
     int print_(HDC dc, CCsOverlay* overlay, unsigned long color, CCs2dTrafo* trafo);
 
     bool sized = true;  // the last setSize succeeded

@@ -1054,4 +1054,64 @@ TEST(CCsImageUtils, FontHeightIsDefinedForEveryRectangle) {
     EXPECT_EQ(calculateFontHeight(rect(least, least, most, most), most, 1, false), 44);
 }
 
+#if defined(_WIN32)
+
+/// A window of a size, never shown.
+class TestWindow {
+public:
+    TestWindow(int width, int height)
+        : handle_(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 10, 20, width, height, nullptr, nullptr, nullptr,
+                                  nullptr)) {}
+    ~TestWindow() { DestroyWindow(handle_); }
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+
+    [[nodiscard]] HWND handle() const { return handle_; }
+
+private:
+    HWND handle_;
+};
+
+#else
+
+/// A window of a size, never drawn on.
+class TestWindow : private ZolHostWindow {
+public:
+    TestWindow(int width, int height) : width_(width), height_(height), handle_(ZolCreateHostWindow(this)) {}
+    ~TestWindow() override { ZolDestroyHostWindow(handle_); }
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+
+    [[nodiscard]] HWND handle() const { return handle_; }
+
+private:
+    SIZE clientSize() override { return {width_, height_}; }
+    ZolPixelSurface surface() override { return {}; }
+    void present() override {}
+    void invalidate(const RECT& /*area*/) override {}
+    RECT windowRect() override { return {10, 20, 10 + width_, 20 + height_}; }
+
+    int width_;
+    int height_;
+    HWND handle_;
+};
+
+#endif
+
+TEST(CCsImageUtils, FontHeightOfAWindow) {
+    const auto height = [](int windowWidth, int windowHeight, int base) {
+        const TestWindow window(windowWidth, windowHeight);
+        return calculateFontHeight(window.handle(), base);
+    };
+    EXPECT_EQ(height(512, 512, 20), 20);
+    EXPECT_EQ(height(1024, 512, 20), 28);
+    EXPECT_EQ(height(512, 1024, 20), 28);
+    EXPECT_EQ(height(1024, 1024, 20), 40);
+    EXPECT_EQ(height(1024, 1024, 40), 44);
+    EXPECT_EQ(height(128, 128, 20), 11);
+    EXPECT_EQ(height(128, 128, 8), 8);
+    EXPECT_EQ(calculateFontHeight(nullptr, 20), 11);
+    EXPECT_EQ(calculateFontHeight(nullptr, -3), -3);
+}
+
 }  // namespace

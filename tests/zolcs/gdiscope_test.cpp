@@ -1,0 +1,123 @@
+#include "zolcs/drawing/gdiscope.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "support/gdi_count.h"
+
+namespace {
+
+using zoltest::gdiObjectCount;
+
+class GdiScope : public testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(gdiObjectCount(), before_); }
+    [[nodiscard]] unsigned int living() const { return gdiObjectCount() - before_; }
+
+private:
+    unsigned int before_ = gdiObjectCount();
+};
+
+HBITMAP newSection(int width, int height) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    return CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+}
+
+TEST_F(GdiScope, ObjectsAreDeletedAtTheEndOfTheirScope) {
+    {
+        const zolcs::Pen pen(CreatePen(PS_SOLID, 1, RGB(1, 2, 3)));
+        const zolcs::Brush brush(CreateSolidBrush(RGB(1, 2, 3)));
+        const zolcs::Region region(CreateRectRgn(0, 0, 5, 5));
+        const zolcs::Bitmap bitmap(newSection(4, 4));
+        EXPECT_TRUE(pen && brush && region && bitmap);
+        EXPECT_EQ(GetObjectType(pen.get()), static_cast<DWORD>(OBJ_PEN));
+        EXPECT_EQ(GetObjectType(bitmap.get()), static_cast<DWORD>(OBJ_BITMAP));
+        EXPECT_EQ(living(), 4U);
+    }
+    EXPECT_EQ(living(), 0U);
+}
+
+TEST_F(GdiScope, AnEmptyScopeOwnsNothing) {
+    const zolcs::Pen pen;
+    EXPECT_FALSE(pen);
+    EXPECT_EQ(pen.get(), nullptr);
+}
+
+TEST_F(GdiScope, MovingHandsTheObjectOver) {
+    zolcs::Pen first(CreatePen(PS_SOLID, 1, 0));
+    HPEN const handle = first.get();
+    zolcs::Pen second(std::move(first));
+    EXPECT_EQ(second.get(), handle);
+    EXPECT_EQ(living(), 1U);
+    zolcs::Pen third(CreatePen(PS_SOLID, 1, 0));
+    EXPECT_EQ(living(), 2U);
+    third = std::move(second);
+    EXPECT_EQ(third.get(), handle);
+}
+
+TEST_F(GdiScope, MemoryContextsAreDeleted) {
+    {
+        const zolcs::MemoryDC dc(nullptr);
+        EXPECT_TRUE(dc);
+        EXPECT_EQ(GetObjectType(dc.get()), static_cast<DWORD>(OBJ_MEMDC));
+        const zolcs::MemoryDC other(dc.get());
+        EXPECT_TRUE(other);
+        EXPECT_EQ(living(), 2U);
+    }
+    EXPECT_EQ(living(), 0U);
+}
+
+TEST_F(GdiScope, WindowContextsAreReleased) {
+    {
+        const zolcs::WindowDC screen(nullptr);
+        EXPECT_TRUE(screen);
+        EXPECT_EQ(GetObjectType(screen.get()), static_cast<DWORD>(OBJ_DC));
+    }
+    EXPECT_EQ(living(), 0U);
+}
+
+TEST_F(GdiScope, SelectionsEndBeforeWhatTheySelect) {
+    {
+        const zolcs::Bitmap section(newSection(4, 4));
+        const zolcs::Pen pen(CreatePen(PS_SOLID, 1, RGB(9, 9, 9)));
+        const zolcs::MemoryDC dc(nullptr);
+        HGDIOBJ const bitmapBefore = GetCurrentObject(dc.get(), OBJ_BITMAP);
+        HGDIOBJ const penBefore = GetCurrentObject(dc.get(), OBJ_PEN);
+        {
+            const zolcs::SelectGuard selectedSection(dc.get(), section.get());
+            const zolcs::SelectGuard selectedPen(dc.get(), pen.get());
+            EXPECT_TRUE(selectedSection && selectedPen);
+            EXPECT_EQ(selectedSection.previous(), bitmapBefore);
+            EXPECT_EQ(selectedPen.previous(), penBefore);
+            EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_BITMAP), static_cast<HGDIOBJ>(section.get()));
+            EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), static_cast<HGDIOBJ>(pen.get()));
+        }
+        EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_BITMAP), bitmapBefore);
+        EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), penBefore);
+    }
+    EXPECT_EQ(living(), 0U);
+}
+
+TEST_F(GdiScope, SelectingNothingOrInNothingDoesNothing) {
+    const zolcs::MemoryDC dc(nullptr);
+    HGDIOBJ const before = GetCurrentObject(dc.get(), OBJ_PEN);
+    {
+        const zolcs::SelectGuard none(dc.get(), nullptr);
+        EXPECT_FALSE(none);
+        EXPECT_EQ(none.previous(), nullptr);
+        EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), before);
+    }
+    EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), before);
+    const zolcs::Pen pen(CreatePen(PS_SOLID, 1, 0));
+    const zolcs::SelectGuard nowhere(nullptr, pen.get());
+    EXPECT_FALSE(nowhere);
+}
+
+}  // namespace
