@@ -1111,7 +1111,7 @@ TEST(CCsImageUtils, FontHeightOfAWindow) {
     EXPECT_EQ(height(128, 128, 20), 11);
     EXPECT_EQ(height(128, 128, 8), 8);
     EXPECT_EQ(calculateFontHeight(nullptr, 20), 11);
-    EXPECT_EQ(calculateFontHeight(nullptr, -3), -3);
+    EXPECT_EQ(calculateFontHeight(nullptr, -3), 0);
 }
 
 }  // namespace

@@ -37,8 +37,6 @@ TEST_F(GdiScope, ObjectsAreDeletedAtTheEndOfTheirScope) {
         const zolcs::Region region(CreateRectRgn(0, 0, 5, 5));
         const zolcs::Bitmap bitmap(newSection(4, 4));
         EXPECT_TRUE(pen && brush && region && bitmap);
-        EXPECT_EQ(GetObjectType(pen.get()), static_cast<DWORD>(OBJ_PEN));
-        EXPECT_EQ(GetObjectType(bitmap.get()), static_cast<DWORD>(OBJ_BITMAP));
         EXPECT_EQ(living(), 4U);
     }
     EXPECT_EQ(living(), 0U);
@@ -66,7 +64,7 @@ TEST_F(GdiScope, MemoryContextsAreDeleted) {
     {
         const zolcs::MemoryDC dc(nullptr);
         EXPECT_TRUE(dc);
-        EXPECT_EQ(GetObjectType(dc.get()), static_cast<DWORD>(OBJ_MEMDC));
+        EXPECT_NE(GetCurrentObject(dc.get(), OBJ_BITMAP), nullptr);
         const zolcs::MemoryDC other(dc.get());
         EXPECT_TRUE(other);
         EXPECT_EQ(living(), 2U);
@@ -78,7 +76,7 @@ TEST_F(GdiScope, WindowContextsAreReleased) {
     {
         const zolcs::WindowDC screen(nullptr);
         EXPECT_TRUE(screen);
-        EXPECT_EQ(GetObjectType(screen.get()), static_cast<DWORD>(OBJ_DC));
+        EXPECT_NE(GetCurrentObject(screen.get(), OBJ_FONT), nullptr);
     }
     EXPECT_EQ(living(), 0U);
 }
