@@ -60,9 +60,9 @@ CCsOverlay* CCsGroup::isSelected() {
     return member;
 }
 
-void CCsGroup::move(CCs2dTrafo* trafo, int x0, int y0, int x1, int y1, CCsRegion* region) {
+void CCsGroup::move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) {
     if (!movable) return;
-    forEach([&](CCsOverlay& member) { member.move(trafo, x0, y0, x1, y1, region); });
+    forEach([&](CCsOverlay& member) { member.move(trafo, dx, dy, x, y, region); });
 }
 
 void CCsGroup::render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,

@@ -34,7 +34,7 @@ public:
     CCsOverlay* isSelected() override;
 
     /// Moves the members, as long as the group itself is movable.
-    void move(CCs2dTrafo* trafo, int x0, int y0, int x1, int y1, CCsRegion* region) override;
+    void move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) override;
 
     using CCsOverlay::render;
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,

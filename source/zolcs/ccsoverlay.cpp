@@ -32,7 +32,7 @@ int CCsOverlay::unselect(RECT& /*rect*/) {
 
 CCsOverlay* CCsOverlay::isSelected() { return selected != 0 ? this : nullptr; }
 
-void CCsOverlay::move(CCs2dTrafo* /*trafo*/, int /*x0*/, int /*y0*/, int /*x1*/, int /*y1*/, CCsRegion* /*region*/) {}
+void CCsOverlay::move(CCs2dTrafo* /*trafo*/, int /*dx*/, int /*dy*/, int /*x*/, int /*y*/, CCsRegion* /*region*/) {}
 
 void CCsOverlay::render(CCs2dTrafo* /*imageTrafo*/, CCs2dTrafo* /*outputTrafo*/, unsigned long /*color*/, HDC /*dc*/,
                         CCsImageTextFont::CCsImageTextFontType /*fontType*/, int /*mode*/, int /*width*/,

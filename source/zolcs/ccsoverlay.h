@@ -48,8 +48,8 @@ public:
     /// This overlay while it is selected, else null.
     virtual CCsOverlay* isSelected();
 
-    /// A drag from (x0, y0) to (x1, y1); `region`, where it is not null, takes up the area to repaint.
-    virtual void move(CCs2dTrafo* trafo, int x0, int y0, int x1, int y1, CCsRegion* region);
+    /// A drag by (dx, dy) that has arrived at (x, y); `region`, where it is not null, takes up the area to repaint.
+    virtual void move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region);
 
     /// Draws with a font derived as `fontType` says; only texts draw anything.
     virtual void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc,
