@@ -83,6 +83,12 @@ public:
     SelectGuard(const SelectGuard&) = delete;
     SelectGuard& operator=(const SelectGuard&) = delete;
 
+    /// Selects another object; what was selected before the first one is what comes back.
+    void change(HGDIOBJ object) {
+        const HGDIOBJ replaced = object != nullptr ? SelectObject(dc_, object) : nullptr;
+        if (previous_ == nullptr) previous_ = replaced;
+    }
+
     /// What was selected before; null when nothing has been selected.
     [[nodiscard]] HGDIOBJ previous() const { return previous_; }
     explicit operator bool() const { return previous_ != nullptr; }
