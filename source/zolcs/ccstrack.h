@@ -1,0 +1,50 @@
+#pragma once
+
+#include "zolcs/ccsexport.h"
+
+#include <cstdint>
+
+class CCsOverlay;
+
+/// Follows one drag of the mouse over an overlay or a group: where it began, what was hit there, and where it is now.
+/// The host moves what was picked by the way that the drag has gone. Positions are display pixels. Owns no overlay.
+class ZOLWEBCS_API CCsTrack {
+public:
+    CCsTrack() = default;
+    /// Tracks over this overlay, which stays the caller's; null is as none.
+    explicit CCsTrack(CCsOverlay* overlay);
+    /// Deep: has clones of both overlays (null where there is none and where there is no memory), which belong to the
+    /// caller, who gets them from getOverlay and getPicked.
+    CCsTrack(const CCsTrack& other);
+    /// Deliberately shallow: both tracks name the same overlays afterwards.
+    CCsTrack& operator=(const CCsTrack& other);
+    /// Deletes no overlay.
+    virtual ~CCsTrack();
+
+    /// The button goes down: the drag begins here, and what the overlay picks here is what is picked (null for
+    /// nothing). Without an overlay the picked one stays.
+    void downEvent(int newX, int newY);
+    void motionEvent(int newX, int newY);
+    /// The button goes up: nothing is picked any more, wherever that is.
+    void upEvent(int newX, int newY);
+
+    /// The way from where the drag began, or from the last resetDxy.
+    [[nodiscard]] int getDx() const;
+    [[nodiscard]] int getDy() const;
+    [[nodiscard]] int getX() const { return x; }
+    [[nodiscard]] int getY() const { return y; }
+    [[nodiscard]] CCsOverlay* getOverlay() const { return overlay; }
+    /// What the press hit, until the button goes up; else null.
+    [[nodiscard]] CCsOverlay* getPicked() const { return picked; }
+
+    /// The way counts from here, for dragging step by step.
+    void resetDxy();
+
+protected:
+    CCsOverlay* overlay = nullptr;
+    std::int32_t startX = 0;
+    std::int32_t startY = 0;
+    CCsOverlay* picked = nullptr;
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+};
