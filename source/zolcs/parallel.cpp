@@ -1,6 +1,7 @@
 #include "zolcs/parallel.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <mutex>
@@ -41,13 +42,13 @@ private:
 
 int maximumThreads() { return omp_get_max_threads(); }
 
-/// Calls share(n, count) for n in [0, count), where count is at most `threads`, each on its own thread.
-template <typename Share>
-void runShares(int threads, Share share) {
+/// Calls work() on up to `threads` threads at the same time, at least once.
+template <typename Work>
+void onThreads(int threads, Work work) {
     const int dynamic = omp_get_dynamic();
     omp_set_dynamic(0);
 #pragma omp parallel num_threads(threads)
-    share(omp_get_thread_num(), omp_get_num_threads());
+    work();
     omp_set_dynamic(dynamic);
 }
 
@@ -55,37 +56,43 @@ void runShares(int threads, Share share) {
 
 int maximumThreads() { return static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U)); }
 
-template <typename Share>
-void runShares(int threads, Share share) {
+template <typename Work>
+void onThreads(int threads, Work work) {
     std::vector<std::thread> others;
     others.reserve(static_cast<std::size_t>(threads) - 1);
-    int started = 1;
     try {
-        for (; started < threads; ++started) others.emplace_back(share, started, threads);
+        while (others.size() + 1 < static_cast<std::size_t>(threads)) others.emplace_back(work);
     } catch (const std::system_error&) {
-        // No more threads to be had: the caller does the shares that are left.
+        // No more threads to be had: those that run do everything.
     }
-    share(0, threads);
-    for (; started < threads; ++started) share(started, threads);
+    work();
     for (std::thread& other : others) other.join();
 }
 
 #endif
+
+/// Several bands for each thread, so that one that the system holds up does not hold up all.
+constexpr int bandsPerThread = 4;
 
 }  // namespace
 
 void runBands(int first, int last, int rowsPerBand, void (*band)(void* context, int begin, int end), void* context) {
     if (last <= first) return;
     const std::int64_t rows = std::int64_t{last} - first;
-    const auto threads = static_cast<int>(std::min<std::int64_t>(maximumThreads(), rows / std::max(rowsPerBand, 1)));
+    const std::int64_t bands =
+        std::min<std::int64_t>(std::int64_t{maximumThreads()} * bandsPerThread, rows / std::max(rowsPerBand, 1));
+    const auto threads = static_cast<int>(std::min<std::int64_t>(maximumThreads(), bands));
     if (threads < 2) {
         band(context, first, last);
         return;
     }
     FirstException failure;
-    runShares(threads, [&](int n, int count) {
-        const auto start = [&](int share) { return static_cast<int>(first + rows * share / count); };
-        failure.guard([&] { band(context, start(n), start(n + 1)); });
+    std::atomic<std::int64_t> next{0};
+    onThreads(threads, [&] {
+        const auto start = [&](std::int64_t n) { return static_cast<int>(first + rows * n / bands); };
+        for (std::int64_t n = next++; n < bands; n = next++) {
+            failure.guard([&] { band(context, start(n), start(n + 1)); });
+        }
     });
     failure.rethrow();
 }

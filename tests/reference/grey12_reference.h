@@ -321,7 +321,7 @@ inline void mergeColourBitmap(unsigned char* pixels, int width, int height, int 
             unsigned char* at = pixels + (static_cast<std::ptrdiff_t>(y) * pitch + x) * 4;
             const std::uint32_t p = bitmap[static_cast<std::ptrdiff_t>(y) * bitmapWidth + x];
             for (int i = 0; i < 4; ++i) {
-                at[i] = p == 0x00010101U ? 0 : static_cast<unsigned char>(at[i] | ((p >> (8 * i)) & 255));
+                at[i] = static_cast<unsigned char>(p == 0x00010101U ? 0U : at[i] | ((p >> (8 * i)) & 255U));
             }
         }
     }

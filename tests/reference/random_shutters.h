@@ -49,11 +49,12 @@ inline std::vector<CPoint> anyPolygon(Random& random, int width, int height) {
     std::vector<CPoint> vertices;
     const int count = random.chance(0.15) ? random.integer(0, 2) : random.integer(3, 9);
     for (int i = 0; i < count; ++i) {
-        if (i > 0 && random.chance(0.1)) {
-            vertices.push_back(vertices.back());
-        } else {
-            vertices.emplace_back(anyCoordinate(random, width), anyCoordinate(random, height));
-        }
+        int x = anyCoordinate(random, width);
+        int y = anyCoordinate(random, height);
+        // Upright and level edges, and vertices that coincide.
+        if (i > 0 && random.chance(0.3)) x = static_cast<int>(vertices.back().x);
+        if (i > 0 && random.chance(0.3)) y = static_cast<int>(vertices.back().y);
+        vertices.emplace_back(x, y);
     }
     return vertices;
 }

@@ -86,6 +86,16 @@ inline CCs2dTrafo anyView(Random& random, CCsImage& src, CCsImage& dst) {
     return trafo;
 }
 
+/// A view at one display pixel for a source pixel, turned by quarters or mirrored.
+inline CCs2dTrafo plainView(Random& random, CCsImage& src, CCsImage& dst) {
+    CCs2dTrafo trafo;
+    trafo.setSizes(src, dst);
+    if (random.chance(0.3)) trafo.rotate(90.0 * random.integer(0, 3));
+    anyMirror(random, trafo);
+    trafo.setDspScaleFactor(1.0);
+    return trafo;
+}
+
 struct Matrix {
     double m[6] = {};
 };
@@ -104,6 +114,38 @@ inline Matrix toDisplayOf(const CCs2dTrafo& trafo) {
     Matrix out;
     copy.getImgToDsp(out.m[0], out.m[1], out.m[2], out.m[3], out.m[4], out.m[5]);
     return out;
+}
+
+/// Moves a view so that the first row starts at, or 1/65536 beside, a whole or half source pixel in both directions:
+/// there lie all the borders at which one rule differs from another.
+inline void startAtBorders(Random& random, CCs2dTrafo& trafo, const CCsImage& src, const CCsImage& dst) {
+    double panX = 0;
+    double panY = 0;
+    trafo.getDspPanFactor(panX, panY);
+    const Matrix at = toImageOf(trafo, src, dst);
+    CCs2dTrafo moved(trafo);
+    moved.setDspPanFactor(panX + 1, panY);
+    const Matrix right = toImageOf(moved, src, dst);
+    moved.setDspPanFactor(panX, panY + 1);
+    const Matrix down = toImageOf(moved, src, dst);
+    for (const double entry : at.m) {
+        if (!std::isfinite(entry) || std::fabs(entry) > 1e6) return;
+    }
+    // How the origin answers to the pan.
+    const double ux = right.m[4] - at.m[4], uy = down.m[4] - at.m[4];
+    const double vx = right.m[5] - at.m[5], vy = down.m[5] - at.m[5];
+    const double determinant = ux * vy - uy * vx;
+    if (!(std::fabs(determinant) > 1e-9)) return;
+    const double fractions[] = {0, 0, 1, 2, 65535, 65534, 32768, 32767, 32769};
+    const double halfU = std::trunc((std::trunc(at.m[0] * 65536) + std::trunc(at.m[2] * 65536)) / 2);
+    const double halfV = std::trunc((std::trunc(at.m[1] * 65536) + std::trunc(at.m[3] * 65536)) / 2);
+    const double wholeU = std::floor((at.m[4] * 65536 + halfU) / 65536) * 65536 + fractions[random.integer(0, 8)];
+    const double wholeV = std::floor((at.m[5] * 65536 + halfV) / 65536) * 65536 + fractions[random.integer(0, 8)];
+    // Between two values that are cut to the wanted one.
+    const double originU = wholeU - halfU, originV = wholeV - halfV;
+    const double byU = (originU + (originU < 0 ? -0.4 : 0.4)) / 65536 - at.m[4];
+    const double byV = (originV + (originV < 0 ? -0.4 : 0.4)) / 65536 - at.m[5];
+    trafo.setDspPanFactor(panX + (byU * vy - byV * uy) / determinant, panY + (byV * ux - byU * vx) / determinant);
 }
 
 /// Whether no position along an image of ordinary size can leave 64 bits of 16.16. Beyond that a picture means nothing,

@@ -291,6 +291,51 @@ inline bool setBitmap(RasterShutters& raster, const CCsBitmapShutterInfo& info) 
     return true;
 }
 
+inline void switchAllOff(RasterShutters& raster) {
+    raster.rectOn = false;
+    raster.circOn = false;
+    raster.polygonOn = false;
+    raster.bitmapOn = false;
+}
+
+/// Nothing happens without a kind that is present; the record's own presentation value is not taken over.
+inline void setDisplayShutter(RasterShutters& raster, const CCsDisplayShutterInfo& info) {
+    if (info.rectangular.present == 0 && info.circular.present == 0 && info.polygonPresent == 0) return;
+    switchAllOff(raster);
+    raster.bitmap.shutterValueAux = 0;
+    raster.bitmap.presentationValue = 0;
+    if (info.rectangular.present != 0) {
+        raster.rectOn = true;
+        raster.rect = info.rectangular.rect;
+    }
+    if (info.circular.present != 0) {
+        raster.circOn = true;
+        raster.circle = info.circular.bounds;
+    }
+    if (info.polygonPresent != 0) {
+        raster.polygonOn = true;
+        raster.polygon = info.polygon;
+    }
+}
+
+/// Kind 1 circle, 2 rectangle, 3 polygon with its vertices, 4 bitmap, anything else all four, vertices kept.
+inline void resetShutters(RasterShutters& raster, int kind) {
+    if (kind == 1) {
+        raster.circOn = false;
+    } else if (kind == 2) {
+        raster.rectOn = false;
+    } else if (kind == 3) {
+        raster.polygonOn = false;
+        raster.polygon.clear();
+    } else if (kind == 4) {
+        raster.bitmapOn = false;
+    } else {
+        switchAllOff(raster);
+    }
+    raster.bitmap.shutterValueAux = 0;
+    if (kind == -1) raster.bitmap.presentationValue = 0;
+}
+
 inline RECT rectOf(const Box& box) {
     RECT rect;
     rect.left = box.left;
@@ -304,10 +349,7 @@ inline RECT rectOf(const Box& box) {
 inline void takeShuttersOf(RasterShutters& target, const RasterShutters& source, const double* toDisplay) {
     if (!source.planes.planes.empty()) target.planes = source.planes;
     target.embedded = source.embedded;
-    target.rectOn = false;
-    target.circOn = false;
-    target.polygonOn = false;
-    target.bitmapOn = false;
+    switchAllOff(target);
     target.bitmap.shutterValueAux = 0;
     target.bitmap.presentationValue = 0;
     if (!source.rectOn && !source.circOn && !source.polygonOn && !source.bitmapOn) return;

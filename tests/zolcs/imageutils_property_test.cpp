@@ -151,11 +151,13 @@ TEST(ImageUtilsProperty, ShutterRecordsAndPointsAreAsRestated) {
     for (int round = 0; round < 3000; ++round) {
         const int width = random.integer(1, 70), height = random.integer(1, 50);
         const zoltest::ShutterCase made = zoltest::anyShutters(random, width, height);
-        GuardedRaster raster(width, height, CCS_GREY12, width, 1.0);
+        const int type = random.integer(CCS_INDEX8, CCS_GREY16);
+        GuardedRaster raster(width, height, type, width, 1.0);
         zoltest::applyShutters(made.shutters, raster);
         std::ostringstream what;
-        what << width << 'x' << height << ' ' << made;
+        what << width << 'x' << height << " type " << type << ' ' << made;
         SCOPED_TRACE(what.str());
+        ASSERT_EQ(CCsImageUtils::isIPPCompatible(&raster), !made.shutters.embedded && type != CCS_RGB24);
 
         const CCsDisplayShutterInfo want = zolref::displayShutterOf(made.shutters, width);
         const CCsDisplayShutterInfo got = raster.getDisplayShutterInfo();

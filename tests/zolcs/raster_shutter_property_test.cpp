@@ -72,7 +72,7 @@ void expectShutters(CCsRaster& raster, const zolref::RasterShutters& want) {
     EXPECT_EQ(bitmap.data, want.bitmap.data);
     EXPECT_EQ(bitmap.group, 0x6000U);
     EXPECT_EQ(bitmap.reserved16, want.bitmap.reserved16);
-    EXPECT_EQ(bitmap.shutterValueAux, 0);
+    EXPECT_EQ(bitmap.shutterValueAux, want.bitmap.shutterValueAux);
     EXPECT_EQ(bitmap.presentationValue, want.bitmap.presentationValue);
 }
 
@@ -104,6 +104,72 @@ TEST(RasterShutterProperty, ShuttersAreTransferredAsRestated) {
         expectShutters(source, sourceCase.shutters);
         ASSERT_FALSE(HasFailure()) << "round " << round << "\nsource: " << sourceCase << "\ntarget: " << targetCase
                                    << "\ntransformation " << withTrafo << ' ' << textOf(forth);
+    }
+}
+
+TEST(RasterShutterProperty, RandomSequencesOfSettingsLeaveWhatIsRestated) {
+    Random random(20240403);
+    for (int round = 0; round < 1500 && !HasFailure(); ++round) {
+        CCsRaster raster(30, 20, CCS_GREY12, 1.0, false, true);
+        zolref::RasterShutters want;
+        std::vector<zoltest::ShutterCase> given;  // the records' bits live here
+        std::ostringstream log;
+        for (int i = random.integer(1, 12); i > 0 && !HasFailure(); --i) {
+            given.push_back(zoltest::anyShutters(random, 30, 20));
+            zolref::RasterShutters& s = given.back().shutters;
+            switch (random.integer(0, 8)) {
+                case 0:
+                    log << "setRectShutter\n";
+                    raster.setRectShutter(s.rect);
+                    want.rect = s.rect;
+                    want.rectOn = true;
+                    break;
+                case 1:
+                    log << "setCircShutter\n";
+                    raster.setCircShutter(s.circle);
+                    want.circle = s.circle;
+                    want.circOn = true;
+                    break;
+                case 2:
+                    log << "setPolygonalShutter\n";
+                    raster.setPolygonalShutter(s.polygon);
+                    want.polygon = s.polygon;
+                    want.polygonOn = true;
+                    break;
+                case 3:
+                    log << "setBitmapShutterInfo tag " << s.bitmap.tag << " data " << (s.bitmap.data != nullptr)
+                        << '\n';
+                    EXPECT_TRUE(raster.setBitmapShutterInfo(s.bitmap));
+                    zolref::setBitmap(want, s.bitmap);
+                    break;
+                case 4:
+                case 5: {
+                    CCsDisplayShutterInfo info = zolref::displayShutterOf(s, 30);
+                    info.presentationValue = static_cast<unsigned short>(random.bits() >> 48);
+                    log << "setDisplayShutterInfo " << s.rectOn << s.circOn << s.polygonOn << '\n';
+                    EXPECT_TRUE(raster.setDisplayShutterInfo(info));
+                    zolref::setDisplayShutter(want, info);
+                    break;
+                }
+                case 6:
+                    raster.setPresentationShutterValue(s.presentationValue);
+                    want.presentationValue = s.presentationValue;
+                    break;
+                case 7:
+                    raster.getBitmapShutterInfo().shutterValueAux = 77;
+                    want.bitmap.shutterValueAux = 77;
+                    break;
+                default: {
+                    const int kind = random.integer(-2, 6);
+                    log << "resetImage " << kind << '\n';
+                    raster.resetImage(kind);
+                    zolref::resetShutters(want, kind);
+                    break;
+                }
+            }
+            expectShutters(raster, want);
+        }
+        ASSERT_FALSE(HasFailure()) << "round " << round << " after\n" << log.str();
     }
 }
 

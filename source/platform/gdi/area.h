@@ -43,7 +43,7 @@ private:
     std::vector<RECT> rects_;
 };
 
-class Region : public Object {
+class Region : public DrawingObject {
 public:
     explicit Region(Area area) : area_(std::move(area)) {}
     [[nodiscard]] Area area() const {

@@ -235,8 +235,11 @@ using LPSECURITY_ATTRIBUTES = _SECURITY_ATTRIBUTES*;
 
 // ---------------------------------------------------------------------------------------------------- colours
 
-constexpr COLORREF RGB(unsigned int red, unsigned int green, unsigned int blue) {
-    return (red & 0xFFU) | ((green & 0xFFU) << 8U) | ((blue & 0xFFU) << 16U);
+/// Values beyond a byte are cut to their lowest one.
+template <typename Red, typename Green, typename Blue>
+constexpr COLORREF RGB(Red red, Green green, Blue blue) {
+    return static_cast<DWORD>(static_cast<BYTE>(red)) | (static_cast<DWORD>(static_cast<BYTE>(green)) << 8U) |
+           (static_cast<DWORD>(static_cast<BYTE>(blue)) << 16U);
 }
 constexpr BYTE GetRValue(COLORREF color) { return static_cast<BYTE>(color & 0xFFU); }
 constexpr BYTE GetGValue(COLORREF color) { return static_cast<BYTE>((color >> 8U) & 0xFFU); }

@@ -25,6 +25,9 @@ private:
     int selections_ = 0;
 };
 
+/// What DeleteObject deletes.
+class DrawingObject : public Object {};
+
 /// Objects are shared: a call that found one keeps it alive although another thread deletes it meanwhile.
 class HandleTable {
 public:

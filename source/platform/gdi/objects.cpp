@@ -1,7 +1,5 @@
 #include "platform/gdi/objects.h"
 
-#include "platform/gdi/area.h"
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -191,11 +189,8 @@ HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOID* bits, 
 BOOL DeleteObject(HGDIOBJ object) {
     using zolgdi::HandleTable;
     auto& table = HandleTable::instance();
+    if (!table.find<zolgdi::DrawingObject>(object)) return FALSE;
     if (table.find<zolgdi::Bitmap>(object) && table.isSelected(object)) return FALSE;
-    if (!table.find<zolgdi::Bitmap>(object) && !table.find<zolgdi::Pen>(object) && !table.find<zolgdi::Brush>(object) &&
-        !table.find<zolgdi::Font>(object) && !table.find<zolgdi::Region>(object)) {
-        return FALSE;
-    }
     return table.removeUnlessSelected(object) != HandleTable::Deletion::invalid ? TRUE : FALSE;
 }
 

@@ -34,7 +34,7 @@ struct DibLayout {
     std::size_t stride = 0;  ///< of a row in memory, a multiple of 4
 };
 
-class Bitmap : public Object {
+class Bitmap : public DrawingObject {
 public:
     struct Free {
         void operator()(BYTE* memory) const { std::free(memory); }
@@ -58,7 +58,7 @@ private:
     DIBSECTION description_{{0, 1, 1, 2, 1, 1, nullptr}, {}, {}, nullptr, 0};
 };
 
-class Pen : public Object {
+class Pen : public DrawingObject {
 public:
     explicit Pen(const LOGPEN& pen) : pen_(pen) {}
     [[nodiscard]] const LOGPEN& description() const { return pen_; }
@@ -67,7 +67,7 @@ private:
     LOGPEN pen_;
 };
 
-class Brush : public Object {
+class Brush : public DrawingObject {
 public:
     explicit Brush(const LOGBRUSH& brush) : brush_(brush) {}
     [[nodiscard]] const LOGBRUSH& description() const { return brush_; }
@@ -78,7 +78,7 @@ private:
     LOGBRUSH brush_;
 };
 
-class Font : public Object {
+class Font : public DrawingObject {
 public:
     explicit Font(const LOGFONTW& font) : font_(font) {}
     [[nodiscard]] const LOGFONTW& description() const { return font_; }

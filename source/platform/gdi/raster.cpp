@@ -24,7 +24,7 @@ void store(BYTE* to, DWORD value) {
 DWORD combine(BYTE rop, DWORD pattern, DWORD source, DWORD destination) {
     DWORD out = 0;
     for (unsigned int k = 0; k < 8; ++k) {
-        if (((rop >> k) & 1U) == 0) continue;
+        if (((DWORD{rop} >> k) & 1U) == 0) continue;
         out |= ((k & 4U) != 0 ? pattern : ~pattern) & ((k & 2U) != 0 ? source : ~source) &
                ((k & 1U) != 0 ? destination : ~destination);
     }

@@ -1,0 +1,116 @@
+#include "dicom_overlays.h"
+
+#include "dicom_geometry.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace zolview {
+
+namespace {
+
+/// Overlay Data as bytes, lowest bit first, whatever the data set declares it to be.
+std::vector<unsigned char> overlayBytes(DcmItem& dataset, const DcmTagKey& tag) {
+    DcmElement* element = nullptr;
+    if (dataset.findAndGetElement(tag, element).bad() || element == nullptr) return {};
+    const std::size_t length = element->getLength();
+    Uint8* bytes = nullptr;
+    if (element->ident() == EVR_OB && element->getUint8Array(bytes).good() && bytes != nullptr)
+        return {bytes, bytes + length};
+    Uint16* words = nullptr;
+    std::vector<unsigned char> out;
+    if (element->getUint16Array(words).good() && words != nullptr) {
+        for (std::size_t i = 0; i < length / 2; ++i) {
+            out.push_back(static_cast<unsigned char>(words[i] & 0xFF));
+            out.push_back(static_cast<unsigned char>(words[i] >> 8));
+        }
+    }
+    return out;
+}
+
+class GroupReader {
+public:
+    GroupReader(StoredImage& image, DcmItem& dataset, std::span<const std::uint16_t> words, const PixelFormat& format)
+        : image_(image), dataset_(dataset), attributes_(dataset), words_(words), format_(format) {}
+
+    void read(std::uint16_t group) {
+        group_ = group;
+        if (!attributes_.has(tag(0x0010)) && !attributes_.has(tag(0x0100))) return;
+        const PlaneKind kind = attributes_.text(tag(0x0040)) == "R" ? PlaneKind::RegionOfInterest : PlaneKind::Graphics;
+        if (dataset_.tagExists(tag(0x3000))) {
+            readSeparate(kind);
+        } else {
+            readEmbedded(kind);
+        }
+    }
+
+private:
+    [[nodiscard]] DcmTagKey tag(std::uint16_t element) const { return {group_, element}; }
+
+    void note(const std::string& what) {
+        constexpr std::string_view digits = "0123456789ABCDEF";
+        std::string name = "60";
+        name += digits[(group_ >> 4) & 15];
+        name += digits[group_ & 15];
+        image_.notes.push_back("overlay " + name + " " + what);
+    }
+
+    void readSeparate(PlaneKind kind) {
+        const int rows = attributes_.count(tag(0x0010));
+        const int columns = attributes_.count(tag(0x0011));
+        if (rows == 0 || columns == 0) return note("has no rows or no columns; not drawn");
+        // A plane of several frames belongs to the image frames from its Image Frame Origin on; we show frame 1.
+        if (attributes_.number(tag(0x0051)).value_or(1.0) > 1.0) return note("belongs to a later frame; not drawn");
+
+        std::vector<double> origin = attributes_.numbers(tag(0x0050));
+        if (origin.size() < 2) {
+            note("has no origin; taken as 1\\1");
+            origin = {1.0, 1.0};
+        }
+        const std::vector<unsigned char> bytes = overlayBytes(dataset_, tag(0x3000));
+        if (bytes.size() * 8 < static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns))
+            note("is shorter than its rows and columns need; the missing part is empty");
+        std::optional<OverlayPlane> plane =
+            placePlane(fromRowColumn(origin[0], origin[1]), rows, columns, bytes, 0, image_.width, image_.height);
+        if (!plane) return note("lies outside the image");
+        plane->kind = kind;
+        image_.overlays.push_back(std::move(*plane));
+    }
+
+    void readEmbedded(PlaneKind kind) {
+        const int bit = attributes_.count(tag(0x0102));
+        if (bit >= format_.bitsAllocated || ((format_.valueBits() >> bit) & 1) != 0)
+            return note("is said to be in bit " + std::to_string(bit) + " of the pixels, which is not free; not drawn");
+        if (bit >= 12) {
+            image_.embedded.push_back({bit, kind});
+            return;
+        }
+        OverlayPlane plane = extractPlane(words_, bit, image_.width, image_.height);
+        plane.kind = kind;
+        image_.overlays.push_back(std::move(plane));
+    }
+
+    StoredImage& image_;
+    DcmItem& dataset_;
+    Attributes attributes_;
+    std::span<const std::uint16_t> words_;
+    PixelFormat format_;
+    std::uint16_t group_ = 0;
+};
+
+}  // namespace
+
+void readOverlays(StoredImage& image, DcmItem& dataset, std::span<const std::uint16_t> words,
+                  const PixelFormat& format) {
+    GroupReader reader(image, dataset, words, format);
+    for (int group = 0x6000; group <= 0x601E; group += 2) reader.read(static_cast<std::uint16_t>(group));
+}
+
+std::uint16_t embeddedBits(const StoredImage& image) {
+    unsigned int bits = 0;
+    for (const EmbeddedPlane& plane : image.embedded) bits |= 1U << plane.bit;
+    return static_cast<std::uint16_t>(bits);
+}
+
+}  // namespace zolview

@@ -1,0 +1,144 @@
+#include "input.h"
+#include "png_output.h"
+#include "render.h"
+#include "render_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+
+namespace {
+
+using namespace zolview;
+
+constexpr int exitRefused = 1;
+constexpr int exitUsage = 2;
+
+constexpr const char* description = R"(zolview shows medical images: a DICOM file in, a PNG picture out.
+
+INPUT is a DICOM file (grey, up to 12 significant bits; uncompressed, RLE, JPEG or JPEG-LS; of several
+frames the first) or the word 'phantom', a built-in test picture that needs no file.
+
+  zolview render phantom -o phantom.png
+  zolview render ct.dcm -o bone.png --window 300/1500 --size 1024x1024
+  zolview render chest.dcm -o part.png --zoom 3 --pan -200,100
+  zolview info ct.dcm)";
+
+constexpr const char* footer = R"(The view is made in this order: flip, rotate, zoom, pan.
+
+Exit status: 0 done, 1 the input cannot be shown or the picture not written, 2 wrong usage.)";
+
+/// Adds an option whose text `parse` turns into a value or refuses; `expected` tells what would have been right.
+template <typename Parse, typename Store>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
+                       const std::string& expected, Parse parse, Store store) {
+    return command
+        .add_option_function<std::string>(
+            name,
+            [name, expected, parse, store](const std::string& text) {
+                const auto value = parse(text);
+                if (!value) throw CLI::ValidationError(name, "must be " + expected + ", not '" + text + "'");
+                store(*value);
+            },
+            help)
+        ->type_name(unit);
+}
+
+void addViewOptions(CLI::App& command, RenderOptions& options) {
+    addParsed(command, "--size", "Size of the picture (default: the image's own, at most 2048 on the longer side)",
+              "WIDTHxHEIGHT",
+              "WIDTHxHEIGHT with sides from 1 to " + std::to_string(maxSide) + " and at most " +
+                  std::to_string(maxPixels) + " pixels in all",
+              parseSize, [&options](Size size) { options.size = size; });
+    addParsed(command, "--window",
+              "Values around CENTRE, WIDTH of them, spread from black to white, in the image's output units such as HU "
+              "(default: the file's first window, or else all values)",
+              "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers, the width 1 or more", parseWindow,
+              [&options](Window window) { options.window = window; });
+    addParsed(
+        command, "--zoom", "Magnification; 1 (the default) shows the whole image", "FACTOR",
+        "a number from 0.001 to 1000", [](const std::string& text) { return parseNumber(text, minZoom, maxZoom); },
+        [&options](double zoom) { options.zoom = zoom; });
+    addParsed(command, "--pan", "Move the image by so many pixels of the picture, right and down", "X,Y",
+              "X,Y, two numbers from -1000000 to 1000000", parsePan, [&options](Pan pan) { options.pan = pan; });
+    addParsed(
+        command, "--rotate", "Turn the image clockwise", "DEGREES", "a number of degrees from -1000000 to 1000000",
+        [](const std::string& text) { return parseNumber(text, -maxDegrees, maxDegrees); },
+        [&options](double degrees) { options.degrees = degrees; });
+    command
+        .add_option_function<std::string>(
+            "--flip",
+            [&options](const std::string& side) { options.flip = side == "h" ? Flip::Horizontal : Flip::Vertical; },
+            "Mirror the image: h exchanges left and right, v top and bottom")
+        ->check(CLI::IsMember({"h", "v"}))
+        ->type_name("h|v");
+    command.add_flag("--invert", options.invert, "Exchange black and white");
+    command.add_flag("!--no-overlays", options.overlays, "Leave the image's overlay planes out");
+    command.add_flag("!--no-shutters", options.shutters, "Show what the image's shutters hide");
+    command
+        .add_option("--background", options.background,
+                    "Grey of what lies outside the image, 0 (the default, black) to 255")
+        ->check(CLI::Range(0, 255))
+        ->type_name("GREY");
+}
+
+void renderToFile(const std::string& input, const std::string& output, const RenderOptions& options) {
+    const StoredImage image = loadInput(input);
+    std::vector<std::string> notes = image.notes;
+    const Picture picture = render(image, options, notes);
+    for (const std::string& note : notes) std::cerr << "zolview: " << input << ": " << note << '\n';
+    writePng(picture, output);
+}
+
+/// One line, whatever the message.
+int fail(int status, std::string message) {
+    for (char& c : message)
+        if (c == '\n' || c == '\r') c = ' ';
+    std::cerr << "zolview: " << message << '\n';
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::string input;
+    std::string output;
+    RenderOptions options;
+
+    CLI::App app(description, "zolview");
+    app.set_version_flag("--version", "zolview " ZOLVIEW_VERSION);
+    app.require_subcommand(1);
+    app.footer(footer);
+    CLI::App& renderCommand = *app.add_subcommand("render", "Show the image in a PNG file");
+    CLI::App& infoCommand = *app.add_subcommand("info", "Tell what the input contains and whether it can be shown");
+    for (CLI::App* const command : {&renderCommand, &infoCommand})
+        command->add_option("INPUT", input, "A DICOM file, or the word phantom")->required()->type_name("");
+    renderCommand.add_option("-o,--output", output, "The PNG file to write")->required()->type_name("OUT.png");
+    renderCommand.footer(footer);
+    addViewOptions(renderCommand, options);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+        return fail(exitUsage, std::string(error.what()) + " (zolview --help tells more)");
+    }
+
+    try {
+        if (renderCommand.parsed()) {
+            renderToFile(input, output, options);
+        } else {
+            std::cout << describeInput(input);
+        }
+    } catch (const Refusal& refusal) {
+        return fail(exitRefused, input + ": " + refusal.what());
+    } catch (const std::bad_alloc&) {
+        return fail(exitRefused, input + ": not enough memory");
+    } catch (const std::exception& error) {
+        return fail(exitRefused, input + ": " + error.what());
+    }
+    return 0;
+}

@@ -1,0 +1,113 @@
+#include "raster_setup.h"
+
+#include "zolcs/ccsimageutils.h"
+#include "zolcs/imagelock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace zolview {
+
+namespace {
+
+unsigned int colourOf(PlaneKind kind) { return kind == PlaneKind::Graphics ? graphicsColour : regionColour; }
+
+std::vector<CPoint> toVertices(const std::vector<Point>& polygon) {
+    std::vector<CPoint> vertices;
+    for (const Point& point : polygon) vertices.emplace_back(point.x, point.y);
+    return vertices;
+}
+
+/// The radius counts columns: where pixels are so far from square that it comes to another number of rows, the circle
+/// is an ellipse of pixels, which the raster's own circular shutter is not.
+bool isEllipse(const StoredImage& image) {
+    const auto& circle = image.shutters.circle;
+    return circle && std::lround(circle->radius / image.ratioYx) != circle->radius;
+}
+
+/// A set bit for each pixel outside any of the shutters.
+BitPlane hiddenPixels(const StoredImage& image) {
+    const Shutters& shutters = image.shutters;
+    const std::vector<CPoint> vertices = toVertices(shutters.polygon);
+    BitPlane hidden(image.width, image.height);
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            bool visible = true;
+            if (const auto& r = shutters.rectangle)
+                visible = x >= r->left && x <= r->right && y >= r->top && y <= r->bottom;
+            if (const auto& c = shutters.circle)
+                visible = visible && std::hypot(x - c->centre.x, (y - c->centre.y) * image.ratioYx) <= c->radius;
+            if (!vertices.empty()) visible = visible && CCsImageUtils::isPointInsidePolygon(vertices, x, y);
+            if (!visible) hidden.set(x, y);
+        }
+    }
+    return hidden;
+}
+
+}  // namespace
+
+RasterSetup::RasterSetup(const StoredImage& image, bool withShutters, bool withOverlays)
+    : raster_(image.width, image.height, CCS_GREY12, image.ratioYx, true, false), padding_(image.padding) {
+    copySamples(image);
+    if (withShutters) setShutters(image);
+    if (withOverlays) setOverlays(image);
+}
+
+void RasterSetup::copySamples(const StoredImage& image) {
+    const zolcs::ImageLock lock(raster_);
+    if (lock.origin() == nullptr) throw Refusal("not enough memory");
+    auto* line = reinterpret_cast<std::uint16_t*>(lock.origin());
+    auto sample = image.samples.begin();
+    for (int y = 0; y < image.height; ++y, sample += image.width, line += raster_.getPitch())
+        std::copy_n(sample, image.width, line);
+}
+
+void RasterSetup::setShutters(const StoredImage& image) {
+    const Shutters& shutters = image.shutters;
+    raster_.setPresentationShutterValue(shutters.presentationValue);
+    if (isEllipse(image)) {
+        hidden_ = hiddenPixels(image);
+        CCsBitmapShutterInfo info;
+        info.tag = 1;
+        info.originX = 1;
+        info.originY = 1;
+        info.rows = static_cast<std::uint16_t>(image.height);
+        info.columns = static_cast<std::uint16_t>(image.width);
+        info.data = hidden_.data();
+        info.presentationValue = shutters.presentationValue;
+        raster_.setBitmapShutterInfo(info);
+        return;
+    }
+    if (const auto& r = shutters.rectangle) raster_.setRectShutter({r->left, r->top, r->right, r->bottom});
+    if (const auto& c = shutters.circle)
+        raster_.setCircShutter(
+            {c->centre.x - c->radius, c->centre.y - c->radius, c->centre.x + c->radius, c->centre.y + c->radius});
+    if (!shutters.polygon.empty()) raster_.setPolygonalShutter(toVertices(shutters.polygon));
+}
+
+void RasterSetup::setOverlays(const StoredImage& image) {
+    planes_ = image.overlays;
+    for (std::size_t i = 0; i < planes_.size(); ++i) {
+        OverlayPlane& plane = planes_[i];
+        CCs60XXOverlay record;
+        // The library counts the columns and rows of a plane's origin from 1.
+        record.originX = plane.origin.x + 1;
+        record.originY = plane.origin.y + 1;
+        record.rows = static_cast<std::uint16_t>(plane.bits.height());
+        record.columns = static_cast<std::uint16_t>(plane.bits.width());
+        record.data = plane.bits.data();
+        raster_.add60XXOverlayInfo(record);
+        planeColours_[std::min(i, planeColours_.size() - 1)] = colourOf(plane.kind);
+    }
+
+    // Where planes overlap, graphics lie on top.
+    raster_.setEmbeddedOverlayStatus(!image.embedded.empty());
+    for (const PlaneKind kind : {PlaneKind::RegionOfInterest, PlaneKind::Graphics})
+        for (const EmbeddedPlane& plane : image.embedded)
+            for (unsigned int bits = 0; bits < embeddedColours_.size(); ++bits)
+                if (plane.kind == kind && ((bits >> (plane.bit - 12)) & 1U) != 0)
+                    embeddedColours_[bits] = colourOf(kind);
+}
+
+}  // namespace zolview

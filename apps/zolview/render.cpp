@@ -1,0 +1,165 @@
+#include "render.h"
+
+#include "host_window.h"
+#include "raster_setup.h"
+#include "report_log.h"
+#include "windowing.h"
+#include "zolcs/ccs2dtrafo.h"
+#include "zolcs/ccscolorman.h"
+#include "zolcs/ccsframe.h"
+#include "zolcs/ccsmap.h"
+#include "zolcs/ccsnearest.h"
+#include "zolcs/imagelock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+
+namespace zolview {
+
+namespace {
+
+/// As the resampler writes background: a blue of 1 is neither a grey nor the colour of an overlay.
+constexpr unsigned char marker = 1;
+
+bool isQuarterTurn(double degrees) {
+    const double turn = std::fmod(std::abs(degrees), 180.0);
+    return std::abs(turn - 90.0) < 1.0;
+}
+
+RasterWindow chooseWindow(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes) {
+    const std::optional<Window> window = options.window ? options.window : image.window;
+    if (!window && image.needsWindow)
+        throw Refusal(
+            "needs a VOI LUT Sequence, which zolview cannot apply yet; --window CENTRE/WIDTH shows it without");
+    if (!window) return fullRange(image);
+    const RasterWindow chosen = toRasterWindow(image, *window, image.function);
+    if (chosen.sigmoidReplaced)
+        notes.emplace_back("the sigmoid window lies beyond the stored values; shown as a straight line");
+    return chosen;
+}
+
+/// The view in its documented order: flip, rotate, zoom, pan.
+CCs2dTrafo makeView(const CCsRaster& raster, const CCsFrame& frame, const RenderOptions& options) {
+    CCs2dTrafo view;
+    view.setSizes(raster, frame);
+    if (options.flip == Flip::Horizontal) view.mirror(CCS_HORIZONTAL);
+    if (options.flip == Flip::Vertical) view.mirror(CCS_VERTICAL);
+    // x grows right and y down, so that a positive angle turns clockwise on the screen.
+    view.rotate(std::fmod(options.degrees, 360.0));
+
+    if (options.zoom != 1.0) {
+        // After a quarter turn the transformation fits the turned image at scale 1 and the upright one at all other
+        // scales. A magnification must start from what zoom 1 shows, so the fit is taken out here.
+        double fit = 1.0;
+        double zoomed = 1.0;
+        view.getDspScaleFactor(fit);
+        view.setFitIntoSegementMode(false);
+        view.scale2dMatrix(options.zoom);
+        view.getDspScaleFactor(zoomed);
+        view.scale2dMatrix(fit * options.zoom / zoomed);
+    }
+
+    // Pan factors count reference extents; how many pixels one of them is shows in the matrix.
+    double a = 0.0, b = 0.0, c = 0.0, d = 0.0, e = 0.0, f = 0.0, eOne = 0.0, fOne = 0.0;
+    view.getImgToDsp(a, b, c, d, e, f);
+    view.setDspPanFactor(1.0, 1.0);
+    view.getImgToDsp(a, b, c, d, eOne, fOne);
+    view.setDspPanFactor(options.pan.x / (eOne - e), options.pan.y / (fOne - f));
+    return view;
+}
+
+std::unique_ptr<IGreyMap> makeMap(const RasterWindow& window, CCsColorMapT& palette, RasterSetup& setup) {
+    std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Grey12));
+    auto* const grey = dynamic_cast<IGreyMap*>(map.get());
+    if (grey == nullptr) throw Refusal("not enough memory");
+    std::unique_ptr<IGreyMap> out(grey);
+    static_cast<void>(map.release());
+    if (window.sigmoid) out->enableSigmoid();
+    out->setOverlayColors(setup.embeddedColours(), setup.planeColours());
+    out->setColorMapIndex(&palette);
+    out->setWindow(static_cast<unsigned int>(window.centre), window.width);
+    return out;
+}
+
+/// One value for each pixel of the frame: whether the resampler took it for background.
+std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, IMap& map) {
+    CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, nullptr, marker);
+    ReportLog::check();
+    std::vector<bool> out;
+    const zolcs::ImageLock lock(frame);
+    const auto* line = reinterpret_cast<const std::uint32_t*>(lock.origin());
+    for (int y = 0; y < frame.getHeight(); ++y, line += frame.getPitch())
+        for (int x = 0; x < frame.getWidth(); ++x) out.push_back(line[x] == marker);
+    return out;
+}
+
+void fillBackground(CCsFrame& frame, const std::vector<bool>& background, int grey) {
+    const zolcs::ImageLock lock(frame);
+    auto* line = reinterpret_cast<std::uint32_t*>(lock.origin());
+    auto isBackground = background.begin();
+    for (int y = 0; y < frame.getHeight(); ++y, line += frame.getPitch())
+        for (int x = 0; x < frame.getWidth(); ++x)
+            if (*isBackground++) line[x] = static_cast<std::uint32_t>(grey) * 0x010101U;
+}
+
+/// The resampler writes its background byte into the blue of a pixel and gives the same one to padding, which must stay
+/// black. So black is the only background that it is asked for; another grey goes where a run without padding finds
+/// background.
+void resample(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IMap& map, int background) {
+    std::vector<bool> outside;
+    if (background != 0) outside = findBackground(setup.raster(), frame, view, map);
+    CCsNearest().nearestGrey12IndexMap(setup.raster(), frame, view, &map, setup.padding(), 0);
+    ReportLog::check();
+    if (background != 0) fillBackground(frame, outside, background);
+}
+
+void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window) {
+    const HDC dc = GetDC(window);
+    const int painted = frame.paint(dc, nullptr, &view, 0, -1, -1, -1, -1, nullptr, 0, nullptr, nullptr);
+    ReleaseDC(window, dc);
+    ReportLog::check();
+    if (painted != 255) throw Refusal("the picture could not be painted");
+}
+
+}  // namespace
+
+Size defaultSize(const StoredImage& image, double degrees) {
+    constexpr double longest = 2048.0;
+    double width = image.width * std::max(1.0 / image.ratioYx, 1.0);
+    double height = image.height * std::max(image.ratioYx, 1.0);
+    if (isQuarterTurn(degrees)) std::swap(width, height);
+    const double shrink = std::min(longest / std::max(width, height), 1.0);
+    const auto whole = [shrink](double side) { return std::max(static_cast<int>(std::lround(side * shrink)), 1); };
+    return {whole(width), whole(height)};
+}
+
+Picture render(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes) {
+    const RasterWindow window = chooseWindow(image, options, notes);
+    const Size size = options.size.value_or(defaultSize(image, options.degrees));
+    const ReportLog reports;
+    try {
+        RasterSetup setup(image, options.shutters, options.overlays);
+        HostWindow host(size.width, size.height);
+        CCsFrame frame(host.handle(), size.width, size.height, 0, 0);
+        CCs2dTrafo view = makeView(setup.raster(), frame, options);
+
+        CCsColorMan palette;
+        if (image.inverted != (window.reversed != options.invert)) palette.invertPalette();
+        CCsColorMapT colours;
+        palette.getColorMap(colours);
+        const std::unique_ptr<IGreyMap> map = makeMap(window, colours, setup);
+
+        resample(setup, frame, view, *map, options.background);
+        paint(frame, view, host.handle());
+        return host.takePicture();
+    } catch (int) {
+        // Rasters and frames throw a number when they cannot get their memory.
+        throw Refusal("not enough memory for an image of " + std::to_string(image.width) + " x " +
+                      std::to_string(image.height) + " and a picture of " + std::to_string(size.width) + " x " +
+                      std::to_string(size.height) + " pixels");
+    }
+}
+
+}  // namespace zolview

@@ -1,0 +1,62 @@
+// What a picture is to look like, as asked for on the command line.
+#pragma once
+
+#include "stored_image.h"
+
+#include <optional>
+#include <string>
+
+namespace zolview {
+
+struct Size {
+    int width = 0;
+    int height = 0;
+    bool operator==(const Size&) const = default;
+};
+
+struct Pan {
+    double x = 0.0;
+    double y = 0.0;
+    bool operator==(const Pan&) const = default;
+};
+
+enum class Flip { None, Horizontal, Vertical };
+
+inline constexpr double minZoom = 0.001;
+inline constexpr double maxZoom = 1000.0;
+inline constexpr double maxPan = 1e6;
+inline constexpr double maxDegrees = 1e6;
+
+/// The view's steps in their order: flip, rotate, zoom, pan.
+struct RenderOptions {
+    /// The picture's size; without one, the image's own.
+    std::optional<Size> size;
+    /// In output units, in place of the file's.
+    std::optional<Window> window;
+    Flip flip = Flip::None;
+    /// Clockwise.
+    double degrees = 0.0;
+    /// 1 fits the whole image into the picture.
+    double zoom = 1.0;
+    /// Pixels of the picture, to the right and down.
+    Pan pan;
+    bool invert = false;
+    bool overlays = true;
+    bool shutters = true;
+    /// Grey of what lies outside the image, 0 to 255.
+    int background = 0;
+};
+
+/// "WxH", whole numbers from 1 to 32767 with no more than maxPixels together; null for anything else.
+std::optional<Size> parseSize(const std::string& text);
+
+/// "CENTRE/WIDTH", the width at least 1; null for anything else.
+std::optional<Window> parseWindow(const std::string& text);
+
+/// "X,Y", each from -maxPan to maxPan; null for anything else.
+std::optional<Pan> parsePan(const std::string& text);
+
+/// A number from `low` to `high`; null for anything else.
+std::optional<double> parseNumber(const std::string& text, double low, double high);
+
+}  // namespace zolview

@@ -1,0 +1,40 @@
+// From the words of Pixel Data to the raster's 12-bit levels.
+#pragma once
+
+#include "stored_image.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace zolview {
+
+/// Where a stored value lies in its word.
+struct PixelFormat {
+    int bitsAllocated = 16;
+    int bitsStored = 12;
+    int highBit = 11;
+    bool isSigned = false;
+
+    /// The value's own bits in the word.
+    [[nodiscard]] std::uint16_t valueBits() const;
+    /// The stored value in `word`, sign-extended; the word's other bits do not matter.
+    [[nodiscard]] int value(std::uint16_t word) const;
+};
+
+/// Stored values, both ends included, that mark pixels which are no part of the picture.
+struct PaddingRange {
+    int low = 0;
+    int high = 0;
+};
+
+/// Fills samples, lowest, minLevel, maxLevel and padding of an image whose width and height are set; `words` holds
+/// width * height words. Up to 12 bits stored, every storable value has a level; above, the values that occur must fit,
+/// padding aside. `embeddedBits` are carried over into the samples (bits 12 to 15). Refuses what needs more levels.
+void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
+                    std::optional<PaddingRange> padding, std::uint16_t embeddedBits);
+
+/// Bit `bit` of every word as a plane of the image's size.
+OverlayPlane extractPlane(std::span<const std::uint16_t> words, int bit, int width, int height);
+
+}  // namespace zolview

@@ -1,0 +1,228 @@
+// The program as its users meet it: exit status, messages, files.
+#include "dicom_writer.h"
+#include "read_png.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using zoltest::DicomWriter;
+using zoltest::TemporaryFolder;
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string contents(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+class Program : public ::testing::Test {
+protected:
+    /// Runs zolview with these arguments, as a shell would split them.
+    Outcome run(const std::string& arguments) {
+        const std::string command =
+            "'" ZOLVIEW_PROGRAM "' " + arguments + " >'" + file("out") + "' 2>'" + file("err") + "'";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(file("out")), contents(file("err"))};
+    }
+    Outcome render(const std::string& arguments) { return run("render " + arguments + " -o '" + file("p.png") + "'"); }
+    std::string file(const std::string& name) { return folder_.file(name); }
+    [[nodiscard]] bool hasPicture() { return std::filesystem::exists(file("p.png")); }
+
+    TemporaryFolder folder_;
+};
+
+/// One line that starts with the program's name.
+void expectOnePlainLine(const std::string& text) {
+    EXPECT_TRUE(text.starts_with("zolview: ")) << text;
+    ASSERT_FALSE(text.empty());
+    EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+}
+
+TEST_F(Program, RendersThePhantom) {
+    const Outcome outcome = render("phantom");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+    const zoltest::PngFile png = zoltest::readPng(file("p.png"));
+    EXPECT_TRUE(png.colour);
+    EXPECT_EQ(png.picture.width, 640);
+    EXPECT_EQ(png.picture.height, 512);
+}
+
+TEST_F(Program, WritesGreyFilesForGreyPictures) {
+    EXPECT_EQ(render("phantom --no-overlays").status, 0);
+    EXPECT_FALSE(zoltest::readPng(file("p.png")).colour);
+}
+
+TEST_F(Program, TakesAllOptionsTogether) {
+    const Outcome outcome = render(
+        "phantom --size 300x200 --window 1500/1000 --zoom 1.6 --pan -10,20 --rotate -30 --flip h --invert "
+        "--no-overlays "
+        "--no-shutters --background 40");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const zolview::Picture picture = zoltest::readPng(file("p.png")).picture;
+    EXPECT_EQ(picture.width, 300);
+    EXPECT_EQ(picture.height, 200);
+    EXPECT_EQ(picture.at(0, 0), 0x282828U);
+}
+
+TEST_F(Program, TheSameCommandMakesTheSameFile) {
+    ASSERT_EQ(render("phantom --zoom 1.3 --rotate 17").status, 0);
+    const std::string first = contents(file("p.png"));
+    ASSERT_EQ(render("phantom --zoom 1.3 --rotate 17").status, 0);
+    EXPECT_EQ(first, contents(file("p.png")));
+}
+
+TEST_F(Program, HelpAndVersion) {
+    for (const char* arguments : {"--help", "render --help", "info --help"}) {
+        const Outcome help = run(arguments);
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.err, "");
+        EXPECT_NE(help.out.find("INPUT"), std::string::npos);
+    }
+    for (const char* option : {"--size", "--window", "--zoom", "--pan", "--rotate", "--flip", "--invert",
+                               "--no-overlays", "--no-shutters", "--background", "--output"})
+        EXPECT_NE(run("render --help").out.find(option), std::string::npos) << option;
+    const Outcome version = run("--version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(version.out.starts_with("zolview "));
+}
+
+TEST_F(Program, WrongUsageEndsWithTwoAndOneLine) {
+    for (const char* arguments :
+         {"", "render", "render phantom", "frobnicate", "info", "render phantom -o", "render phantom -o a.png -o b.png",
+          "render phantom extra -o p.png", "info phantom --zoom 2", "render phantom -o p.png --frobnicate"}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        EXPECT_EQ(outcome.out, "") << arguments;
+        expectOnePlainLine(outcome.err);
+    }
+}
+
+TEST_F(Program, WrongValuesEndWithTwoAndSayWhatIsRight) {
+    for (const char* arguments : {"--size 0x0",
+                                  "--size 0x10",
+                                  "--size -5x10",
+                                  "--size 32768x1",
+                                  "--size 1x32768",
+                                  "--size 32767x32767",
+                                  "--size 99999999999999999999x1",
+                                  "--size 640",
+                                  "--size axb",
+                                  "--window 40/0",
+                                  "--window 40/-1",
+                                  "--window 40/0.5",
+                                  "--window 40",
+                                  "--window nan/nan",
+                                  "--zoom 0",
+                                  "--zoom -1",
+                                  "--zoom 1e308",
+                                  "--zoom nan",
+                                  "--pan 1e30,0",
+                                  "--pan 5",
+                                  "--pan inf,inf",
+                                  "--rotate right",
+                                  "--rotate inf",
+                                  "--flip x",
+                                  "--flip H",
+                                  "--background -1",
+                                  "--background 256",
+                                  "--background grey"}) {
+        const Outcome outcome = render(std::string("phantom ") + arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        expectOnePlainLine(outcome.err);
+        const std::string option = std::string(arguments).substr(0, std::string(arguments).find(' '));
+        EXPECT_NE(outcome.err.find(option), std::string::npos) << outcome.err;
+        EXPECT_FALSE(hasPicture()) << arguments;
+    }
+    EXPECT_EQ(
+        render("phantom --size 0x0").err,
+        "zolview: --size: must be WIDTHxHEIGHT with sides from 1 to 32767 and at most 67108864 pixels in all, not "
+        "'0x0' (zolview --help tells more)\n");
+}
+
+TEST_F(Program, RefusesWhatItCannotShow) {
+    const Outcome missing = render("nowhere.dcm");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "zolview: nowhere.dcm: there is no such file\n");
+
+    DicomWriter colour(2, 2);
+    colour.word(DCM_SamplesPerPixel, 3).put(DCM_PhotometricInterpretation, "RGB");
+    const std::string path = colour.save(folder_);
+    const Outcome refused = render("'" + path + "'");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_EQ(refused.err, "zolview: " + path + ": is a colour image (RGB), which zolview cannot show yet\n");
+    EXPECT_FALSE(hasPicture());
+}
+
+TEST_F(Program, RefusesToWriteWhereItCannot) {
+    const Outcome outcome = run("render phantom -o '" + file("missing/p.png") + "'");
+    EXPECT_EQ(outcome.status, 1);
+    expectOnePlainLine(outcome.err);
+    EXPECT_NE(outcome.err.find("No such file or directory"), std::string::npos);
+}
+
+TEST_F(Program, SaysWhatItFoundOddAndShowsThePicture) {
+    DicomWriter writer(2, 2);
+    writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "0");
+    const std::string path = writer.save(folder_);
+    const Outcome outcome = render("'" + path + "'");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "zolview: " + path +
+                               ": the file's window has a width of 0; shown with the full range of values instead\n");
+    EXPECT_TRUE(hasPicture());
+}
+
+TEST_F(Program, InfoTellsAboutAnImage) {
+    DicomWriter writer(3, 2);
+    writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "400").put(DCM_RescaleIntercept, "-1000");
+    writer.put(DCM_PatientName, "Somebody");
+    const Outcome outcome = run("info '" + writer.save(folder_) + "'");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "object: SecondaryCaptureImageStorage\n"
+              "transfer syntax: Little Endian Explicit\n"
+              "size: 3 x 2\n"
+              "photometric: MONOCHROME2\n"
+              "bits: 12 stored in 16, unsigned\n"
+              "values: stored 0 to 0, output -1000 to -1000\n"
+              "pixel height to width: 1\n"
+              "window: centre 40, width 400\n"
+              "low values: black\n");
+}
+
+TEST_F(Program, InfoTellsWhyAnImageCannotBeShown) {
+    DicomWriter writer(2, 2);
+    writer.put(DCM_PhotometricInterpretation, "PALETTE COLOR");
+    const Outcome outcome = run("info '" + writer.save(folder_) + "'");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find("\nzolview cannot show it: is a colour image (PALETTE COLOR), which"),
+              std::string::npos);
+}
+
+TEST_F(Program, InfoTellsAboutThePhantom) {
+    const Outcome outcome = run("info phantom");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.out.starts_with("object: the built-in phantom\nsize: 640 x 512\n"));
+}
+
+TEST_F(Program, InfoRefusesWhatIsNoDicom) {
+    std::ofstream(file("note.txt")) << "not an image\n";
+    const Outcome outcome = run("info '" + file("note.txt") + "'");
+    EXPECT_EQ(outcome.status, 1);
+    expectOnePlainLine(outcome.err);
+}
+
+}  // namespace

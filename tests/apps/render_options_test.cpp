@@ -1,0 +1,46 @@
+#include "zolview/render_options.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace zolview;
+
+TEST(RenderOptions, SizeTakesTwoWholeNumbers) {
+    EXPECT_EQ(parseSize("640x480"), (Size{640, 480}));
+    EXPECT_EQ(parseSize("1x1"), (Size{1, 1}));
+    EXPECT_EQ(parseSize("32767x2"), (Size{32767, 2}));
+    EXPECT_EQ(parseSize("8192x8192"), (Size{8192, 8192}));
+}
+
+TEST(RenderOptions, SizeRefusesWhatIsNoSize) {
+    for (const char* text :
+         {"",         "x",        "640",           "640x",      "x480",        "640x480x2", "640X480",
+          " 640x480", "640x480 ", "6.5x4",         "0x480",     "640x0",       "-640x480",  "640x-1",
+          "32768x1",  "1x32768",  "99999999999x1", "8193x8192", "32767x32767", "0x0",       "nanxnan"})
+        EXPECT_EQ(parseSize(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, WindowTakesNumbersWithAWidthOfAtLeastOne) {
+    EXPECT_EQ(parseWindow("40/400"), (Window{40.0, 400.0}));
+    EXPECT_EQ(parseWindow("-600.5/1"), (Window{-600.5, 1.0}));
+    for (const char* text : {"", "40", "40/", "/400", "40/0", "40/0.999", "40/-1", "nan/400", "40/nan", "40/inf",
+                             "inf/40", "1e10/40", "40/1e10", "40/400/3", "forty/400"})
+        EXPECT_EQ(parseWindow(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, PanTakesTwoNumbers) {
+    EXPECT_EQ(parsePan("-10,2.5"), (Pan{-10.0, 2.5}));
+    EXPECT_EQ(parsePan("1000000,-1000000"), (Pan{1e6, -1e6}));
+    for (const char* text : {"", "1", "1,", ",1", "1,2,3", "1000001,0", "0,-1e7", "nan,0", "0,inf"})
+        EXPECT_EQ(parsePan(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, NumberKeepsToItsRange) {
+    EXPECT_EQ(parseNumber("0.001", minZoom, maxZoom), 0.001);
+    EXPECT_EQ(parseNumber("1000", minZoom, maxZoom), 1000.0);
+    for (const char* text : {"", "0", "-1", "0.0009", "1000.1", "1e300", "nan", "inf", "two", "2 "})
+        EXPECT_EQ(parseNumber(text, minZoom, maxZoom), std::nullopt) << text;
+}
+
+}  // namespace
