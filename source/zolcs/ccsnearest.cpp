@@ -179,7 +179,7 @@ void CCsNearest::nearestGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo
     const Checks checks{typesFit && pixelSizesAre(src, dst, 2, 4)};
     resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const Call& call) {
         auto* greyMap = dynamic_cast<IGreyMap*>(map);
-        const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, dst.getWidth());
+        const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, call.stepping);
         const auto table = greyTable(greyMap, src.getType() == CCS_GREY12, rules.embeddedColours());
         drawNearest<std::uint16_t, std::uint32_t>(call, background, GreyTable{table.data()}, rules);
     });

@@ -73,7 +73,8 @@ TEST(BitPlaneTest, ContentOfABoxIsNeverWrong) {
             std::for_each_n(data.get(), (columns * rows + 7) / 8, [](unsigned char& byte) { byte ^= 0xFF; });
         }
         const int firstIndex = random.integer(0, 3);
-        const BitPlane plane(data.get(), left, top, columns, rows, firstIndex);
+        BitPlane plane(data.get(), left, top, columns, rows, firstIndex);
+        if (i % 4 != 0) plane.summarise();
         for (int q = 0; q < 30; ++q) {
             const int x0 = random.integer(-10, columns + 10);
             const int x1 = random.integer(x0, columns + 10);
@@ -102,13 +103,58 @@ TEST(BitPlaneTest, ContentOfABoxIsNeverWrong) {
     EXPECT_GT(all, 100);
 }
 
+TEST(BitPlaneTest, RunsOfARowAreThoseOfItsBits) {
+    zoltest::Random random(13);
+    for (int i = 0; i < 2000; ++i) {
+        const int columns = random.integer(1, 300);
+        const int rows = random.integer(1, 4);
+        const int left = random.integer(-5, 5);
+        const int firstIndex = random.chance(0.8) ? 0 : random.integer(0, 200);
+        const auto data = bytesFor(columns, rows);
+        const double density = random.chance(0.5) ? random.real(0.0, 0.1) : random.real(0.9, 1.0);
+        for (int k = 0; k < columns * rows; ++k) {
+            if (random.chance(density)) setBit(data.get(), k);
+        }
+        const BitPlane plane(data.get(), left, 7, columns, rows, firstIndex);
+        const int y = random.integer(6, 7 + rows);
+        const int from = random.integer(-10, columns + 10);
+        const int to = random.integer(-10, columns + 10);
+        std::vector<std::pair<std::int64_t, std::int64_t>> expected;
+        for (int x = from; x <= to; ++x) {
+            if (!plane.isSet(x, y)) continue;
+            if (!expected.empty() && expected.back().second == x - 1) {
+                expected.back().second = x;
+            } else {
+                expected.emplace_back(x, x);
+            }
+        }
+        std::vector<std::pair<std::int64_t, std::int64_t>> runs;
+        plane.visitRuns(y, from, to, [&](std::int64_t first, std::int64_t last) { runs.emplace_back(first, last); });
+        ASSERT_EQ(runs, expected) << columns << " x " << rows << " from " << from << " to " << to;
+    }
+}
+
+TEST(BitPlaneTest, BlankPlanesOfEverySize) {
+    for (int columns = 1; columns < 150; ++columns) {
+        for (const int rows : {1, 2, 37}) {
+            const auto data = bytesFor(columns, rows);
+            EXPECT_TRUE(BitPlane(data.get(), 0, 0, columns, rows).isBlank());
+            setBit(data.get(), columns * rows - 1);
+            EXPECT_FALSE(BitPlane(data.get(), 0, 0, columns, rows).isBlank());
+        }
+    }
+}
+
 TEST(BitPlaneTest, BitsBelowTheFirstIndexCountAsNotSet) {
     unsigned char data[] = {0xFF, 0xFF};
-    const BitPlane plane(data, 0, 0, 4, 4, 1);
+    BitPlane plane(data, 0, 0, 4, 4, 1);
+    plane.summarise();
     EXPECT_FALSE(plane.isSet(0, 0));
     EXPECT_TRUE(plane.isSet(1, 0));
-    EXPECT_NE(plane.contentOf(0, 0, 3, 3), BitPlane::Content::All);
-    EXPECT_EQ(plane.contentOf(1, 0, 3, 3), BitPlane::Content::All);
+    EXPECT_EQ(plane.contentOf(0, 0, 3, 3), BitPlane::Content::Mixed);
+    std::vector<std::pair<std::int64_t, std::int64_t>> runs;
+    plane.visitRuns(0, 0, 3, [&](std::int64_t first, std::int64_t last) { runs.emplace_back(first, last); });
+    EXPECT_EQ(runs, (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 3}}));
 }
 
 TEST(BitPlaneTest, APlaneWithoutDataIsBlank) {

@@ -63,6 +63,23 @@ std::pair<SourceLine, ColumnRange> randomLine(zoltest::Random& random, int width
     return {line, {span.begin(), span.end()}};
 }
 
+/// A stepping that prepares nothing for the lines of a test.
+zolcs::Stepping obliqueStepping(int width) {
+    return zolcs::makeStepping({0.5, 0.25, -0.25, 0.5, 0.0, 0.0}, 10, 10, width, width);
+}
+
+/// A stepping along the source's rows or columns.
+zolcs::Stepping straightStepping(zoltest::Random& random, int width, int height) {
+    const double along = random.chance(0.1) ? 0.0 : random.real(-3.0, 3.0);
+    const double across = random.real(-3.0, 3.0);
+    const double u = random.real(-0.5, 1.5) * width;
+    const double v = random.real(-0.5, 1.5) * height;
+    const bool quarter = random.chance(0.3);
+    const zolcs::DisplayToImage matrix = quarter ? zolcs::DisplayToImage{0.0, across, along, 0.0, u, v}
+                                                 : zolcs::DisplayToImage{along, 0.0, 0.0, across, u, v};
+    return zolcs::makeStepping(matrix, width, height, random.integer(1, 400), random.integer(1, 400));
+}
+
 TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
     zoltest::Random random(31);
     PixelRuns runs;
@@ -78,16 +95,24 @@ TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
         map.hasGroupColours = random.chance(0.9);
         map.hasPlaneColours = random.chance(0.9);
         IGreyMap* given = random.chance(0.95) ? &map : nullptr;
-        const PixelRules rules = PixelRules::forResampling(*source.raster, given, source.paddingData(), 77, 400);
+        const bool straight = random.chance(0.6);
+        const zolcs::Stepping stepping = straight ? straightStepping(random, width, height) : obliqueStepping(400);
+        const PixelRules rules = PixelRules::forResampling(*source.raster, given, source.paddingData(), 77, stepping);
+        const zolcs::Stepping upright = stepping.isQuarterTurn() ? stepping.transposed() : stepping;
         for (int k = 0; k < 12; ++k) {
-            const auto [line, columns] = randomLine(random, width, height);
+            auto [line, columns] = randomLine(random, width, height);
+            if (straight) {
+                const int y = random.integer(0, upright.height - 1);
+                line = upright.line(y);
+                columns = {upright.span(y).begin(), upright.span(y).end()};
+            }
             rules.cut(line, columns, runs);
             expectWellFormed(runs, columns);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
                     for (const unsigned stored : {0x0123U, 0x5123U}) {
                         const auto expected = zoltest::shownInstead(*source.raster, given, source.paddingData(), 77,
-                                                                    400, line.uAt(x), line.vAt(x), stored);
+                                                                    stepping.width, line.uAt(x), line.vAt(x), stored);
                         ASSERT_EQ(shownBy(rules, run, stored), expected)
                             << "case " << i << " column " << x << " at " << static_cast<double>(line.uAt(x)) / 65536
                             << ", " << static_cast<double>(line.vAt(x)) / 65536 << " seed " << random.seed();
@@ -135,7 +160,7 @@ TEST(PixelRulesTest, APlainRasterHasNoRules) {
     const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, {});
     TableMap map;
     EXPECT_TRUE(PixelRules().isFree());
-    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, nullptr, 0, 20).isFree());
+    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20)).isFree());
     EXPECT_TRUE(PixelRules::forWholeRaster(*source.raster, &map, nullptr).isFree());
 }
 
@@ -151,7 +176,8 @@ TEST(PixelRulesTest, BlankPlanesAndPaddingCostNothing) {
     plane.data = zeroes.data();
     source.raster->add60XXOverlayInfo(plane);
     TableMap map;
-    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, zeroes.data(), 0, 20).positionsAreFree());
+    EXPECT_TRUE(
+        PixelRules::forResampling(*source.raster, &map, zeroes.data(), 0, obliqueStepping(20)).positionsAreFree());
 }
 
 TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
@@ -160,7 +186,7 @@ TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
     choice.embedded = true;
     const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, choice);
     TableMap map;
-    const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, 20);
+    const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20));
     EXPECT_TRUE(rules.positionsAreFree());
     EXPECT_FALSE(rules.isFree());
     EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
@@ -179,7 +205,7 @@ TEST(PixelRulesTest, CirclesAndPolygonsOnVeryLargeSources) {
             source.raster->setPolygonalShutter({CPoint(left + size / 3, -40), CPoint(left + size / 2, 60),
                                                 CPoint(random.integer(0, width), random.integer(-5, 5))});
         }
-        const PixelRules rules = PixelRules::forResampling(*source.raster, nullptr, nullptr, 0, 500);
+        const PixelRules rules = PixelRules::forResampling(*source.raster, nullptr, nullptr, 0, obliqueStepping(500));
         for (int k = 0; k < 20; ++k) {
             // Close to the circle's edge, where the rounding of single precision decides.
             const zolcs::Fixed16 edge = (random.chance(0.5) ? left : left + size) * fixed16One;
@@ -219,8 +245,9 @@ TEST(PixelRulesTest, ExtremeShuttersAreSafe) {
         plane.data = bits;
         source.raster->add60XXOverlayInfo(plane);
         TableMap map;
-        for (const PixelRules& rules : {PixelRules::forResampling(*source.raster, &map, nullptr, 0, 500),
-                                        PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
+        for (const PixelRules& rules :
+             {PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(500)),
+              PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
             for (int y = 0; y < 30; ++y) {
                 rules.cut(PixelRules::wholeRasterLine(y), {1, 30}, runs);
                 expectWellFormed(runs, {1, 30});

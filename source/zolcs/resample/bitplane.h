@@ -3,6 +3,8 @@
 
 #include "zolcs/ccsexport.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -27,7 +29,10 @@ public:
     [[nodiscard]] std::int64_t bottom() const { return top_ + rows_ - 1; }
 
     /// True when no bit is set.
-    [[nodiscard]] bool isBlank() const { return contentOf(left(), top(), right(), bottom()) == Content::None; }
+    [[nodiscard]] bool isBlank() const;
+
+    /// Prepares contentOf, which else cannot tell anything. Worth it for lines that cross many rows of the plane.
+    void summarise();
 
     /// The bit on an image pixel; pixels beside the plane are not set.
     [[nodiscard]] bool isSet(std::int64_t x, std::int64_t y) const {
@@ -37,6 +42,11 @@ public:
         const std::int64_t index = row * columns_ + column;
         return index >= firstIndex_ && (data_[index >> 3] >> (index & 7) & 1) != 0;
     }
+
+    /// Calls visit(first, last) for every run of set bits on the image row y between the columns fromX and toX, both
+    /// inclusive, in ascending order; neighbouring runs are told as one.
+    template <typename Visit>
+    void visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, Visit&& visit) const;
 
     /// What the image box holds; all four bounds are inclusive. Never wrong, but Mixed near the edges of set areas.
     [[nodiscard]] Content contentOf(std::int64_t boxLeft, std::int64_t boxTop, std::int64_t boxRight,
@@ -49,12 +59,15 @@ private:
         std::int32_t full = 0;
     };
 
-    static constexpr int tileShift = 6;
+    static constexpr int tileShift = 4;
     static constexpr std::int64_t tileSize = std::int64_t{1} << tileShift;
+    static constexpr std::int64_t wordBits = 64;
 
-    void summarise();
-    void summariseTileRow(std::int64_t tileRow, std::int64_t tileColumns);
-    [[nodiscard]] std::uint64_t bitsOf(std::int64_t index, std::int64_t count) const;
+    void summariseTileRow(std::int64_t tileRow, std::int64_t words, std::vector<std::uint64_t>& scratch);
+
+    /// `count` (1 to 64) bits from `index` on, the first one lowest. Bits below the first index are 0; nothing beyond
+    /// the plane's last byte is read.
+    [[nodiscard]] std::uint64_t bitsFrom(std::int64_t index, std::int64_t count) const;
 
     const unsigned char* data_ = nullptr;
     std::int64_t left_ = 0;
@@ -62,7 +75,32 @@ private:
     std::int64_t columns_ = 0;
     std::int64_t rows_ = 0;
     std::int64_t firstIndex_ = 0;
-    std::vector<TileSum> sums_;  ///< (tile rows + 1) x (tile columns + 1)
+    std::vector<TileSum> sums_;  ///< (tile rows + 1) x (tile columns + 1); empty until summarised
 };
+
+template <typename Visit>
+void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, Visit&& visit) const {
+    const std::int64_t row = y - top_;
+    if (row < 0 || row >= rows_) return;
+    const std::int64_t end = std::min(toX - left_ + 1, columns_);
+    std::int64_t open = -1;  // the column at which a run has begun
+    for (std::int64_t column = std::max<std::int64_t>(fromX - left_, 0); column < end; column += wordBits) {
+        const std::int64_t count = std::min(wordBits, end - column);
+        std::uint64_t bits = bitsFrom(row * columns_ + column, count);
+        std::int64_t at = 0;
+        while (at < count) {
+            const bool set = (bits & 1) != 0;
+            const int same = std::countr_zero(set ? ~bits : bits);
+            if (set && open < 0) open = column + at;
+            if (!set && open >= 0) {
+                visit(left_ + open, left_ + column + at - 1);
+                open = -1;
+            }
+            at += same;
+            bits = same < wordBits ? bits >> same : 0;
+        }
+    }
+    if (open >= 0) visit(left_ + open, left_ + end - 1);
+}
 
 }  // namespace zolcs

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <cstdlib>
 #include <vector>
 
 namespace zolcs {
@@ -39,8 +39,9 @@ public:
 
     /// In an upright view all lines take the same source columns.
     void prepare(const Stepping& stepping) {
-        forget();
         columnOffsets_.clear();
+        line_.clear();
+        expected_ = {};
         if (!stepping.isUpright()) return;
         columnOffsets_.resize(static_cast<std::size_t>(stepping.width));
         Fixed16 u = stepping.startU;
@@ -49,9 +50,15 @@ public:
             offset = static_cast<std::int32_t>(pixelOf(std::clamp<Fixed16>(u, 0, stepping.limitU)));
             u += stepping.stepXu;
         }
+        // Zoomed in, several lines show one source line.
+        if (std::abs(stepping.stepYv) <= fixed16One / 2) line_.resize(columnOffsets_.size());
     }
 
-    void forget() { written_ = {}; }
+    void expect(ColumnRange columns) {
+        if (columns == expected_) return;
+        expected_ = columns;
+        keptLine_ = -1;
+    }
 
     bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
         if (columnOffsets_.empty()) {
@@ -63,23 +70,21 @@ public:
     }
 
 private:
-    /// The pixels that the last line wrote: the next display line often shows the same source line.
-    struct Written {
-        std::int64_t sourceLine = -1;
-        ColumnRange columns;
-        const Pixel* pixels = nullptr;
-    };
-
     void fillUpright(std::int64_t sourceLine, ColumnRange columns, Pixel* out) {
-        if (sourceLine == written_.sourceLine && written_.columns.begin <= columns.begin &&
-            columns.end <= written_.columns.end) {
-            const Pixel* same = written_.pixels + (columns.begin - written_.columns.begin);
-            if (same != out) std::copy_n(same, columns.end - columns.begin, out);
-        } else {
-            moveSpan(source_.line(sourceLine), columnOffsets_.data() + columns.begin, columns.end - columns.begin,
-                     convert_, out);
+        if (line_.empty()) {
+            moveColumns(sourceLine, columns, out);
+            return;
         }
-        written_ = {sourceLine, columns, out};
+        if (sourceLine != keptLine_) {
+            moveColumns(sourceLine, expected_, line_.data() + expected_.begin);
+            keptLine_ = sourceLine;
+        }
+        std::copy_n(line_.data() + columns.begin, columns.end - columns.begin, out);
+    }
+
+    void moveColumns(std::int64_t sourceLine, ColumnRange columns, Pixel* out) const {
+        moveSpan(source_.line(sourceLine), columnOffsets_.data() + columns.begin, columns.end - columns.begin, convert_,
+                 out);
     }
 
     void fillOblique(const SourceLine& line, ColumnRange columns, Pixel* out) {
@@ -101,7 +106,9 @@ private:
     ImageView<const SourcePixel> source_;
     const Convert& convert_;
     std::vector<std::int32_t> columnOffsets_;
-    Written written_;
+    std::vector<Pixel> line_;  ///< the expected columns of the last source line, where lines repeat
+    std::int64_t keptLine_ = -1;
+    ColumnRange expected_;
 };
 
 }  // namespace zolcs

@@ -55,6 +55,8 @@ void PixelRuns::add(const PixelRun& run) {
     }
 }
 
+void PixelRuns::reverseLayer() { std::reverse(layer_.begin(), layer_.end()); }
+
 void PixelRuns::merge() {
     if (layer_.empty()) return;
     merged_.clear();
@@ -89,7 +91,7 @@ void PixelRuns::merge() {
 }
 
 PixelRules PixelRules::forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
-                                     std::uint32_t background, int displayWidth) {
+                                     std::uint32_t background, const Stepping& stepping) {
     PixelRules rules;
     rules.sourceExtent_ = std::max(source.getWidth(), source.getHeight());
     const std::uint32_t colour = shutterColour(source.getPresentationShutterValue());
@@ -106,16 +108,14 @@ PixelRules PixelRules::forResampling(CCsRaster& source, IGreyMap* map, const uns
         float radius = std::min(side(box.left, box.right), side(box.top, box.bottom)) * 0.5F;
         rules.circle_.centerX = static_cast<double>(box.left + static_cast<std::int64_t>(radius));
         rules.circle_.centerY = static_cast<double>(box.top + static_cast<std::int64_t>(radius));
-        if (radius == 0.0F) radius = static_cast<float>(displayWidth - 1);
+        if (radius == 0.0F) radius = static_cast<float>(stepping.width - 1);
         rules.circle_.radius = radius;
         rules.addShutterGeometry(source, colour);
     } else if (source.isBitmapShutter()) {
-        const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
-        rules.addBits(BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns,
-                               bits.rows),
-                      false, PixelRun::Shows::Covered, colour);
+        rules.addBitmapShutter(source, colour);
     }
     rules.addOverlays(source, map);
+    rules.prepareFor(stepping);
     return rules;
 }
 
@@ -131,16 +131,20 @@ PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const un
                          static_cast<double>(rules.shutter_.circular.center.y), rules.shutter_.circular.radius};
         rules.addShutterGeometry(source, colour);
     }
-    if (source.isBitmapShutter()) {
-        const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
-        rules.addBits(BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns,
-                               bits.rows),
-                      false, PixelRun::Shows::Covered, colour);
-    }
+    if (source.isBitmapShutter()) rules.addBitmapShutter(source, colour);
     rules.addBits(BitPlane(padding, 0, 0, source.getWidth(), source.getHeight(), 1), false, PixelRun::Shows::Covered,
                   0);
     rules.addOverlays(source, map);
+    rules.prepareFor(makeStepping({1.0, 0.0, 0.0, 1.0, -0.5, -0.5}, source.getWidth(), source.getHeight(),
+                                  source.getWidth(), source.getHeight()));
     return rules;
+}
+
+void PixelRules::addBitmapShutter(CCsRaster& source, std::uint32_t colour) {
+    const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
+    addBits(
+        BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns, bits.rows),
+        false, PixelRun::Shows::Covered, colour);
 }
 
 void PixelRules::addOverlays(CCsRaster& source, IGreyMap* map) {
@@ -175,6 +179,44 @@ void PixelRules::addBits(const BitPlane& plane, bool roundedPositions, PixelRun:
     if (!plane.isBlank()) layers_.push_back({Kind::Bits, shows, colour, plane, roundedPositions});
 }
 
+void PixelRules::ColumnLookup::build(const Stepping& upright, bool roundedPositions) {
+    width = upright.width;
+    mirrored = upright.stepXu < 0;
+    // Rounding can reach the column behind the source's last one.
+    const std::int64_t beyond = pixelOf(upright.limitU) + 1;
+    before.assign(static_cast<std::size_t>(beyond) + 1, 0);
+    Fixed16 u = upright.startU;
+    for (int x = 0; x < width; ++x, u += upright.stepXu) {
+        const Fixed16 position = std::clamp<Fixed16>(u, 0, upright.limitU);
+        const std::int64_t column = roundedPositions ? roundedPixel(position) : pixelOf(position);
+        ++before[static_cast<std::size_t>(std::min(column + 1, beyond))];
+    }
+    for (std::size_t c = 1; c < before.size(); ++c) before[c] += before[c - 1];
+}
+
+ColumnRange PixelRules::ColumnLookup::columnsOf(std::int64_t first, std::int64_t last) const {
+    const auto below = [this](std::int64_t column) {
+        return before[static_cast<std::size_t>(std::clamp<std::int64_t>(column, 0, std::ssize(before) - 1))];
+    };
+    const int begin = below(first);
+    const int end = below(last + 1);
+    return mirrored ? ColumnRange{width - end, width - begin} : ColumnRange{begin, end};
+}
+
+void PixelRules::prepareFor(const Stepping& stepping) {
+    const auto hasBits = [](const Layer& layer) { return layer.kind == Kind::Bits; };
+    if (!stepping.hasSource() || std::none_of(layers_.begin(), layers_.end(), hasBits)) return;
+    if (stepping.isUpright() || stepping.isQuarterTurn()) {
+        const Stepping upright = stepping.isUpright() ? stepping : stepping.transposed();
+        preparedStart_ = upright.startU;
+        preparedStep_ = upright.stepXu;
+        exactColumns_.build(upright, false);
+        roundedColumns_.build(upright, true);
+    } else {
+        for (Layer& layer : layers_) layer.plane.summarise();
+    }
+}
+
 void PixelRules::cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
     runs.reset(columns);
     if (columns.empty()) return;
@@ -190,7 +232,11 @@ void PixelRules::cut(const SourceLine& line, ColumnRange columns, PixelRuns& run
                 cutPolygon(line, columns, layer, runs);
                 break;
             case Kind::Bits:
-                cutBits(line, columns, layer, runs);
+                if (isPrepared(line)) {
+                    cutBitsUpright(line, columns, layer, runs);
+                } else {
+                    cutBits(line, columns, layer, runs);
+                }
                 break;
         }
         runs.merge();
@@ -205,8 +251,8 @@ void PixelRules::cutRectangle(const SourceLine& line, ColumnRange columns, const
     };
     ColumnRange visible = inside(line.u, line.du, rect.left, rect.right, columns);
     visible = inside(line.v, line.dv, rect.top, rect.bottom, visible);
-    runs.add({columns.begin, visible.begin, layer.shows, layer.colour});
-    runs.add({std::max(visible.begin, visible.end), columns.end, layer.shows, layer.colour});
+    runs.add(layer.run(columns.begin, visible.begin));
+    runs.add(layer.run(std::max(visible.begin, visible.end), columns.end));
 }
 
 bool PixelRules::isInsideCircle(Fixed16 u, Fixed16 v) const {
@@ -257,13 +303,13 @@ void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const La
 
     const auto testEach = [&](int begin, int end) {
         for (int x = begin; x < end; ++x) {
-            if (!isInsideCircle(line.uAt(x), line.vAt(x))) runs.add({x, x + 1, layer.shows, layer.colour});
+            if (!isInsideCircle(line.uAt(x), line.vAt(x))) runs.add(layer.run(x, x + 1));
         }
     };
-    runs.add({columns.begin, maybe.begin, layer.shows, layer.colour});
+    runs.add(layer.run(columns.begin, maybe.begin));
     testEach(maybe.begin, surely.begin);
     testEach(surely.end, maybe.end);
-    runs.add({maybe.end, columns.end, layer.shows, layer.colour});
+    runs.add(layer.run(maybe.end, columns.end));
 }
 
 void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
@@ -303,16 +349,30 @@ void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const L
     };
     int done = columns.begin;
     const auto clearUntil = [&](int end) {
-        if (done < end && isOutside(done)) runs.add({done, end, layer.shows, layer.colour});
+        if (done < end && isOutside(done)) runs.add(layer.run(done, end));
         done = std::max(done, end);
     };
     for (const ColumnRange reach : close) {
         clearUntil(reach.begin);
         for (; done < reach.end; ++done) {
-            if (isOutside(done)) runs.add({done, done + 1, layer.shows, layer.colour});
+            if (isOutside(done)) runs.add(layer.run(done, done + 1));
         }
     }
     clearUntil(columns.end);
+}
+
+void PixelRules::cutBitsUpright(const SourceLine& line, ColumnRange columns, const Layer& layer,
+                                PixelRuns& runs) const {
+    const ColumnLookup& lookup = layer.roundedPositions ? roundedColumns_ : exactColumns_;
+    const auto bitAt = [&](Fixed16 position) {
+        return layer.roundedPositions ? roundedPixel(position) : pixelOf(position);
+    };
+    const auto [from, to] = std::minmax({bitAt(line.uAt(columns.begin)), bitAt(line.uAt(columns.end - 1))});
+    layer.plane.visitRuns(bitAt(line.v), from, to, [&](std::int64_t first, std::int64_t last) {
+        const ColumnRange shown = common(columns, lookup.columnsOf(first, last));
+        if (!shown.empty()) runs.add(layer.run(shown.begin, shown.end));
+    });
+    if (lookup.mirrored) runs.reverseLayer();
 }
 
 void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
@@ -340,7 +400,7 @@ void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Laye
             case BitPlane::Content::None:
                 return;
             case BitPlane::Content::All:
-                runs.add({range.begin, range.end, layer.shows, layer.colour});
+                runs.add(layer.run(range.begin, range.end));
                 return;
             case BitPlane::Content::Mixed:
                 break;
@@ -353,7 +413,7 @@ void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Laye
             return;
         }
         for (int x = range.begin; x < range.end; ++x) {
-            if (isSet(x)) runs.add({x, x + 1, layer.shows, layer.colour});
+            if (isSet(x)) runs.add(layer.run(x, x + 1));
         }
     };
     cutRange(cutRange, columns);

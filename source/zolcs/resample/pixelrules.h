@@ -51,6 +51,8 @@ private:
     void reset(ColumnRange columns);
     /// Adds a run to the layer that is being gathered; runs come in ascending order and do not overlap.
     void add(const PixelRun& run);
+    /// Makes a layer ascending whose runs were added in descending order.
+    void reverseLayer();
     /// Lays the gathered layer over what is there.
     void merge();
 
@@ -68,9 +70,10 @@ public:
 
     /// The rules of a resampling call. `map` may be null (a map without grey tables: no overlays). `padding` may be
     /// null, else it holds one bit per source pixel; both it and the planes' data stay the caller's and must live as
-    /// long as the rules. Lines are walked with source positions as Stepping::line gives them.
+    /// long as the rules. Any line may be cut; those of `stepping`, and of its transposition for a quarter turn, are
+    /// prepared for.
     static PixelRules forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
-                                    std::uint32_t background, int displayWidth);
+                                    std::uint32_t background, const Stepping& stepping);
 
     /// The rules of mapping a whole raster pixel by pixel: line y is walked with wholeRasterLine(y). Padding is tested
     /// before the shutters here, never for the first pixel, and shows 0; a bitmap shutter adds to the other kinds.
@@ -98,6 +101,19 @@ private:
         float radius = 0.0F;
     };
 
+    /// Which columns of the lines (u0 + x du, constant v) show which source column. Looking that up spares the
+    /// divisions.
+    struct ColumnLookup {
+        /// For positions as they choose a bit: through single precision, or exact.
+        void build(const Stepping& upright, bool roundedPositions);
+        /// The display columns that show the source columns first to last.
+        [[nodiscard]] ColumnRange columnsOf(std::int64_t first, std::int64_t last) const;
+
+        std::vector<int> before;  ///< [c]: number of display columns that show a source column below c
+        bool mirrored = false;    ///< counted from the right
+        int width = 0;
+    };
+
     enum class Kind : std::uint8_t { Rectangle, Circle, Polygon, Bits };
 
     /// One rule; later layers take precedence over earlier ones.
@@ -107,18 +123,28 @@ private:
         std::uint32_t colour = 0;
         BitPlane plane;
         bool roundedPositions = false;  ///< positions go through single precision before they choose a bit
+
+        [[nodiscard]] PixelRun run(int begin, int end) const { return {begin, end, shows, colour}; }
     };
 
     void addOverlays(CCsRaster& source, IGreyMap* map);
+    void addBitmapShutter(CCsRaster& source, std::uint32_t colour);
     void addShutterGeometry(CCsRaster& source, std::uint32_t colour);
     void addBits(const BitPlane& plane, bool roundedPositions, PixelRun::Shows shows, std::uint32_t colour);
+    void prepareFor(const Stepping& stepping);
 
     void cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutBitsUpright(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
 
     [[nodiscard]] bool isInsideCircle(Fixed16 u, Fixed16 v) const;
+
+    /// True for lines that the column lookups are made for.
+    [[nodiscard]] bool isPrepared(const SourceLine& line) const {
+        return !exactColumns_.before.empty() && line.dv == 0 && line.du == preparedStep_ && line.u == preparedStart_;
+    }
 
     std::vector<Layer> layers_;
     const std::uint32_t* embeddedColours_ = nullptr;
@@ -126,6 +152,10 @@ private:
     CCsDisplayShutterInfo shutter_;
     Circle circle_;
     double sourceExtent_ = 0.0;  ///< the largest source coordinate that a line can have
+    Fixed16 preparedStart_ = 0;
+    Fixed16 preparedStep_ = 0;
+    ColumnLookup exactColumns_;
+    ColumnLookup roundedColumns_;
 };
 
 }  // namespace zolcs

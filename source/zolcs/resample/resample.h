@@ -28,7 +28,7 @@ namespace zolcs {
 template <typename F, typename Pixel>
 concept Filler = requires(F filler, const Stepping& stepping, const SourceLine& line, ColumnRange columns, Pixel* out) {
     filler.prepare(stepping);
-    filler.forget();
+    filler.expect(columns);
     { filler.fill(line, columns, out) } -> std::same_as<bool>;
 };
 
@@ -59,7 +59,7 @@ public:
     PlainFiller(Kernel kernel, const Convert& convert) : kernel_(kernel), convert_(convert) {}
 
     void prepare(const Stepping&) {}
-    void forget() {}
+    void expect(ColumnRange) {}
 
     template <typename Pixel>
     bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
@@ -83,24 +83,42 @@ public:
         : inner_(inner), rules_(rules), raw_(raw) {}
 
     void prepare(const Stepping& stepping) { inner_.prepare(stepping); }
-    void forget() { inner_.forget(); }
+    void expect(ColumnRange columns) { inner_.expect(columns); }
 
     bool fill(const SourceLine& line, ColumnRange columns, std::uint32_t* out) {
         rules_.cut(line, columns, runs_);
-        for (const PixelRun& run : runs_) {
-            std::uint32_t* first = out + (run.begin - columns.begin);
-            if (run.shows == PixelRun::Shows::Image) {
-                if (!inner_.fill(line, {run.begin, run.end}, first)) return false;
-            } else if (run.shows == PixelRun::Shows::Covered && rules_.embeddedColours() != nullptr) {
-                fillBelowEmbedded(line, run, first);
-            } else {
-                std::fill(first, first + (run.end - run.begin), run.colour);
+        for (auto run = runs_.begin(); run != runs_.end();) {
+            if (run->shows != PixelRun::Shows::Image) {
+                paint(line, *run, out + (run->begin - columns.begin));
+                ++run;
+                continue;
             }
+            // What covers a few pixels only is painted over the image: beginning a new run would cost more.
+            auto last = run;
+            for (auto next = run; next != runs_.end() && (next->shows == PixelRun::Shows::Image || isShort(*next));
+                 ++next) {
+                if (next->shows == PixelRun::Shows::Image) last = next;
+            }
+            if (!inner_.fill(line, {run->begin, last->end}, out + (run->begin - columns.begin))) return false;
+            for (; run != last; ++run) {
+                if (run->shows != PixelRun::Shows::Image) paint(line, *run, out + (run->begin - columns.begin));
+            }
+            ++run;
         }
         return true;
     }
 
 private:
+    static bool isShort(const PixelRun& run) { return run.end - run.begin < 32; }
+
+    void paint(const SourceLine& line, const PixelRun& run, std::uint32_t* out) const {
+        if (run.shows == PixelRun::Shows::Covered && rules_.embeddedColours() != nullptr) {
+            fillBelowEmbedded(line, run, out);
+        } else {
+            std::fill_n(out, run.end - run.begin, run.colour);
+        }
+    }
+
     void fillBelowEmbedded(const SourceLine& line, const PixelRun& run, std::uint32_t* out) const {
         const std::uint32_t* embedded = rules_.embeddedColours();
         for (int x = run.begin; x < run.end; ++x) {
@@ -122,7 +140,10 @@ bool fillRows(const Stepping& stepping, const Display<Pixel>& display, F& filler
     return walkRows(stepping, [&](int y, const SourceLine& line, Span span) {
         display.fillBackground(y, 0, span.begin());
         const ColumnRange columns{span.begin(), span.end()};
-        if (!columns.empty() && !filler.fill(line, columns, display.image.line(y) + columns.begin)) return false;
+        if (!columns.empty()) {
+            filler.expect(columns);
+            if (!filler.fill(line, columns, display.image.line(y) + columns.begin)) return false;
+        }
         display.fillBackground(y, span.end(), stepping.width);
         return true;
     });
@@ -157,7 +178,7 @@ bool fillStrips(const Stepping& stepping, const Display<Pixel>& display, F& fill
         const int right = std::min(left + stripWidth, columns.end);
         for (int top = rows.begin; top < rows.end; top += tileHeight) {
             const int bottom = std::min(top + tileHeight, rows.end);
-            filler.forget();
+            filler.expect({top, bottom});
             for (int x = left; x < right; ++x) {
                 Pixel* out = tile.data() + static_cast<std::ptrdiff_t>(x - left) * tilePitch;
                 if (!filler.fill(turned.line(x), {top, bottom}, out)) return false;
