@@ -91,7 +91,6 @@ Affine State::toDevice(const Capabilities& capabilities) const {
     }
     page.dx = viewportOrigin.x - windowOrigin.x * page.m11;
     page.dy = viewportOrigin.y - windowOrigin.y * page.m22;
-    if (graphicsMode != GM_ADVANCED) return page;
     return Affine{world.eM11, world.eM12, world.eM21, world.eM22, world.eDx, world.eDy}.then(page);
 }
 
@@ -217,16 +216,10 @@ int GetStretchBltMode(HDC dc) {
     return withDc(dc, 0, [](DeviceContext& context) { return context.state.stretchMode; });
 }
 
+// A world transform that is there stays in force when the mode that cannot set one returns: so does GDI's.
 int SetGraphicsMode(HDC dc, int mode) {
     if (mode != GM_COMPATIBLE && mode != GM_ADVANCED) return 0;
-    return withDc(dc, 0, [&](DeviceContext& context) {
-        // As documented: a world transform must be reset before the mode that knows none returns.
-        const XFORM& w = context.state.world;
-        const bool identity =
-            w.eM11 == 1.0F && w.eM12 == 0.0F && w.eM21 == 0.0F && w.eM22 == 1.0F && w.eDx == 0.0F && w.eDy == 0.0F;
-        if (mode == GM_COMPATIBLE && !identity) return 0;
-        return std::exchange(context.state.graphicsMode, mode);
-    });
+    return zolgdi::replaceState(dc, &zolgdi::State::graphicsMode, mode, 0);
 }
 int GetGraphicsMode(HDC dc) {
     return withDc(dc, 0, [](DeviceContext& context) { return context.state.graphicsMode; });
@@ -294,8 +287,10 @@ BOOL setExtent(HDC dc, SIZE zolgdi::State::*field, SIZE extent, SIZE* previous) 
 
 BOOL ModifyWorldTransform(HDC dc, const XFORM* transform, DWORD mode) {
     if (mode == MWT_IDENTITY) {
-        constexpr XFORM identity{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
-        return SetWorldTransform(dc, &identity);
+        return withDc(dc, FALSE, [](DeviceContext& context) {
+            context.state.world = {1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
+            return TRUE;
+        });
     }
     XFORM world{};
     if (transform == nullptr || !GetWorldTransform(dc, &world)) return FALSE;

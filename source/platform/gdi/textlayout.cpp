@@ -29,8 +29,14 @@ void appendUtf8(std::string& out, std::uint32_t code) {
     }
 }
 
+/// Font maps belong to a thread. Pango's own one for the main thread would never be given back.
+PangoFontMap* fontMap() {
+    thread_local const GObjectPtr<PangoFontMap> map(pango_cairo_font_map_new());
+    return map.get();
+}
+
 GObjectPtr<PangoContext> makeContext(bool exact, BYTE quality) {
-    GObjectPtr<PangoContext> context(pango_font_map_create_context(pango_cairo_font_map_get_default()));
+    GObjectPtr<PangoContext> context(pango_font_map_create_context(fontMap()));
     if (!context) throw std::bad_alloc();
     const std::unique_ptr<cairo_font_options_t, ReleaseWith<&cairo_font_options_destroy>> options(
         cairo_font_options_create());
@@ -123,7 +129,7 @@ int TextLine::width() const {
 
 Affine TextLine::placed(const Affine& transform) const {
     constexpr double degree = 3.141592653589793 / 180.0;
-    const double angle = -escapement_ / 10.0 * degree;
+    const double angle = -static_cast<double>(escapement_) / 10.0 * degree;
     const double c = escapement_ == 0 ? 1.0 : std::cos(angle);
     const double s = escapement_ == 0 ? 0.0 : std::sin(angle);
     return Affine{c, s, -s, c, 0.0, 0.0}.then(transform);

@@ -3,6 +3,7 @@
 #include "support/test_data.h"
 
 #include <atomic>
+#include <cmath>
 #include <limits>
 #include <thread>
 
@@ -132,6 +133,43 @@ TEST_F(HandleTest, FormatsBesideTwentyFourAndThirtyTwoBitsAreRefused) {
     EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, mapping, 4096 - 63), nullptr);
     EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, mapping, 0xFFFFFFFC), nullptr);
     EXPECT_TRUE(CloseHandle(mapping));
+}
+
+TEST_F(HandleTest, CallsFailAsDocumentedWhereOtherSystemsAreLenient) {
+    const RECT rect{0, 0, 1, 1};
+    EXPECT_EQ(GetTextColor(nullptr), CLR_INVALID);
+    EXPECT_EQ(FillRect(nullptr, &rect, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))), 0);
+    Device device(2, 2);
+    EXPECT_EQ(FillRect(device, nullptr, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))), 0);
+    EXPECT_EQ(FillRect(device, &rect, nullptr), 0);
+    const XFORM shift{1.0F, 0.0F, 0.0F, 1.0F, 2.0F, 1.0F};
+    EXPECT_FALSE(ModifyWorldTransform(device, &shift, MWT_LEFTMULTIPLY));
+}
+
+TEST_F(HandleTest, TurnedEllipsesKeepTheirSize) {
+    Device device(80, 80);
+    SelectObject(device, GetStockObject(NULL_BRUSH));
+    SelectObject(device, GetStockObject(WHITE_PEN));
+    SetGraphicsMode(device, GM_ADVANCED);
+    SetViewportOrgEx(device, 40, 40, nullptr);
+    const double angle = 0.6;
+    const auto c = static_cast<FLOAT>(std::cos(angle));
+    const auto s = static_cast<FLOAT>(std::sin(angle));
+    const XFORM turn{c, s, -s, c, 0.0F, 0.0F};
+    EXPECT_TRUE(SetWorldTransform(device, &turn));
+    EXPECT_TRUE(Ellipse(device, -30, -10, 30, 10));
+    int drawn = 0;
+    for (int y = 0; y < 80; ++y) {
+        for (int x = 0; x < 80; ++x) {
+            if (device.pixel(x, y) == 0) continue;
+            ++drawn;
+            const double u = ((x - 40) * std::cos(angle) + (y - 40) * std::sin(angle)) / 30.0;
+            const double v = ((y - 40) * std::cos(angle) - (x - 40) * std::sin(angle)) / 10.0;
+            const double slope = 2.0 * std::hypot(u / 30.0, v / 10.0);
+            ASSERT_LE(std::fabs(u * u + v * v - 1.0) / slope, 2.0) << x << ", " << y;
+        }
+    }
+    EXPECT_GT(drawn, 100);
 }
 
 TEST_F(HandleTest, ThousandsOfMappingsNeedNoFileDescriptors) {
