@@ -1,0 +1,36 @@
+// A recording double of the drawing seam. Its functions take the place of the seam's own in a test program: each writes
+// its call down as a line of text and goes on to the real one.
+//
+// Objects are named after what they are: "pen solid 1 0x0000ff" (style, width, colour), "brush 0x000000",
+// "region 7 7 12 12" (left, top, right, bottom), "font -20 400" (lfHeight, lfWeight). What was selected when recording
+// began is the caller's: "caller's pen", "caller's brush", "caller's font".
+//
+// Linux only: it stands on the rule that a program's own symbols come before those of shared libraries.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zoltest {
+
+/// Records while it lives. One at a time.
+class GdiRecorder {
+public:
+    explicit GdiRecorder(HDC dc);
+    ~GdiRecorder();
+    GdiRecorder(const GdiRecorder&) = delete;
+    GdiRecorder& operator=(const GdiRecorder&) = delete;
+
+    /// The calls since the beginning or the last take, each with a line end.
+    std::string take();
+
+    std::optional<int> dotsPerInch;  ///< what GetDeviceCaps tells instead of the truth
+    std::optional<LONG> textHeight;  ///< tmHeight in GetTextMetricsW
+    std::optional<SIZE> textExtent;  ///< of GetTextExtentPoint32W
+    bool objectsFail = false;        ///< Create calls give null, like a system without objects
+};
+
+}  // namespace zoltest
