@@ -32,7 +32,7 @@ if(MSVC)
   target_compile_options(zol_build_flags INTERFACE /W4 /WX /fp:precise /utf-8)
 else()
   target_compile_options(zol_build_flags INTERFACE
-    -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow=local -Wnon-virtual-dtor -Wold-style-cast -Wvla -Werror
+    -Wall -Wextra -Wconversion -Wsign-conversion $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Wold-style-cast -Wvla -Werror
     -ffp-contract=off -fno-fast-math)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(zol_build_flags INTERFACE -msse2 -mfpmath=sse)

@@ -34,7 +34,7 @@ bool deviceRuns(const DeviceContext& context, int x, int y, int width, int heigh
     const Affine map = context.toDevice();
     if (!map.axisAligned()) return false;
     const PointD from = map(x, y);
-    const PointD to = map(std::int64_t{x} + width, std::int64_t{y} + height);
+    const PointD to = map(static_cast<double>(std::int64_t{x} + width), static_cast<double>(std::int64_t{y} + height));
     columns = deviceRun(from.x, to.x);
     rows = deviceRun(from.y, to.y);
     return fits(columns) && fits(rows);
