@@ -54,8 +54,7 @@ void addViewOptions(CLI::App& command, RenderOptions& options) {
                   std::to_string(maxPixels) + " pixels in all",
               parseSize, [&options](Size size) { options.size = size; });
     addParsed(command, "--window",
-              "Values around CENTRE, WIDTH of them, spread from black to white, in the image's output units such as HU "
-              "(default: the file's first window, or else all values)",
+              "Values from black to white, in the image's units such as HU (default: the file's, or else all)",
               "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers, the width 1 or more", parseWindow,
               [&options](Window window) { options.window = window; });
     addParsed(
@@ -73,15 +72,17 @@ void addViewOptions(CLI::App& command, RenderOptions& options) {
             "--flip",
             [&options](const std::string& side) { options.flip = side == "h" ? Flip::Horizontal : Flip::Vertical; },
             "Mirror the image: h exchanges left and right, v top and bottom")
-        ->check(CLI::IsMember({"h", "v"}))
+        ->check(CLI::IsMember({"h", "v"}).description(""))
         ->type_name("h|v");
     command.add_flag("--invert", options.invert, "Exchange black and white");
-    command.add_flag("!--no-overlays", options.overlays, "Leave the image's overlay planes out");
-    command.add_flag("!--no-shutters", options.shutters, "Show what the image's shutters hide");
+    command.add_flag_callback(
+        "--no-overlays", [&options] { options.overlays = false; }, "Leave the image's overlay planes out");
+    command.add_flag_callback(
+        "--no-shutters", [&options] { options.shutters = false; }, "Show what the image's shutters hide");
     command
         .add_option("--background", options.background,
                     "Grey of what lies outside the image, 0 (the default, black) to 255")
-        ->check(CLI::Range(0, 255))
+        ->check(CLI::Range(0, 255).description(""))
         ->type_name("GREY");
 }
 

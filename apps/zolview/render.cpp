@@ -116,7 +116,7 @@ void resample(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IMap& map, 
 }
 
 void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window) {
-    const HDC dc = GetDC(window);
+    HDC dc = GetDC(window);
     const int painted = frame.paint(dc, nullptr, &view, 0, -1, -1, -1, -1, nullptr, 0, nullptr, nullptr);
     ReleaseDC(window, dc);
     ReportLog::check();
