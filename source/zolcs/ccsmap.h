@@ -42,7 +42,8 @@ public:
     /// reaches. `trafo` (may be null) says where the presentation value goes. Both images are locked for the call.
     ///
     /// Grey maps: 255, or 2 after a refusal (another type or size, no table, no pixel memory, exhausted memory), which
-    /// leaves the destination as it was. One call at a time runs per map; its rows run on several threads.
+    /// leaves the destination as it was, unless memory runs out while rows are being mapped. One call at a time runs
+    /// per map; its rows run on several threads.
     virtual int mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeImageAllowed,
                           unsigned char* pixelPadding, CCs2dTrafo* trafo) = 0;
 

@@ -137,7 +137,6 @@ TEST(LutPalette, FormsAgreeForEveryBitCount) {
         const auto table = randomTable(random, std::size_t{1} << bits);
         const auto source = randomBytes(random, 2 * 131);
         std::vector<std::byte> scalar(4 * 131);
-        std::vector<std::byte> fast(4 * 131);
         zolipp::LutPaletteJob job{source.data(),
                                   2 * 131,
                                   scalar.data(),
@@ -146,9 +145,12 @@ TEST(LutPalette, FormsAgreeForEveryBitCount) {
                                   table.data(),
                                   static_cast<Ipp16u>((1U << bits) - 1U)};
         zolipp::lutPaletteScalar(job);
-        job.destination = fast.data();
-        zolipp::lutPaletteFast(job, true);
-        EXPECT_EQ(fast, scalar) << bits;
+        for (const bool bypass : {false, true}) {
+            std::vector<std::byte> fast(4 * 131);
+            job.destination = fast.data();
+            zolipp::lutPaletteFast(job, bypass);
+            EXPECT_EQ(fast, scalar) << bits << " bits";
+        }
     }
 }
 
