@@ -33,7 +33,7 @@ ZOLWEBCS_API RECT getROIBoundingRect(const std::vector<CPoint>& vertices);
 /// `out` becomes `in` with left and right, top and bottom exchanged where they are out of order.
 ZOLWEBCS_API void rearrangeRectBounds(RECT& out, RECT in);
 
-// ---- Shutters. All bounds are inclusive unless stated otherwise.
+// ---- Shutters. All bounds are inclusive unless a comment says otherwise.
 
 /// The raster's circle with its bounding box, as the overload below with the raster's width. Nothing changes while the
 /// raster's circular shutter is off.

@@ -105,7 +105,7 @@ CCsRaster::CCsRaster(int width, int height, int type, double ratioYx, bool mapMe
     const int result = setSize(width, height, type, ratioYx, mapMemory);
     if (result != done) {
         valid = 0;
-        throw result;
+        throw int(result);
     }
 }
 
@@ -119,7 +119,7 @@ CCsRaster::CCsRaster(ZolMemMappedBuffer* buffer, int width, int height, int type
 }
 
 CCsRaster::CCsRaster(const CCsRaster& other)
-    : CCsImage(),
+    : CCsImage(other),  // which copies nothing
       valid(other.valid),
       externalBuffer(other.externalBuffer),
       mapMemory(other.mapMemory),
@@ -143,7 +143,7 @@ CCsRaster::CCsRaster(const CCsRaster& other)
     const int result = allocateLike(other);
     if (result != done) {
         valid = 0;
-        throw result;
+        throw int(result);
     }
     copyPixels(other);
 }

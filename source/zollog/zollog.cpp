@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <mutex>
+#include <type_traits>
 
 namespace {
 
@@ -23,13 +24,14 @@ LogState& logState() {
 
 bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+std::uint32_t unitOf(wchar_t character) { return static_cast<std::make_unsigned_t<wchar_t>>(character); }
 
 // The code point at `text`, which moves behind it. Wide characters are UTF-16 or UTF-32 by platform; surrogates without
 // their partner and values beyond Unicode read as the replacement character.
 std::uint32_t nextCodePoint(const wchar_t*& text) {
-    const auto unit = static_cast<std::uint32_t>(*text++);
-    if (isHighSurrogate(unit) && isLowSurrogate(static_cast<std::uint32_t>(*text))) {
-        const auto low = static_cast<std::uint32_t>(*text++);
+    const std::uint32_t unit = unitOf(*text++);
+    if (isHighSurrogate(unit) && isLowSurrogate(unitOf(*text))) {
+        const std::uint32_t low = unitOf(*text++);
         return 0x10000 + ((unit - 0xD800) << 10U) + (low - 0xDC00);
     }
     return isHighSurrogate(unit) || isLowSurrogate(unit) || unit > 0x10FFFF ? replacement : unit;

@@ -135,7 +135,7 @@ TEST_F(CCsRasterTest, PitchBytesAndGuardsOfEveryType) {
     EXPECT_EQ(ReportCapture::take(), Reports{});
 }
 
-TEST_F(CCsRasterTest, StatedSizes) {
+TEST_F(CCsRasterTest, KnownSizes) {
     const CCsRaster grey(5, 3, CCS_GREY12, 1.0, false, false);
     EXPECT_EQ(grey.getPitch(), 8);
     EXPECT_EQ(grey.GetMemBuffer()->getSize(), 66U);
