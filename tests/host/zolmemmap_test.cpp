@@ -115,6 +115,7 @@ TEST_F(ZolMemMap, NoBytesAreABufferOfSizeZero) {
 }
 
 TEST_F(ZolMemMap, SizesThatOverflowGiveNull) {
+    if (sizeof(unsigned long) < sizeof(std::size_t)) GTEST_SKIP() << "no guard is so large that sums overflow here";
     constexpr auto mostGuard = std::numeric_limits<unsigned long>::max();
     for (const bool mapped : {false, true}) {
         EXPECT_EQ(make(1, mostGuard, mapped), nullptr);

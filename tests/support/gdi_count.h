@@ -13,4 +13,13 @@ inline unsigned int gdiObjectCount() {
 #endif
 }
 
+/// False where the system does not count: then gdiObjectCount() is always the same.
+inline bool canCountGdiObjects() {
+    const unsigned int before = gdiObjectCount();
+    HPEN const pen = CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
+    const bool counts = gdiObjectCount() != before;
+    DeleteObject(pen);
+    return counts;
+}
+
 }  // namespace zoltest
