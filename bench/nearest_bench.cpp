@@ -32,10 +32,12 @@ struct View {
     double bar;
 };
 
+enum class Rules { None, Shutters, All };
+
 /// Everything that a host holds: source, map, frame; and the same data as OpenCV wants it.
 class Scene {
 public:
-    explicit Scene(bool ruled)
+    explicit Scene(Rules rules)
         : source_(sourceSize, sourceSize, CCS_GREY12, 1.0, false, false),
           frame_(frameWidth, frameHeight, CCS_RGB8, 1.0, false, false),
           map_(MapFactory::CreateMap(MapFactory::Grey12)) {
@@ -54,7 +56,8 @@ public:
 
         cvSource_ = cv::Mat(sourceSize, sourceSize, CV_16U, source_.getOrigin());
         cvFrame_.create(frameHeight, frameWidth, CV_8UC4);
-        if (ruled) addRules();
+        if (rules != Rules::None) addShutters();
+        if (rules == Rules::All) addPlaneAndPadding();
     }
 
     void ours(const View& view) {
@@ -124,8 +127,7 @@ private:
         }
     }
 
-    /// A rectangular and a circular shutter, an overlay plane with drawn lines, and padding along one side.
-    void addRules() {
+    void addShutters() {
         const cv::Rect rectangle(100, 150, 1800, 1750);
         const cv::Rect circle(60, 80, 1900, 1900);
         source_.setRectShutter(
@@ -137,7 +139,11 @@ private:
         cv::circle(inside, {circle.x + circle.width / 2, circle.y + circle.height / 2}, circle.width / 2, 255, -1);
         hidden(rectangle).setTo(0);
         hidden.setTo(255, inside == 0);
+        masks_ = {{hidden, cv::Scalar(0x40, 0x40, 0x40, 0)}};
+    }
 
+    /// A plane with a dozen lines across the image and a dozen lines of text, and padding along one side.
+    void addPlaneAndPadding() {
         cv::Mat drawn(sourceSize, sourceSize, CV_8U, cv::Scalar(0));
         for (int i = 0; i < 12; ++i) {
             cv::line(drawn, {150 + i * 140, 300}, {300 + i * 120, 1700}, 255, 3);
@@ -155,9 +161,8 @@ private:
         plane.data = planeBits_.data();
         source_.add60XXOverlayInfo(plane);
         paddingBits_ = bitsOf(padded);
-        masks_ = {{padded, cv::Scalar(background, 0, 0, 0)},
-                  {hidden, cv::Scalar(0x40, 0x40, 0x40, 0)},
-                  {drawn, cv::Scalar(0, 0xFF, 0, 0)}};
+        masks_.insert(masks_.begin(), {padded, cv::Scalar(background, 0, 0, 0)});
+        masks_.push_back({drawn, cv::Scalar(0, 0xFF, 0, 0)});
     }
 
     static std::vector<unsigned char> bitsOf(const cv::Mat& mask) {
@@ -207,23 +212,30 @@ private:
 };
 
 /// Made when first used: a run that selects other benchmarks does not pay for it.
-Scene& scene(bool ruled) {
-    static Scene plain(false);
-    static Scene withRules(true);
-    return ruled ? withRules : plain;
+Scene& scene(Rules rules) {
+    static std::array<std::unique_ptr<Scene>, 3> scenes;
+    auto& wanted = scenes.at(static_cast<std::size_t>(rules));
+    if (!wanted) wanted = std::make_unique<Scene>(rules);
+    return *wanted;
 }
 
 const zolbench::Registration registration([] {
     for (const View& view : {View{"fit", 1.0, 0, 0.5}, View{"zoom 3", 3.0, 0, 0.5}, View{"fit 90", 1.0, 90, 0.6},
                              View{"zoom 1.7 at 30", 1.7, 30, 0.5}}) {
-        const std::string name = "nearest grey " + view.name;
-        const auto side = [&](bool ruled, bool ours) {
-            return zolbench::Side{name + (ruled ? " ruled/" : "/") + (ours ? "zolwebcs" : "OpenCV"),
-                                  [=] { ours ? scene(ruled).ours(view) : scene(ruled).openCv(view); }};
+        const std::string plain = "nearest grey " + view.name;
+        const std::string shutters = plain + ", shutters";
+        const std::string all = plain + ", shutters, plane, padding";
+        const auto ours = [&](const std::string& name, Rules rules) {
+            return zolbench::Side{name + "/zolwebcs", [=] { scene(rules).ours(view); }};
         };
-        zolbench::compare(name, view.bar, side(false, true), side(false, false));
-        zolbench::compare(name + ", shutters, plane, padding", 0.0, side(true, true), side(true, false));
-        zolbench::compare(name + ", shutters, plane, padding : plain", 1.5, side(true, true), side(false, true));
+        const auto openCv = [&](const std::string& name, Rules rules) {
+            return zolbench::Side{name + "/OpenCV", [=] { scene(rules).openCv(view); }};
+        };
+        zolbench::compare(plain, view.bar, ours(plain, Rules::None), openCv(plain, Rules::None));
+        zolbench::compare(shutters, view.bar, ours(shutters, Rules::Shutters), openCv(shutters, Rules::Shutters));
+        zolbench::compare(all, view.bar, ours(all, Rules::All), openCv(all, Rules::All));
+        zolbench::compare(shutters + " : plain", 1.5, ours(shutters, Rules::Shutters), ours(plain, Rules::None));
+        zolbench::compare(all + " : plain", 0.0, ours(all, Rules::All), ours(plain, Rules::None));
     }
 });
 

@@ -69,6 +69,36 @@ TEST_F(SpanOperationsTest, OffsetsOfEveryLength) {
     });
 }
 
+TEST_F(SpanOperationsTest, OffsetsThroughSinglePrecision) {
+    zoltest::Random random(24);
+    int roundedUp = 0;
+    forEachVariant([&] {
+        for (int count = 0; count <= 200; ++count) {
+            // Steps of a few 65536ths close to a pixel's end: single precision rounds some of them up.
+            const SpanPositions positions{static_cast<std::uint32_t>(random.integer(1, 32000)) * 65536U -
+                                              static_cast<std::uint32_t>(random.integer(0, 400)),
+                                          static_cast<std::uint32_t>(random.integer(1, 32000)) * 65536U -
+                                              static_cast<std::uint32_t>(random.integer(0, 400)),
+                                          static_cast<std::uint32_t>(random.integer(0, 3)),
+                                          static_cast<std::uint32_t>(random.integer(0, 3)), random.integer(1, 60000)};
+            std::vector<std::int32_t> out(static_cast<std::size_t>(count) + 3, -1);
+            SpanOperations::chosen().roundedOffsets(positions, count, out.data() + 1);
+            ASSERT_EQ(out.front(), -1);
+            ASSERT_EQ(out.back(), -1);
+            for (int i = 0; i < count; ++i) {
+                const std::uint32_t u = positions.u + static_cast<std::uint32_t>(i) * positions.du;
+                const std::uint32_t v = positions.v + static_cast<std::uint32_t>(i) * positions.dv;
+                const auto column = static_cast<std::uint32_t>(static_cast<int>(static_cast<float>(u) * 1.5258789e-5F));
+                const auto row = static_cast<std::uint32_t>(static_cast<int>(static_cast<float>(v) * 1.5258789e-5F));
+                ASSERT_EQ(out[static_cast<std::size_t>(i) + 1],
+                          static_cast<std::int32_t>(row * static_cast<std::uint32_t>(positions.pitch) + column));
+                roundedUp += column != u >> 16U ? 1 : 0;
+            }
+        }
+    });
+    EXPECT_GT(roundedUp, 1000);
+}
+
 TEST_F(SpanOperationsTest, LoadsOfEveryLength) {
     zoltest::Random random(22);
     std::vector<std::uint32_t> wide(500);

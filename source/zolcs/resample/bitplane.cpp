@@ -1,7 +1,5 @@
 #include "zolcs/resample/bitplane.h"
 
-#include <cstring>
-
 namespace zolcs {
 
 BitPlane::BitPlane(const unsigned char* data, std::int64_t left, std::int64_t top, std::int64_t columns,
@@ -11,19 +9,16 @@ BitPlane::BitPlane(const unsigned char* data, std::int64_t left, std::int64_t to
       top_(top),
       columns_(data != nullptr ? columns : 0),
       rows_(data != nullptr ? rows : 0),
-      firstIndex_(firstIndex) {}
+      firstIndex_(firstIndex),
+      bytes_((columns_ * rows_ + 7) >> 3) {}
 
-std::uint64_t BitPlane::bitsFrom(std::int64_t index, std::int64_t count) const {
+std::uint64_t BitPlane::fewBitsFrom(std::int64_t index, std::int64_t count) const {
     const unsigned char* from = data_ + (index >> 3);
     const int shift = static_cast<int>(index & 7);
     const std::int64_t bytes = (shift + count + 7) >> 3;
-    std::uint64_t low = 0;
-    if (std::endian::native == std::endian::little && bytes >= 8) {
-        std::memcpy(&low, from, 8);
-    } else {
-        for (std::int64_t i = std::min<std::int64_t>(bytes, 8); i-- > 0;) low = low << 8 | from[i];
-    }
-    std::uint64_t bits = low >> shift;
+    std::uint64_t bits = 0;
+    for (std::int64_t i = std::min<std::int64_t>(bytes, 8); i-- > 0;) bits = bits << 8 | from[i];
+    bits >>= shift;
     if (bytes > 8) bits |= static_cast<std::uint64_t>(from[8]) << (64 - shift);
     if (count < wordBits) bits &= (std::uint64_t{1} << count) - 1;
     if (index < firstIndex_) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace zolcs {
@@ -23,6 +24,7 @@ public:
     BitPlane(const unsigned char* data, std::int64_t left, std::int64_t top, std::int64_t columns, std::int64_t rows,
              std::int64_t firstIndex = 0);
 
+    [[nodiscard]] std::int64_t columns() const { return columns_; }
     [[nodiscard]] std::int64_t left() const { return left_; }
     [[nodiscard]] std::int64_t top() const { return top_; }
     [[nodiscard]] std::int64_t right() const { return left_ + columns_ - 1; }
@@ -39,7 +41,11 @@ public:
         const std::int64_t column = x - left_;
         const std::int64_t row = y - top_;
         if (column < 0 || row < 0 || column >= columns_ || row >= rows_) return false;
-        const std::int64_t index = row * columns_ + column;
+        return isSetAt(row * columns_ + column);
+    }
+
+    /// Bit number `index`, which must be one of the plane's.
+    [[nodiscard]] bool isSetAt(std::int64_t index) const {
         return index >= firstIndex_ && (data_[index >> 3] >> (index & 7) & 1) != 0;
     }
 
@@ -67,7 +73,16 @@ private:
 
     /// `count` (1 to 64) bits from `index` on, the first one lowest. Bits below the first index are 0; nothing beyond
     /// the plane's last byte is read.
-    [[nodiscard]] std::uint64_t bitsFrom(std::int64_t index, std::int64_t count) const;
+    [[nodiscard]] std::uint64_t bitsFrom(std::int64_t index, std::int64_t count) const {
+        const std::int64_t byte = index >> 3;
+        const bool wholeWord = count == wordBits && index >= firstIndex_ && byte + 9 <= bytes_;
+        if (std::endian::native != std::endian::little || !wholeWord) return fewBitsFrom(index, count);
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, data_ + byte, sizeof bits);
+        const int shift = static_cast<int>(index & 7);
+        return bits >> shift | static_cast<std::uint64_t>(data_[byte + 8]) << 1 << (63 - shift);
+    }
+    [[nodiscard]] std::uint64_t fewBitsFrom(std::int64_t index, std::int64_t count) const;
 
     const unsigned char* data_ = nullptr;
     std::int64_t left_ = 0;
@@ -75,6 +90,7 @@ private:
     std::int64_t columns_ = 0;
     std::int64_t rows_ = 0;
     std::int64_t firstIndex_ = 0;
+    std::int64_t bytes_ = 0;
     std::vector<TileSum> sums_;  ///< (tile rows + 1) x (tile columns + 1); empty until summarised
 };
 
@@ -87,6 +103,7 @@ void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, V
     for (std::int64_t column = std::max<std::int64_t>(fromX - left_, 0); column < end; column += wordBits) {
         const std::int64_t count = std::min(wordBits, end - column);
         std::uint64_t bits = bitsFrom(row * columns_ + column, count);
+        if (bits == (open < 0 ? 0 : ~std::uint64_t{0})) continue;
         std::int64_t at = 0;
         while (at < count) {
             const bool set = (bits & 1) != 0;

@@ -4,18 +4,17 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 
+#include "zolcs/resample/spanoperations.h"
+
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <limits>
 
 namespace zolcs {
 
 namespace {
-
-/// A coordinate in pixels, in single precision: overlay planes, padding and the shutters' curves are decided at this
-/// position. From 2^24 on it is coarser than 16.16 and may round up to the next pixel; pictures depend on it.
-float singlePosition(Fixed16 coordinate) { return static_cast<float>(coordinate) * 1.5258789e-5F; }
-
-std::int64_t roundedPixel(Fixed16 coordinate) { return static_cast<std::int64_t>(singlePosition(coordinate)); }
 
 double pixels(Fixed16 coordinate) { return static_cast<double>(coordinate) * 0x1.0p-16; }
 
@@ -384,39 +383,76 @@ void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Laye
     columns = over(line.u, line.du, plane.left(), plane.right(), columns);
     columns = over(line.v, line.dv, plane.top(), plane.bottom(), columns);
 
-    const auto isSet = [&](int x) {
+    cutBitsInPieces<4 * mostTested>(line, columns, layer, runs);
+}
+
+/// Cuts pieces of so many columns: as a whole where the plane's summary can tell, else in smaller ones, at last by
+/// bits.
+template <int Columns>
+void PixelRules::cutBitsInPieces(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
+    const BitPlane& plane = layer.plane;
+    const std::int64_t slack = layer.roundedPositions ? 1 : 0;
+    for (int begin = columns.begin; begin < columns.end; begin += Columns) {
+        const ColumnRange piece{begin, std::min(begin + Columns, columns.end)};
+        const auto [lowU, highU] = std::minmax({line.uAt(piece.begin), line.uAt(piece.end - 1)});
+        const auto [lowV, highV] = std::minmax({line.vAt(piece.begin), line.vAt(piece.end - 1)});
+        const std::int64_t left = pixelOf(lowU) - slack;
+        const std::int64_t top = pixelOf(lowV) - slack;
+        const std::int64_t right = pixelOf(highU) + slack;
+        const std::int64_t bottom = pixelOf(highV) + slack;
+        const BitPlane::Content content = plane.contentOf(left, top, right, bottom);
+        if (content == BitPlane::Content::None) continue;
+        if (content == BitPlane::Content::All) {
+            runs.add(layer.run(piece.begin, piece.end));
+            continue;
+        }
+        if constexpr (Columns > mostTested) {
+            cutBitsInPieces<mostTested>(line, piece, layer, runs);
+        } else {
+            constexpr Fixed16 most = std::numeric_limits<std::int32_t>::max();
+            const bool within =
+                left >= plane.left() && top >= plane.top() && right <= plane.right() && bottom <= plane.bottom();
+            const bool fits =
+                highU <= most && highV <= most && (plane.bottom() + 1) * plane.columns() + plane.right() <= most;
+            (within && fits ? testBitsTogether : testBitsOneByOne)(line, piece, layer, runs);
+        }
+    }
+}
+
+void PixelRules::testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
+    for (int x = columns.begin; x < columns.end; ++x) {
         const Fixed16 u = line.uAt(x);
         const Fixed16 v = line.vAt(x);
-        return layer.roundedPositions ? plane.isSet(roundedPixel(u), roundedPixel(v))
-                                      : plane.isSet(pixelOf(u), pixelOf(v));
-    };
-    // Halves the columns until the plane's summary can tell or few are left.
-    const auto cutRange = [&](const auto& self, ColumnRange range) -> void {
-        if (range.empty()) return;
-        const auto [lowU, highU] = std::minmax({line.uAt(range.begin), line.uAt(range.end - 1)});
-        const auto [lowV, highV] = std::minmax({line.vAt(range.begin), line.vAt(range.end - 1)});
-        switch (plane.contentOf(pixelOf(lowU) - slack, pixelOf(lowV) - slack, pixelOf(highU) + slack,
-                                pixelOf(highV) + slack)) {
-            case BitPlane::Content::None:
-                return;
-            case BitPlane::Content::All:
-                runs.add(layer.run(range.begin, range.end));
-                return;
-            case BitPlane::Content::Mixed:
-                break;
-        }
-        constexpr int fewColumns = 16;
-        if (range.end - range.begin > fewColumns) {
-            const int middle = range.begin + (range.end - range.begin) / 2;
-            self(self, {range.begin, middle});
-            self(self, {middle, range.end});
-            return;
-        }
-        for (int x = range.begin; x < range.end; ++x) {
-            if (isSet(x)) runs.add(layer.run(x, x + 1));
-        }
-    };
-    cutRange(cutRange, columns);
+        const bool set = layer.roundedPositions ? layer.plane.isSet(roundedPixel(u), roundedPixel(v))
+                                                : layer.plane.isSet(pixelOf(u), pixelOf(v));
+        if (set) runs.add(layer.run(x, x + 1));
+    }
+}
+
+/// For columns that lie within the plane, at positions that fit 31 bits.
+void PixelRules::testBitsTogether(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
+    const BitPlane& plane = layer.plane;
+    const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(columns.begin)),
+                                  static_cast<std::uint32_t>(line.vAt(columns.begin)),
+                                  static_cast<std::uint32_t>(line.du), static_cast<std::uint32_t>(line.dv),
+                                  static_cast<std::int32_t>(plane.columns())};
+    std::array<std::int32_t, mostTested> indices;
+    const SpanOperations& operations = SpanOperations::chosen();
+    const int count = columns.end - columns.begin;
+    (layer.roundedPositions ? operations.roundedOffsets : operations.offsets)(positions, count, indices.data());
+    const std::int64_t first = plane.top() * plane.columns() + plane.left();
+    std::uint64_t set = 0;
+    for (int i = 0; i < count; ++i) {
+        set |= std::uint64_t{plane.isSetAt(indices[static_cast<std::size_t>(i)] - first)} << i;
+    }
+    for (int x = columns.begin; set != 0;) {
+        const int clear = std::countr_zero(set);
+        set >>= clear;
+        const int run = std::countr_one(set);
+        set = run < 64 ? set >> run : 0;
+        runs.add(layer.run(x + clear, x + clear + run));
+        x += clear + run;
+    }
 }
 
 }  // namespace zolcs

@@ -114,6 +114,9 @@ private:
         int width = 0;
     };
 
+    /// Bits of an oblique line that are tested at a time when the plane's summary cannot tell.
+    static constexpr int mostTested = 32;
+
     enum class Kind : std::uint8_t { Rectangle, Circle, Polygon, Bits };
 
     /// One rule; later layers take precedence over earlier ones.
@@ -137,6 +140,10 @@ private:
     void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    template <int Columns>
+    static void cutBitsInPieces(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
+    static void testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
+    static void testBitsTogether(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
     void cutBitsUpright(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
 
     [[nodiscard]] bool isInsideCircle(Fixed16 u, Fixed16 v) const;

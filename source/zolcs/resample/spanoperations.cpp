@@ -1,6 +1,7 @@
 #include "zolcs/resample/spanoperations.h"
 
 #include "zolcs/resample/spanvectors.h"
+#include "zolcs/resample/stepping.h"
 
 #include <atomic>
 #include <cstring>
@@ -13,13 +14,23 @@ namespace zolcs {
 
 namespace {
 
-void portableOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
+template <typename PixelOf>
+void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, PixelOf&& pixelOf) {
     std::uint32_t u = positions.u;
     std::uint32_t v = positions.v;
     const auto pitch = static_cast<std::uint32_t>(positions.pitch);
     for (int i = 0; i < count; ++i, u += positions.du, v += positions.dv) {
-        out[i] = static_cast<std::int32_t>((v >> 16U) * pitch + (u >> 16U));
+        out[i] = static_cast<std::int32_t>(pixelOf(v) * pitch + pixelOf(u));
     }
+}
+
+void portableOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    fillOffsets(positions, count, out, [](std::uint32_t coordinate) { return coordinate >> 16U; });
+}
+
+void portableRoundedOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    fillOffsets(positions, count, out,
+                [](std::uint32_t coordinate) { return static_cast<std::uint32_t>(roundedPixel(coordinate)); });
 }
 
 void portableGather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
@@ -32,7 +43,7 @@ void portableTranspose32(const std::uint32_t* tile, const TileShape& shape, std:
     }
 }
 
-constexpr SpanOperations portable{portableOffsets, portableGather32, portableTranspose32};
+constexpr SpanOperations portable{portableOffsets, portableRoundedOffsets, portableGather32, portableTranspose32};
 
 enum class Mode : std::uint8_t { Best, Plain, Portable };
 

@@ -32,6 +32,8 @@ struct TileShape {
 struct SpanOperations {
     /// Offsets of the source pixels at `count` positions.
     void (*offsets)(const SpanPositions& positions, int count, std::int32_t* out);
+    /// The same with u and v rounded to single precision before their whole pixels are taken.
+    void (*roundedOffsets)(const SpanPositions& positions, int count, std::int32_t* out);
     /// out[i] = source[offsets[i]].
     void (*gather32)(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
     /// out[y * outPitch + x] = tile[x * tilePitch + y].

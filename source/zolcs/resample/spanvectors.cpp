@@ -12,7 +12,9 @@ namespace zolcs::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
+/// `pixelOf` makes whole pixels of a vector of coordinates.
+template <typename PixelOf>
+void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, PixelOf&& pixelOf) {
     const hn::CappedTag<std::uint32_t, 16> d;
     const hn::RebindToSigned<decltype(d)> di;
     const int lanes = static_cast<int>(hn::Lanes(d));
@@ -22,18 +24,32 @@ void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
     const auto uStep = hn::Set(d, positions.du * static_cast<std::uint32_t>(lanes));
     const auto vStep = hn::Set(d, positions.dv * static_cast<std::uint32_t>(lanes));
     const auto pitch = hn::Set(d, static_cast<std::uint32_t>(positions.pitch));
-    const auto offset = [&] { return hn::Add(hn::Mul(hn::ShiftRight<16>(v), pitch), hn::ShiftRight<16>(u)); };
+    const auto offset = [&] { return hn::BitCast(di, hn::Add(hn::Mul(pixelOf(v), pitch), pixelOf(u))); };
     int i = 0;
     for (; i + lanes <= count; i += lanes) {
-        hn::StoreU(hn::BitCast(di, offset()), di, out + i);
+        hn::StoreU(offset(), di, out + i);
         u = hn::Add(u, uStep);
         v = hn::Add(v, vStep);
     }
     if (i < count) {
         HWY_ALIGN std::int32_t rest[16];
-        hn::Store(hn::BitCast(di, offset()), di, rest);
+        hn::Store(offset(), di, rest);
         for (int k = 0; i < count; ++i, ++k) out[i] = rest[k];
     }
+}
+
+void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    fillOffsets(positions, count, out, [](auto coordinates) { return hn::ShiftRight<16>(coordinates); });
+}
+
+void roundedOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    fillOffsets(positions, count, out, [](auto coordinates) {
+        const hn::CappedTag<std::uint32_t, 16> d;
+        const hn::RebindToSigned<decltype(d)> di;
+        const hn::RebindToFloat<decltype(d)> df;
+        const auto position = hn::Mul(hn::ConvertTo(df, hn::BitCast(di, coordinates)), hn::Set(df, 1.5258789e-5F));
+        return hn::BitCast(d, hn::ConvertTo(di, position));
+    });
 }
 
 void gather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
@@ -128,7 +144,7 @@ void transpose32(const std::uint32_t* tile, const TileShape& shape, std::uint32_
 }
 
 const SpanOperations* operations() {
-    static constexpr SpanOperations table{offsets, gather32, transpose32};
+    static constexpr SpanOperations table{offsets, roundedOffsets, gather32, transpose32};
     return &table;
 }
 

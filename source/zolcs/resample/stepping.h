@@ -24,6 +24,15 @@ inline constexpr double fixed16Range = 0x1.0p62;
 /// The whole pixel that a coordinate lies on.
 constexpr std::int64_t pixelOf(Fixed16 coordinate) { return coordinate >> fixed16Bits; }
 
+/// A coordinate in pixels, in single precision: overlay planes, padding and the shutters' curves are decided at this
+/// position. From 2^24 on it is coarser than 16.16 and may round up to the next pixel; pictures depend on it.
+constexpr float singlePosition(Fixed16 coordinate) { return static_cast<float>(coordinate) * 1.5258789e-5F; }
+
+/// The whole pixel of a coordinate's single-precision position.
+constexpr std::int64_t roundedPixel(Fixed16 coordinate) {
+    return static_cast<std::int64_t>(singlePosition(coordinate));
+}
+
 /// `value` truncated toward zero and saturated; 0 for a NaN.
 inline std::int32_t saturated32(double value) {
     if (std::isnan(value)) return 0;
