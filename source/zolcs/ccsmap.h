@@ -19,8 +19,8 @@ class ZOLWEBCS_API IMap {
 public:
     IMap() = default;
     /// There is nothing to copy.
-    IMap(const IMap&) {}
-    IMap& operator=(const IMap&) { return *this; }
+    IMap(const IMap&) = default;
+    IMap& operator=(const IMap&) = default;
 
     /// Grey maps: the palette of 256 display pixels through which levels are shown; it stays the caller's and must live
     /// as long as tables are built from it. The table becomes stale. Null removes it. Colour maps ignore it.

@@ -42,8 +42,8 @@ __m128i lookUpFour(const std::byte* source, const Ipp32u* table, Mask mask) {
 
 // Masking costs a tenth of the time, and the common case has nothing to mask.
 struct AllBits {
-    [[nodiscard]] std::uint32_t ofTwo(std::uint32_t samples) const { return samples; }
-    [[nodiscard]] Ipp16u ofOne(Ipp16u sample) const { return sample; }
+    static std::uint32_t ofTwo(std::uint32_t samples) { return samples; }
+    static Ipp16u ofOne(Ipp16u sample) { return sample; }
 };
 
 struct SomeBits {
@@ -58,7 +58,7 @@ struct CachedStores {
     static constexpr bool needAlignment = false;
     static void four(std::byte* to, __m128i pixels) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), pixels); }
     static void one(std::byte* to, Ipp32u pixel) { std::memcpy(to, &pixel, sizeof pixel); }
-    static void prefetch(const std::byte*, const std::byte*, std::size_t) {}
+    static void prefetch(const std::byte* /*source*/, const std::byte* /*destination*/, std::size_t /*block*/) {}
 };
 
 struct BypassingStores {
@@ -168,7 +168,7 @@ void lutPaletteFast(const LutPaletteJob& job, bool bypassCache) {
 
 #else
 
-void lutPaletteFast(const LutPaletteJob& job, bool) { lutPaletteScalar(job); }
+void lutPaletteFast(const LutPaletteJob& job, bool /*bypassCache*/) { lutPaletteScalar(job); }
 
 #endif
 
@@ -187,13 +187,15 @@ IppStatus ZOLippiLUTPalette_16u32u_C1R(const Ipp16u* pSrc, int srcStep, Ipp32u* 
     if (roiSize.width < 1 || roiSize.height < 1) return ippStsSizeErr;
     if (srcStep / 2 < roiSize.width || dstStep / 4 < roiSize.width) return ippStsStepErr;
     if (nBitSize < 1 || nBitSize > 16) return ippStsBadArgErr;
-    const zolipp::LutPaletteJob job{reinterpret_cast<const std::byte*>(pSrc),
-                                    srcStep,
-                                    reinterpret_cast<std::byte*>(pDst),
-                                    dstStep,
-                                    roiSize,
-                                    pTable,
-                                    static_cast<Ipp16u>((1U << nBitSize) - 1U)};
+    const void* source = pSrc;
+    void* destination = pDst;
+    const zolipp::LutPaletteJob job{.source = static_cast<const std::byte*>(source),
+                                    .sourceStep = srcStep,
+                                    .destination = static_cast<std::byte*>(destination),
+                                    .destinationStep = dstStep,
+                                    .size = roiSize,
+                                    .table = pTable,
+                                    .mask = static_cast<Ipp16u>((1U << nBitSize) - 1U)};
     zolipp::lutPaletteFast(job, std::int64_t{dstStep} * roiSize.height > cacheableBytes);
     return ippStsNoErr;
 }

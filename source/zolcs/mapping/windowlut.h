@@ -182,7 +182,8 @@ inline void fillWindowed(std::span<std::uint16_t> windowed, const WindowedExtent
     for (std::uint16_t& entry : windowed) {
         const auto index = static_cast<std::uint64_t>(position);
         const double fraction = position - static_cast<double>(index);
-        entry = static_cast<std::uint16_t>((1.0 - fraction) * table.at(index) + fraction * table.at(index + 1) + 0.5);
+        const double value = (1.0 - fraction) * table.at(index) + fraction * table.at(index + 1);
+        entry = static_cast<std::uint16_t>(std::floor(value + 0.5));
         position += extent.step;
     }
 }
