@@ -53,7 +53,7 @@ public:
 
     /// Asks for a repaint of that part of the window, background left alone; -1 stands for the frame's own number. 255;
     /// or 0, reported with the result as number, when that fails or the frame has no window.
-    virtual int invalidate(int width, int height, int x, int y);
+    virtual int invalidate(int areaWidth, int areaHeight, int left, int top);
 
     /// Draws the overlays into the frame's own pixels and copies what lies in the given area of the client to `dc`. -1
     /// stands for the frame's own number. An area outside the frame is a success, without any drawing.
@@ -63,34 +63,35 @@ public:
     /// overlay in `textColor`. All with mode 1, the size of the area and an identity as output transformation.
     ///
     /// 255; or 0, reported with the result as number, when the copy fails or there are no pixels.
-    virtual int paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned long color, int width, int height, int x,
-                      int y, CCsOverlay* textOverlay, unsigned long textColor, HFONT font, CCsOverlay* extraOverlay);
+    virtual int paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned long color, int areaWidth,
+                      int areaHeight, int left, int top, CCsOverlay* textOverlay, unsigned long textColor, HFONT font,
+                      CCsOverlay* extraOverlay);
 
     /// New size, place and pixels (all zero); -1 keeps the present number. 255; 0 without a report when there is no
     /// memory for that size, as for a negative one: the frame has no pixels then. 0 with a report when GDI refuses the
     /// bitmap, as for a size of 0: the frame can then be drawn on again after another setSize. Validity stays.
-    virtual int setSize(int width, int height, int x, int y);
+    virtual int setSize(int newWidth, int newHeight, int newX, int newY);
 
-    /// Stretches the frame over the width by height device units at (x, y), as large as it gets with its larger extent
-    /// in the larger extent there, then draws the overlays with `mode`. Without a transformation no overlay is drawn.
-    /// Overlays are told the area as size and offsets. Text is drawn with `font`, where it is given, in white in mode 2
-    /// and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
+    /// Stretches the frame over the page, pageWidth by pageHeight device units at (left, top), as large as it gets with
+    /// its larger extent in the larger extent there, then draws the overlays with `mode`. Without a transformation no
+    /// overlay is drawn. Overlays are told the area as size and offsets. Text is drawn with `font`, where it is given,
+    /// in white in mode 2 and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
     ///
     /// 255; or 0 when the stretch mode cannot be set (reported with the result as number) or no line can be brought out
     /// (reported with -1). Leaves the pixels locked once more.
     virtual int print(HDC dc, RECT area, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo,
-                      unsigned long color, unsigned long textColor, int width, int height, int x, int y, HFONT font,
-                      int mode);
+                      unsigned long color, unsigned long textColor, int pageWidth, int pageHeight, int left, int top,
+                      HFONT font, int mode);
 
     /// As print, through a copy of 24 bits a pixel whose channels are deliberately rotated: blue gets green, green gets
     /// red, red gets blue. Overlays are told the size of the printed frame and no offsets; text is drawn only where a
     /// font is given, in white in mode 2 and in 0x00FFFF otherwise.
     virtual int printColor(HDC dc, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo, unsigned long color,
-                           int width, int height, int x, int y, HFONT font, int mode);
+                           int pageWidth, int pageHeight, int left, int top, HFONT font, int mode);
 
     /// Takes the aspect ratio from the window's device and gets pixels of that size. 255; or 0, reported, and not valid
     /// when there is no device context or no pixels can be had.
-    int init(HWND window, int width, int height, int x, int y);
+    int init(HWND window, int newWidth, int newHeight, int newX, int newY);
 
     /// As above for a device context, without a window and with the present size.
     int init(HDC dc);
@@ -102,19 +103,19 @@ public:
     /// it.
     void unmapBitmap();
 
-    /// Prints the frame and the overlays with mode 3 into a bitmap of width by height pixels, bottom line first, with
-    /// 32 or 24 bits a pixel, behind a BITMAPINFO in one block. `selectFont`, where it is given, is the font that
+    /// Prints the frame and the overlays with mode 3 into a bitmap of dibWidth by dibHeight pixels, bottom line first,
+    /// with 32 or 24 bits a pixel, behind a BITMAPINFO in one block. `selectFont`, where it is given, is the font that
     /// overlays find selected. `result` is set in any case and belongs to the caller, who frees it with
     /// delete[] reinterpret_cast<unsigned char*>(result).
     ///
-    /// Deliberately only the first width * height * 3 bytes of the pixels are brought over, also of 32-bit ones; the
-    /// rest is 0.
+    /// Deliberately only the first dibWidth * dibHeight * 3 bytes of the pixels are brought over, also of 32-bit ones;
+    /// the rest is 0.
     ///
     /// 255, also when printing has failed (that is reported; a frame without pixels gives a black bitmap); or 0,
     /// reported, when no bitmap of that size can be made. `result` then holds the header, or null when memory is
     /// exhausted.
-    int MakeDIB(BITMAPINFO*& result, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo, int width,
-                int height, HFONT selectFont, HFONT textFont, bool thirtyTwoBit, unsigned long color,
+    int MakeDIB(BITMAPINFO*& result, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo, int dibWidth,
+                int dibHeight, HFONT selectFont, HFONT textFont, bool thirtyTwoBit, unsigned long color,
                 unsigned long textColor);
 
     /// 1 after a successful init, else 0.

@@ -14,7 +14,7 @@ LONG averageWidth(const LOGFONTW& description) {
     CFont font;
     HDC dc = CreateCompatibleDC(nullptr);
     TEXTMETRICW metrics{};
-    if (dc != nullptr && font.CreateFontIndirectW(&description)) {
+    if (dc != nullptr && font.CreateFontIndirectW(&description) != FALSE) {
         HGDIOBJ previous = SelectObject(dc, font.GetSafeHandle());
         GetTextMetricsW(dc, &metrics);
         SelectObject(dc, previous);
