@@ -55,6 +55,7 @@ ZolCharsetSupport::ZolCharsetSupport() = default;
 
 ZolCharsetSupport::~ZolCharsetSupport() = default;
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): hosts may replace this library
 bool ZolCharsetSupport::CreateFontForStr(const wchar_t* text, CFont& font, int charsetType, const wchar_t* faceName,
                                          int width) {
     font.DeleteObject();

@@ -22,6 +22,5 @@ public:
     /// Attaches to `font` a font of the given face and average character width (pixels; height follows) that can show
     /// `text`; another face is chosen when that one lacks its characters. A font that `font` held is deleted first.
     /// False, and `font` empty, for null arguments, a width below 1, or when no font can be made.
-    // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
     bool CreateFontForStr(const wchar_t* text, CFont& font, int charsetType, const wchar_t* faceName, int width);
 };

@@ -1,5 +1,7 @@
-// Something to draw on whose pixels a test can read, and a count of GDI objects to find leaks with.
+// Something to draw on whose pixels a test can read.
 #pragma once
+
+#include "support/gdi_count.h"
 
 #include "platform/platform.h"
 
@@ -8,16 +10,6 @@
 #include <vector>
 
 namespace zoltest {
-
-/// GDI objects of this process.
-inline unsigned int gdiObjectCount() {
-#if defined(_WIN32)
-    GdiFlush();
-    return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-#else
-    return ZolGdiObjectCount();
-#endif
-}
 
 /// A memory device context with a top-down bitmap of 32 bits a pixel selected into it, all pixels at a start value.
 class Canvas {
