@@ -1,8 +1,9 @@
 // sin, cos, acos, atan2 and exp with the same bits on every platform.
 //
 // The C libraries differ in the last bit, and one bit in a view matrix or a sigmoid table moves pixels. These functions
-// consist of IEEE double additions, multiplications, divisions and square roots in a fixed order and of nothing else,
-// so that every build gives the same result. Each also lies within one unit in the last place of the exact value.
+// consist of IEEE double additions, multiplications, divisions and square roots in a fixed order, and of exactly
+// defined roundings and remainders, so that every build gives the same result. Each also lies within one unit in the
+// last place of the exact value.
 #pragma once
 
 #include "zolcs/ccsexport.h"

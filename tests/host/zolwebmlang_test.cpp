@@ -116,13 +116,16 @@ TEST(ZolCharsetSupportTest, RefusesBadArgumentsAndLeavesTheFontEmpty) {
 }
 
 TEST(ZolCharsetSupportTest, ReplacesTheFontWithoutALeak) {
+    const bool counts = zoltest::canCountGdiObjects();
     const unsigned int objects = zoltest::gdiObjectCount();
     {
         ZolCharsetSupport support;
         CFont font;
         for (const Script& script : scripts) {
             EXPECT_TRUE(support.CreateFontForStr(script.text, font, 32, L"DejaVu Sans", 9));
-            EXPECT_EQ(zoltest::gdiObjectCount(), objects + 1);
+            if (counts) {
+                EXPECT_EQ(zoltest::gdiObjectCount(), objects + 1);
+            }
         }
     }
     EXPECT_EQ(zoltest::gdiObjectCount(), objects);

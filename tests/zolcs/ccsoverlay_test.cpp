@@ -5,6 +5,8 @@
 
 #include "zolcs/ccsgroup.h"
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <new>
