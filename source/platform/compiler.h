@@ -30,7 +30,7 @@ inline bool zolProcessorHasMmx() {
     __cpuid(registers, 1);
     return (registers[3] & (1 << 23)) != 0;
 #elif defined(__i386__) || defined(__x86_64__)
-    return __builtin_cpu_supports("mmx") != 0;
+    return static_cast<bool>(__builtin_cpu_supports("mmx"));
 #else
     return false;
 #endif

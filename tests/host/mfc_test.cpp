@@ -172,6 +172,8 @@ TEST(CPointTest, AddsAndSubtracts) {
     EXPECT_EQ(p.x, 9);
     const POINT plain = p;
     EXPECT_EQ(plain.y, 8);
+    EXPECT_TRUE(p == plain);
+    EXPECT_TRUE(plain == p);
     EXPECT_TRUE(CPoint() == CPoint(0, 0));
 }
 
@@ -201,6 +203,8 @@ TEST(CRectTest, HasEdgesAndExtents) {
     const RECT plain{1, 2, 11, 22};
     EXPECT_TRUE(CRect(plain) == r);
     EXPECT_TRUE(CRect(&plain) == r);
+    EXPECT_TRUE(r == plain);
+    EXPECT_FALSE(plain != r);
     EXPECT_TRUE(CRect().IsRectNull());
 }
 

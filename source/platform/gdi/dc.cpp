@@ -137,7 +137,8 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
         if (zolgdi::find<zolgdi::Bitmap>(object)) return selectBitmap(context, object);
         if (const auto region = zolgdi::find<zolgdi::Region>(object)) {
             context.state.clip = region->area();
-            return reinterpret_cast<HGDIOBJ>(static_cast<LONG_PTR>(context.clipArea().complexity()));
+            const auto complexity = static_cast<LONG_PTR>(context.clipArea().complexity());
+            return reinterpret_cast<HGDIOBJ>(complexity);  // NOLINT(performance-no-int-to-ptr): GDI's result
         }
         return nullptr;
     });
@@ -293,7 +294,7 @@ BOOL ModifyWorldTransform(HDC dc, const XFORM* transform, DWORD mode) {
         });
     }
     XFORM world{};
-    if (transform == nullptr || !GetWorldTransform(dc, &world)) return FALSE;
+    if (transform == nullptr || GetWorldTransform(dc, &world) == FALSE) return FALSE;
     if (mode != MWT_LEFTMULTIPLY && mode != MWT_RIGHTMULTIPLY) return FALSE;
     const XFORM result = mode == MWT_LEFTMULTIPLY ? product(*transform, world) : product(world, *transform);
     return SetWorldTransform(dc, &result);

@@ -50,6 +50,7 @@ using COLORREF = DWORD;
 
 // ---------------------------------------------------------------------------------------------------- handles
 
+// NOLINTBEGIN(bugprone-reserved-identifier): Win32's own names.
 struct HDC__;
 struct HBITMAP__;
 struct HPEN__;
@@ -58,6 +59,7 @@ struct HFONT__;
 struct HRGN__;
 struct HWND__;
 struct HPALETTE__;
+// NOLINTEND(bugprone-reserved-identifier)
 
 using HANDLE = void*;
 using HGDIOBJ = void*;
@@ -70,10 +72,12 @@ using HRGN = HRGN__*;
 using HWND = HWND__*;
 using HPALETTE = HPALETTE__*;
 
+// NOLINTBEGIN(performance-no-int-to-ptr,misc-misplaced-const): values that stand for no object.
 /// What file-mapping calls take for "no file: memory only".
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1));
 /// What SelectObject returns when it fails for a region.
 inline const HGDIOBJ HGDI_ERROR = reinterpret_cast<HGDIOBJ>(static_cast<LONG_PTR>(-1));
+// NOLINTEND(performance-no-int-to-ptr,misc-misplaced-const)
 
 // ---------------------------------------------------------------------------------------------------- records
 
@@ -220,18 +224,17 @@ struct tagXFORM {
 };
 using XFORM = tagXFORM;
 
-struct _DOCINFOW {
+struct DOCINFOW {
     int cbSize;
     LPCWSTR lpszDocName;
     LPCWSTR lpszOutput;
     LPCWSTR lpszDatatype;
     DWORD fwType;
 };
-using DOCINFOW = _DOCINFOW;
 using DOCINFO = DOCINFOW;
 
-struct _SECURITY_ATTRIBUTES;
-using LPSECURITY_ATTRIBUTES = _SECURITY_ATTRIBUTES*;
+struct SECURITY_ATTRIBUTES;
+using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 
 // ---------------------------------------------------------------------------------------------------- colours
 

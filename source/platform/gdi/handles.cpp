@@ -52,7 +52,8 @@ HANDLE HandleTable::add(std::shared_ptr<Object> object, bool stock) {
     slot.object = std::move(object);
     slot.object->stock_ = stock;
     if (!stock) ++slots_->living;
-    return reinterpret_cast<HANDLE>((((slot.generation << indexBits) | (index + 1)) << tagBits) | tag);
+    const std::uintptr_t bits = (((slot.generation << indexBits) | (index + 1)) << tagBits) | tag;
+    return reinterpret_cast<HANDLE>(bits);  // NOLINT(performance-no-int-to-ptr): a handle is not an address
 }
 
 HandleTable::Slot* HandleTable::slotOf(HANDLE handle) {

@@ -161,7 +161,7 @@ int giveFont(const Font& font, int byteCount, void* record) {
 using zolgdi::find;
 using zolgdi::guarded;
 
-HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section, DWORD offset) {
+HBITMAP CreateDIBSection(HDC /*dc*/, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section, DWORD offset) {
     using zolgdi::Bitmap;
     if (bits != nullptr) *bits = nullptr;
     return guarded(nullptr, [&]() -> HBITMAP {
@@ -180,7 +180,7 @@ HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOID* bits, 
             if (!view) return nullptr;
             bitmap = std::make_shared<Bitmap>(info->bmiHeader, layout, std::move(view), section, offset);
         }
-        const auto handle = zolgdi::publish<HBITMAP>(bitmap);
+        auto* const handle = zolgdi::publish<HBITMAP>(bitmap);
         if (handle != nullptr && bits != nullptr) *bits = bitmap->description().dsBm.bmBits;
         return handle;
     });

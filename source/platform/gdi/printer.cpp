@@ -55,7 +55,7 @@ public:
     }
 
     /// The pixels go into the file at their own resolution and are scaled where they are shown.
-    void picture(const Area& clip, const Picture& picture, BYTE, COLORREF) override {
+    void picture(const Area& clip, const Picture& picture, BYTE /*rop*/, COLORREF /*pattern*/) override {
         const RECT source = intersection({0, 0, picture.pixels.width, picture.pixels.height},
                                          {picture.x, picture.y, picture.x + picture.width, picture.y + picture.height});
         if (isEmpty(source)) return;
@@ -107,7 +107,7 @@ public:
     }
 
     void text(const Area& clip, const TextRun& run) override {
-        const TextLine line(*run.font, run.dpi, true, run.text);
+        const TextLine& line = TextLine::shaped(*run.font, run.dpi, true, run.text);
         const Affine placement = line.placed(run.transform);
         if (run.opaque) fill(clip, {line.cell(placement)}, ALTERNATE, run.background);
         clipped(cairo_, clip, [&] {

@@ -154,7 +154,7 @@ std::pair<const BYTE*, const BYTE*> extent(const Pixels& pixels) {
 bool overlap(const Pixels& a, const Pixels& b) {
     const auto first = extent(a);
     const auto second = extent(b);
-    const std::less<const BYTE*> before;
+    const std::less<> before;
     return before(first.first, second.second) && before(second.first, first.second);
 }
 

@@ -10,7 +10,7 @@
 namespace zolgdi {
 
 void RasterCanvas::text(const Area& clip, const TextRun& run) {
-    const TextLine line(*run.font, run.dpi, false, run.text);
+    const TextLine& line = TextLine::shaped(*run.font, run.dpi, false, run.text);
     const Affine placement = line.placed(run.transform);
     if (run.opaque) fill(clip, {line.cell(placement)}, ALTERNATE, run.background);
     const RECT extent = line.extent(placement);
@@ -97,8 +97,8 @@ BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int length, LPSIZE size) {
     std::wstring_view view;
     if (size == nullptr || !zolgdi::viewOf(text, length, view)) return FALSE;
     return withDc(dc, FALSE, [&](DeviceContext& context) {
-        const zolgdi::TextLine line(context.state.font->description(), context.capabilities.dpi,
-                                    zolgdi::isExact(context), view);
+        const zolgdi::TextLine& line = zolgdi::TextLine::shaped(
+            context.state.font->description(), context.capabilities.dpi, zolgdi::isExact(context), view);
         *size = {view.empty() ? 0 : line.width(), line.font().height()};
         return TRUE;
     });

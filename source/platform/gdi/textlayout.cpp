@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace zolgdi {
 
@@ -119,6 +120,28 @@ TextLine::TextLine(const LOGFONTW& font, int dpi, bool exact, std::wstring_view 
     pango_layout_set_attributes(layout_.get(), attributes.get());
     pango_layout_set_text(layout_.get(), utf8.data(), static_cast<int>(utf8.size()));
     line_ = pango_layout_get_line_readonly(layout_.get(), 0);
+}
+
+const TextLine& TextLine::shaped(const LOGFONTW& font, int dpi, bool exact, std::wstring_view text) {
+    struct Last {
+        LOGFONTW font{};
+        int dpi = 0;
+        bool exact = false;
+        std::wstring text;
+        std::unique_ptr<const TextLine> line;
+    };
+    thread_local Last last;
+    const bool same = last.line && last.dpi == dpi && last.exact == exact && last.text == text &&
+                      std::memcmp(&last.font, &font, sizeof(font)) == 0;
+    if (!same) {
+        last.line = nullptr;
+        last.line = std::make_unique<const TextLine>(font, dpi, exact, text);
+        last.font = font;
+        last.dpi = dpi;
+        last.exact = exact;
+        last.text = text;
+    }
+    return *last.line;
 }
 
 int TextLine::width() const {

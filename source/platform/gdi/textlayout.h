@@ -44,6 +44,10 @@ class TextLine {
 public:
     TextLine(const LOGFONTW& font, int dpi, bool exact, std::wstring_view text);
 
+    /// The line for these arguments, good until this thread's next call: a halo draws the same text many times, and
+    /// shaping it is most of the work.
+    static const TextLine& shaped(const LOGFONTW& font, int dpi, bool exact, std::wstring_view text);
+
     [[nodiscard]] const SizedFont& font() const { return font_; }
     [[nodiscard]] int width() const;
     /// From the line's own coordinates (reference point at the origin) to the device.

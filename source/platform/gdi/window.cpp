@@ -118,7 +118,7 @@ int ReleaseDC(HWND window, HDC dc) {
     return 1;
 }
 
-BOOL InvalidateRect(HWND window, const RECT* area, BOOL) {
+BOOL InvalidateRect(HWND window, const RECT* area, BOOL /*erase*/) {
     const auto object = find<Window>(window);
     if (!object) return FALSE;
     return object->call(FALSE, [&](ZolHostWindow& host) {

@@ -28,8 +28,7 @@ public:
 
     void SetSize(int width, int height) { *this = CSize(width, height); }
 
-    constexpr bool operator==(SIZE other) const { return cx == other.cx && cy == other.cy; }
-    constexpr bool operator!=(SIZE other) const { return !(*this == other); }
+    friend constexpr bool operator==(const CSize& a, const CSize& b) { return a.cx == b.cx && a.cy == b.cy; }
     CSize& operator+=(SIZE other) { return *this = *this + other; }
     CSize& operator-=(SIZE other) { return *this = *this - other; }
     constexpr CSize operator+(SIZE other) const { return SIZE{zolmfc::add(cx, other.cx), zolmfc::add(cy, other.cy)}; }
@@ -52,8 +51,7 @@ public:
     void Offset(POINT distance) { *this += CSize(distance); }
     void Offset(SIZE distance) { *this += distance; }
 
-    constexpr bool operator==(POINT other) const { return x == other.x && y == other.y; }
-    constexpr bool operator!=(POINT other) const { return !(*this == other); }
+    friend constexpr bool operator==(const CPoint& a, const CPoint& b) { return a.x == b.x && a.y == b.y; }
     CPoint& operator+=(SIZE distance) { return *this = *this + distance; }
     CPoint& operator-=(SIZE distance) { return *this = *this - distance; }
     CPoint& operator+=(POINT distance) { return *this += CSize(distance); }
@@ -112,7 +110,7 @@ public:
     void SetRect(POINT topLeft, POINT bottomRight) { *this = CRect(topLeft, bottomRight); }
     void SetRectEmpty() { *this = CRect(); }
     void CopyRect(LPCRECT source) { *this = CRect(source); }
-    [[nodiscard]] BOOL EqualRect(LPCRECT other) const { return (*this == *other) ? TRUE : FALSE; }
+    [[nodiscard]] BOOL EqualRect(LPCRECT other) const { return *this == CRect(other) ? TRUE : FALSE; }
 
     void InflateRect(int dx, int dy) { InflateRect(dx, dy, dx, dy); }
     void InflateRect(SIZE size) { InflateRect(size.cx, size.cy); }
@@ -172,10 +170,9 @@ public:
         return IsRectEmpty() ? FALSE : TRUE;
     }
 
-    constexpr bool operator==(const RECT& other) const {
-        return left == other.left && top == other.top && right == other.right && bottom == other.bottom;
+    friend constexpr bool operator==(const CRect& a, const CRect& b) {
+        return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
     }
-    constexpr bool operator!=(const RECT& other) const { return !(*this == other); }
     CRect& operator+=(POINT distance) { return *this = *this + distance; }
     CRect& operator-=(POINT distance) { return *this = *this - distance; }
     CRect& operator+=(SIZE distance) { return *this = *this + distance; }
