@@ -50,7 +50,7 @@ inline std::int64_t limited(std::int64_t value, std::int64_t highest) {
 }
 
 inline void setWindow(Grey12& map, unsigned centre, int width) {
-    map.centre = centre;
+    map.centre = static_cast<int>(centre);  // a negative centre arrives as its 32-bit pattern
     map.width = width;
     map.lutValid = false;
     map.windowedValid = false;

@@ -331,9 +331,16 @@ TEST_F(Grey12Map, ExactNonLinearWindowAtTheEndsOfTheDepth) {
     expectLut([](int v) { return v < 3996 ? 0 : (v - 3996) * 256 / 100; }, "past the depth");
 }
 
+TEST_F(Grey12Map, NegativeCentreArrivesAsItsPattern) {
+    map().setWindow(static_cast<unsigned>(-50), 400);
+    expectLut([](int v) { return v >= 150 ? 255 : (v + 250) * 256 / 400; }, "around -50");
+    map().setWindow(static_cast<unsigned>(-5000), 100);
+    expectLut([](int) { return 255; }, "below all stored values");
+}
+
 TEST_F(Grey12Map, WindowBeyondTheDepthShowsWhatIsBelowIt) {
     ASSERT_EQ(set(map(), {77, 200, 255}, false), 255);
-    for (const unsigned centre : {4146U, 100000U, 0xFFFFFFFFU}) {
+    for (const unsigned centre : {4146U, 100000U, 0x7FFFFFFFU}) {
         map().setWindow(centre, 100);
         expectLut([](int) { return 77; }, "beyond");
     }

@@ -19,7 +19,7 @@ using zolcs::mapping::StoredTable;
 using zolcs::mapping::Window;
 using zolcs::mapping::WindowedExtent;
 
-constexpr std::uint32_t maximumCentre = 0xFFFFFFFFU;
+constexpr std::int32_t maximumCentre = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t maximumWidth = std::numeric_limits<std::int32_t>::max();
 
 /// 256 colours of which no two are equal, in no order.
@@ -32,13 +32,13 @@ ShownLevels testColours() {
 Window randomWindow(zoltest::Random& random) {
     switch (random.integer(0, 3)) {
         case 0:
-            return {static_cast<std::uint32_t>(random.integer(0, 5000)), random.integer(1, 20)};
+            return {random.integer(-200, 5000), random.integer(1, 20)};
         case 1:
-            return {static_cast<std::uint32_t>(random.integer(0, 70000)), random.integer(1, 70000)};
+            return {random.integer(-2000, 70000), random.integer(1, 70000)};
         case 2:
-            return {static_cast<std::uint32_t>(random.bits()), random.integer(1, maximumWidth)};
+            return {static_cast<std::int32_t>(random.bits()), random.integer(1, maximumWidth)};
         default:
-            return {static_cast<std::uint32_t>(random.integer(0, 4095)), random.integer(1, 4096)};
+            return {random.integer(0, 4095), random.integer(1, 4096)};
     }
 }
 
@@ -64,7 +64,7 @@ TEST(WindowLut, WindowBoundsTruncateAndNeverOverflow) {
     EXPECT_EQ((Window{1, 2}.low()), 0);
     EXPECT_EQ((Window{0, 5}.low()), -2);
     EXPECT_EQ((Window{0, maximumWidth}.low()), -1073741823);
-    EXPECT_EQ((Window{maximumCentre, maximumWidth}.high()), 4294967295LL + 1073741824LL);
+    EXPECT_EQ((Window{maximumCentre, maximumWidth}.high()), 2147483647LL + 1073741824LL);
     EXPECT_EQ((Window{100, -5}.low()), 102) << "halving truncates toward zero";
     EXPECT_EQ((Window{0, std::numeric_limits<std::int32_t>::min()}.low()), 1073741824);
 }
@@ -153,7 +153,7 @@ TEST(WindowLut, SigmoidWithoutRemap) {
     zoltest::Random random(402);
     for (const int bits : {8, 10, 12, 14, 16}) {
         for (int n = 0; n < 4; ++n) {
-            const Window window{static_cast<std::uint32_t>(random.integer(0, 4095)), random.integer(1, 4096)};
+            const Window window{random.integer(0, 4095), random.integer(1, 4096)};
             std::vector<std::uint32_t> lut(4096);
             zolcs::mapping::fillSigmoid(lut, window, bits, false, colours);
             const double top = std::pow(2.0, bits) - 1.0;
@@ -171,7 +171,7 @@ TEST(WindowLut, SigmoidBehindARemapUsesTheFullPowerOfTwo) {
     zoltest::Random random(403);
     for (const int bits : {8, 10, 12, 14, 16}) {
         for (int n = 0; n < 4; ++n) {
-            const Window window{static_cast<std::uint32_t>(random.integer(0, 4095)), random.integer(1, 4096)};
+            const Window window{random.integer(0, 4095), random.integer(1, 4096)};
             std::vector<std::uint32_t> lut(4096);
             zolcs::mapping::fillSigmoid(lut, window, bits, true, colours);
             const double full = std::pow(2.0, bits);
@@ -306,7 +306,7 @@ TEST(WindowLut, WindowedExtentBelowZeroStartsInsideTheTable) {
 
 TEST(WindowLut, WindowedExtentEndsWithTheDepth) {
     for (const std::int64_t depth : {4096, 65536}) {
-        const auto centre = static_cast<std::uint32_t>(depth - 10);
+        const auto centre = static_cast<std::int32_t>(depth - 10);
         const WindowedExtent extent = zolcs::mapping::windowedExtent({centre, 100}, 100, depth);
         EXPECT_EQ(extent.start, centre - 50);
         EXPECT_EQ(extent.count, depth - extent.start);
@@ -314,7 +314,7 @@ TEST(WindowLut, WindowedExtentEndsWithTheDepth) {
 }
 
 TEST(WindowLut, WindowedExtentBeyondTheDepthKeepsOneEntry) {
-    for (const std::uint32_t centre : {4096U + 50U, 5000U, maximumCentre}) {
+    for (const std::int32_t centre : {4096 + 50, 5000, maximumCentre}) {
         const WindowedExtent extent = zolcs::mapping::windowedExtent({centre, 100}, 7, 4096);
         EXPECT_EQ(extent.start, centre - 50);
         EXPECT_EQ(extent.count, 1U);
@@ -340,7 +340,9 @@ TEST(WindowLut, WindowedEntriesAccumulateTheirPosition) {
         zolcs::mapping::fillWindowed(windowed, extent, table);
         const auto entryAt = [&](std::uint64_t k) { return values[std::min<std::uint64_t>(k, values.size() - 1)]; };
         const double step = static_cast<double>(values.size()) / window.width;
-        double position = window.low() < 0 ? static_cast<double>(-window.low()) * step : 0.0;
+        // A window that lies below all stored values starts at the table's begin.
+        const bool cutBelow = window.low() < 0 && window.high() > 0;
+        double position = cutBelow ? static_cast<double>(-window.low()) * step : 0.0;
         for (const std::uint16_t entry : windowed) {
             const double whole = std::trunc(position);
             const double f = position - whole;

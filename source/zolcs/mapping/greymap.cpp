@@ -58,7 +58,8 @@ void GreyMap::setColorMapIndex(CCsColorMapT* colorMap) {
 }
 
 int GreyMap::setWindow(unsigned int centre, int width) {
-    window_ = {centre, width};
+    // Hosts hand a negative centre over as its 32-bit pattern.
+    window_ = {static_cast<std::int32_t>(centre), width};
     lutValid_ = false;
     windowedValid_ = false;
     return 255;

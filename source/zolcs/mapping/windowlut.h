@@ -18,7 +18,7 @@ namespace zolcs::mapping {
 
 /// A window over stored values. Its ends are 64-bit, so that no centre and no width can overflow.
 struct Window {
-    std::uint32_t centre = 1;
+    std::int32_t centre = 1;  ///< signed: a window may lie below all stored values
     std::int32_t width = 2;
 
     /// The first stored value inside; negative for a window that begins below 0.
