@@ -25,6 +25,7 @@ frames the first) or the word 'phantom', a built-in test picture that needs no f
   zolview render phantom -o phantom.png
   zolview render ct.dcm -o bone.png --window 300/1500 --size 1024x1024
   zolview render chest.dcm -o part.png --zoom 3 --pan -200,100
+  zolview render phantom -o marked.png --annotate figures.json
   zolview info ct.dcm)";
 
 constexpr const char* footer = R"(The view is made in this order: flip, rotate, zoom, pan.
@@ -47,7 +48,14 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::st
         ->type_name(unit);
 }
 
-void addViewOptions(CLI::App& command, RenderOptions& options) {
+void addAnnotationOptions(CLI::App& command, RenderOptions& options, std::string& file) {
+    CLI::Option* const annotate =
+        command.add_option("--annotate", file, "Draw the annotations of this JSON file")->type_name("FILE.json");
+    command.add_flag("--burn-in", options.burnIn, "Write them into the image's pixels instead of over the picture")
+        ->needs(annotate);
+}
+
+void addViewOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile) {
     addParsed(command, "--size", "Size of the picture (default: the image's own, at most 2048 on the longer side)",
               "WIDTHxHEIGHT",
               "WIDTHxHEIGHT with sides from 1 to " + std::to_string(maxSide) + " and at most " +
@@ -79,6 +87,7 @@ void addViewOptions(CLI::App& command, RenderOptions& options) {
         "--no-overlays", [&options] { options.overlays = false; }, "Leave the image's overlay planes out");
     command.add_flag_callback(
         "--no-shutters", [&options] { options.shutters = false; }, "Show what the image's shutters hide");
+    addAnnotationOptions(command, options, annotationFile);
     command
         .add_option("--background", options.background,
                     "Grey of what lies outside the image, 0 (the default, black) to 255")
@@ -102,11 +111,27 @@ int fail(int status, std::string message) {
     return status;
 }
 
+/// Does what is to be done with a file, and tells its name with whatever goes wrong. The exit status.
+template <typename Action>
+int attempt(const std::string& file, Action action) {
+    try {
+        action();
+    } catch (const Refusal& refusal) {
+        return fail(exitRefused, file + ": " + refusal.what());
+    } catch (const std::bad_alloc&) {
+        return fail(exitRefused, file + ": not enough memory");
+    } catch (const std::exception& error) {
+        return fail(exitRefused, file + ": " + error.what());
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::string input;
     std::string output;
+    std::string annotationFile;
     RenderOptions options;
 
     CLI::App app(description, "zolview");
@@ -119,7 +144,7 @@ int main(int argc, char** argv) {
         command->add_option("INPUT", input, "A DICOM file, or the word phantom")->required()->type_name("");
     renderCommand.add_option("-o,--output", output, "The PNG file to write")->required()->type_name("OUT.png");
     renderCommand.footer(footer);
-    addViewOptions(renderCommand, options);
+    addViewOptions(renderCommand, options, annotationFile);
 
     try {
         app.parse(argc, argv);
@@ -128,18 +153,15 @@ int main(int argc, char** argv) {
         return fail(exitUsage, std::string(error.what()) + " (zolview --help tells more)");
     }
 
-    try {
+    if (!annotationFile.empty()) {
+        const int status = attempt(annotationFile, [&] { options.annotations = readAnnotations(annotationFile); });
+        if (status != 0) return status;
+    }
+    return attempt(input, [&] {
         if (renderCommand.parsed()) {
             renderToFile(input, output, options);
         } else {
             std::cout << describeInput(input);
         }
-    } catch (const Refusal& refusal) {
-        return fail(exitRefused, input + ": " + refusal.what());
-    } catch (const std::bad_alloc&) {
-        return fail(exitRefused, input + ": not enough memory");
-    } catch (const std::exception& error) {
-        return fail(exitRefused, input + ": " + error.what());
-    }
-    return 0;
+    });
 }

@@ -27,8 +27,15 @@ public:
     /// Sixteen colours by a plane's position.
     [[nodiscard]] unsigned int* planeColours() { return planeColours_.data(); }
 
+    /// Writes an overlay into the pixels: lines in the highest level and shadows in the lowest, the other way round
+    /// when `inverted`, so that lines are white on the screen. Embedded planes stay what they are. The transformation
+    /// brings the image onto itself.
+    void burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
+
 private:
     void copySamples(const StoredImage& image);
+    template <typename Change>
+    void changeSamples(Change change);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
 

@@ -1,5 +1,7 @@
 #include "render.h"
 
+#include "annotation_overlay.h"
+#include "fonts.h"
 #include "host_window.h"
 #include "raster_setup.h"
 #include "report_log.h"
@@ -115,9 +117,29 @@ void resample(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IMap& map, 
     if (background != 0) fillBackground(frame, outside, background);
 }
 
-void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window) {
+/// Large enough to be read on the whole image, in pixels of the image.
+int burnInFontHeight(const CCsRaster& raster) { return std::max(raster.getHeight() / 32, 14); }
+
+/// The annotations into the raster's pixels. Fractions count the image there, not the picture.
+void burnIn(RasterSetup& setup, CCs2dTrafo& view, IMap& map, const std::vector<Annotation>& annotations,
+            bool inverted) {
+    CCsRaster& raster = setup.raster();
+    const double ratio = raster.getRatioYx();
+    const double aspect = raster.getWidth() / (raster.getHeight() * ratio);
+    AnnotationOverlay overlay(annotations, {view, ratio, aspect});
+    CCs2dTrafo onto;
+    onto.setSizes(raster, raster.getWidth(), raster.getHeight(), ratio, 0, 0);
+    const Font font(burnInFontHeight(raster), Font::Edges::Hard);
+    setup.burnIn(map, *overlay.group(), onto, font.handle(), inverted);
+    ReportLog::check();
+}
+
+void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window, CCsOverlay* annotations) {
+    constexpr int fontHeight = 18;
+    const Font font(fontHeight, Font::Edges::Smooth);
     HDC dc = GetDC(window);
-    const int painted = frame.paint(dc, nullptr, &view, 0, -1, -1, -1, -1, nullptr, 0, nullptr, nullptr);
+    // The frame draws its second overlay always, its first one only when that does not follow the image.
+    const int painted = frame.paint(dc, nullptr, &view, 0, -1, -1, -1, -1, annotations, 0, font.handle(), nullptr);
     ReleaseDC(window, dc);
     ReportLog::check();
     if (painted != 255) throw Refusal("the picture could not be painted");
@@ -125,40 +147,58 @@ void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window) {
 
 }  // namespace
 
-Size defaultSize(const StoredImage& image, double degrees) {
-    constexpr double longest = 2048.0;
-    double width = image.width * std::max(1.0 / image.ratioYx, 1.0);
-    double height = image.height * std::max(image.ratioYx, 1.0);
-    if (isQuarterTurn(degrees)) std::swap(width, height);
-    const double shrink = std::min(longest / std::max(width, height), 1.0);
+Size ownSize(const StoredImage& image, double longest) {
+    const double width = image.width * std::max(1.0 / image.ratioYx, 1.0);
+    const double height = image.height * std::max(image.ratioYx, 1.0);
+    const double shrink = std::min({longest / std::max(width, height), std::sqrt(maxPixels / (width * height)), 1.0});
     const auto whole = [shrink](double side) { return std::max(static_cast<int>(std::lround(side * shrink)), 1); };
     return {whole(width), whole(height)};
 }
 
-Picture render(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes) {
+Size defaultSize(const StoredImage& image, double degrees) {
+    constexpr double longest = 2048.0;
+    const Size size = ownSize(image, longest);
+    return isQuarterTurn(degrees) ? Size{size.height, size.width} : size;
+}
+
+Refusal noMemory(const StoredImage& image, Size size) {
+    return Refusal("not enough memory for an image of " + std::to_string(image.width) + " x " +
+                   std::to_string(image.height) + " and a picture of " + std::to_string(size.width) + " x " +
+                   std::to_string(size.height) + " pixels");
+}
+
+CCs2dTrafo drawImage(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes,
+                     CCsFrame& frame) {
     const RasterWindow window = chooseWindow(image, options, notes);
+    RasterSetup setup(image, options.shutters, options.overlays);
+    CCs2dTrafo view = makeView(setup.raster(), frame, options);
+
+    const bool inverted = image.inverted != window.reversed;
+    CCsColorMan palette;
+    if (inverted != options.invert) palette.invertPalette();
+    CCsColorMapT colours;
+    palette.getColorMap(colours);
+    const std::unique_ptr<IGreyMap> map = makeMap(window, colours, setup);
+
+    if (options.burnIn) burnIn(setup, view, *map, options.annotations, inverted);
+    resample(setup, frame, view, *map, options.background);
+    return view;
+}
+
+Picture render(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes) {
     const Size size = options.size.value_or(defaultSize(image, options.degrees));
     const ReportLog reports;
     try {
-        RasterSetup setup(image, options.shutters, options.overlays);
         HostWindow host(size.width, size.height);
         CCsFrame frame(host.handle(), size.width, size.height, 0, 0);
-        CCs2dTrafo view = makeView(setup.raster(), frame, options);
-
-        CCsColorMan palette;
-        if (image.inverted != (window.reversed != options.invert)) palette.invertPalette();
-        CCsColorMapT colours;
-        palette.getColorMap(colours);
-        const std::unique_ptr<IGreyMap> map = makeMap(window, colours, setup);
-
-        resample(setup, frame, view, *map, options.background);
-        paint(frame, view, host.handle());
+        CCs2dTrafo view = drawImage(image, options, notes, frame);
+        AnnotationOverlay overlay(drawnOver(options),
+                                  {view, image.ratioYx, static_cast<double>(size.width) / size.height});
+        paint(frame, view, host.handle(), overlay.group());
         return host.takePicture();
     } catch (int) {
         // Rasters and frames throw a number when they cannot get their memory.
-        throw Refusal("not enough memory for an image of " + std::to_string(image.width) + " x " +
-                      std::to_string(image.height) + " and a picture of " + std::to_string(size.width) + " x " +
-                      std::to_string(size.height) + " pixels");
+        throw noMemory(image, size);
     }
 }
 

@@ -1,10 +1,12 @@
 // What a picture is to look like, as asked for on the command line.
 #pragma once
 
+#include "annotations.h"
 #include "stored_image.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zolview {
 
@@ -45,6 +47,9 @@ struct RenderOptions {
     bool shutters = true;
     /// Grey of what lies outside the image, 0 to 255.
     int background = 0;
+    std::vector<Annotation> annotations;
+    /// Writes the annotations into the image's pixels instead of drawing them over the picture.
+    bool burnIn = false;
 };
 
 /// "WxH", whole numbers from 1 to 32767 with no more than maxPixels together; null for anything else.

@@ -76,6 +76,32 @@ TEST_F(Program, TakesAllOptionsTogether) {
     EXPECT_EQ(picture.at(0, 0), 0x282828U);
 }
 
+TEST_F(Program, DrawsAnnotations) {
+    const std::string example = "--annotate '" ZOL_SOURCE_DIR "/examples/annotations/all-figures.json'";
+    ASSERT_EQ(render("phantom").status, 0);
+    const std::string plain = contents(file("p.png"));
+    const Outcome outcome = render("phantom " + example);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    const zolview::Picture drawn = zoltest::readPng(file("p.png")).picture;
+    EXPECT_EQ(drawn.at(370, 245), 0x00D0FFU);
+    EXPECT_EQ(render("phantom --burn-in " + example).status, 0);
+    EXPECT_EQ(zoltest::readPng(file("p.png")).picture.at(370, 245), 0xFFFFFFU);
+    EXPECT_NE(contents(file("p.png")), plain);
+}
+
+TEST_F(Program, RefusesBadAnnotationsInOneLineWithTheirFile) {
+    const std::string bad = file("bad.json");
+    std::ofstream(bad) << R"({"annotations": [{"figure": "blob"}]})";
+    for (const std::string& name : {bad, file("none.json"), file("")}) {
+        const Outcome outcome = render("phantom --annotate '" + name + "'");
+        EXPECT_EQ(outcome.status, 1);
+        expectOnePlainLine(outcome.err);
+        EXPECT_TRUE(outcome.err.starts_with("zolview: " + name + ": ")) << outcome.err;
+        EXPECT_FALSE(hasPicture());
+    }
+}
+
 TEST_F(Program, TheSameCommandMakesTheSameFile) {
     ASSERT_EQ(render("phantom --zoom 1.3 --rotate 17").status, 0);
     const std::string first = contents(file("p.png"));
@@ -91,7 +117,7 @@ TEST_F(Program, HelpAndVersion) {
         EXPECT_NE(help.out.find("INPUT"), std::string::npos);
     }
     for (const char* option : {"--size", "--window", "--zoom", "--pan", "--rotate", "--flip", "--invert",
-                               "--no-overlays", "--no-shutters", "--background", "--output"})
+                               "--no-overlays", "--no-shutters", "--background", "--output", "--annotate", "--burn-in"})
         EXPECT_NE(run("render --help").out.find(option), std::string::npos) << option;
     const Outcome version = run("--version");
     EXPECT_EQ(version.status, 0);
@@ -101,7 +127,8 @@ TEST_F(Program, HelpAndVersion) {
 TEST_F(Program, WrongUsageEndsWithTwoAndOneLine) {
     for (const char* arguments :
          {"", "render", "render phantom", "frobnicate", "info", "render phantom -o", "render phantom -o a.png -o b.png",
-          "render phantom extra -o p.png", "info phantom --zoom 2", "render phantom -o p.png --frobnicate"}) {
+          "render phantom extra -o p.png", "render phantom -o p.png --burn-in", "info phantom --zoom 2",
+          "render phantom -o p.png --frobnicate"}) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_EQ(outcome.out, "") << arguments;
