@@ -6,6 +6,7 @@
 #include <new>
 
 #include "zolcs/ccsraster.h"
+#include "zolcs/clone.h"
 #include "zolcs/imagelock.h"
 #include "zolcs/mapping/greymap.h"
 
@@ -20,21 +21,13 @@ constexpr zolcs::ReportSite mergeWithoutMemory = {L"Raster to merge into has no 
 constexpr zolcs::mapping::GreyMapKind grey12 = {
     .sourceType = CCS_GREY12,
     .entries = 4096,
-    .widthRefused = {L"Window width = negativ or zero", module, 301},
-    .colourMapMissing = {L"Memory not allocated for colorMapIndex_", module, 306},
-    .nonLinearOutOfMemory = {L"Memory allocation failed", module, 342},
-    .nonLinearValuesMissing = {L"No values for the non-linear LUT", module, 337},
-    .presentationOutOfMemory = {L"Memory allocation failed for Presentation LUT", module, 388},
-    .presentationValuesMissing = {L"No values for the presentation LUT", module, 383},
+    .sigmoidEntries = 4096,
+    .presentsStoredValues = false,
     .presentationMissing = {L"Memory not allocated for origNonLinearPreLut12_", module, 417},
-    .windowedOutOfMemory = {L"Memory allocation failed", module, 455},
     .nonLinearMissing = {L"Memory not allocated for origNonLinearLut12_", module, 461},
+    .windowedMissing = {nullptr, module, 0},
     .sourceTypeRefused = {L"Source type must be CCS_GREY12, is", module, 602},
-    .destinationTypeRefused = {L"Destination type must be CCS_RGB8, is", module, 608},
-    .sizeRefused = {L"Destination raster must have the same size", module, 615},
-    .sourceWithoutMemory = {L"get origin for source raster returned NULL in method mapRaster", module, 623},
-    .destinationWithoutMemory = {L"get origin for dst raster returned NULL in method mapRaster", module, 626},
-    .mappingOutOfMemory = {L"Memory allocation failed in method mapRaster", module, 631},
+    .reports = zolcs::mapping::greyMapReports(module),
 };
 
 /// The colour that a rendered bitmap marks blanked pixels with, and the one that overlay graphics are drawn in.
@@ -98,18 +91,14 @@ int IGreyMap::mergeDIBtoData(CCsRaster& raster, BITMAPINFO* dib, unsigned int de
 
 CCsGrey12Map::CCsGrey12Map() : GreyMap(grey12) {}
 
-IMap* CCsGrey12Map::clone() {
-    try {
-        return new (std::nothrow) CCsGrey12Map(*this);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
+IMap* CCsGrey12Map::clone() { return zolcs::cloneOf(*this); }
 
 IMap* MapFactory::CreateMap(MapType type) {
     switch (static_cast<unsigned int>(type)) {
         case Grey12:
             return new (std::nothrow) CCsGrey12Map;
+        case Grey16:
+            return new (std::nothrow) CCsGrey16Map;
         default:
             return nullptr;
     }

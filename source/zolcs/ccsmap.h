@@ -49,7 +49,7 @@ public:
 
     /// The table, built first when a setting has made it stale; null when it cannot be built, or in a clone that has
     /// had no colour map yet. It stays the map's and is good until the next setter, releaseLut or destruction.
-    /// 12-bit grey map: 4096 32-bit display pixels by stored value.
+    /// Grey maps: 4096 (12-bit) or 65536 (16-bit) 32-bit display pixels by stored value.
     virtual void* getLut() = 0;
 
     /// Sets the window over stored values. Any numbers are taken; a width below 1 is refused when a table is built.
@@ -97,7 +97,9 @@ public:
     virtual void setIndexRemap(const unsigned char* table) = 0;
 
     /// Copies a presentation table and switches it on; parameters and results as setNonLinearLut. Deliberately does not
-    /// make the table stale: set the window afterwards.
+    /// make the table stale: set the window afterwards. The 12-bit map spreads the window, and the non-linear table's
+    /// values, over the whole of it; the 16-bit map indexes it with the stored value (its last entry serves where it is
+    /// too short) and shows a non-linear table without it.
     virtual int setPresentationLut(const unsigned short* values, unsigned int firstMapped, int count) = 0;
 
     /// The non-linear table resampled to the window, from the first stored value inside it, built first when stale;
@@ -118,7 +120,8 @@ public:
     /// to the byte offsets 0x4000, 0x8000, ... 0x3C000. Where no table can be built, all bytes are set to zero.
     virtual void copyLut(unsigned int** dst) = 0;
 
-    /// Selects the sigmoid window. Deliberately does not make the table stale.
+    /// Selects the sigmoid window. Deliberately does not make the table stale. The 16-bit map's sigmoid leaves the
+    /// table's last entry, for 65535, as it was.
     virtual void enableSigmoid() = 0;
 
     /// Output depth of the sigmoid in bits (12 to begin with), limited to 0 to 31. Does not make the table stale.

@@ -2,8 +2,8 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimageutils.h"
+#include "zolcs/clone.h"
 #include "zolcs/conversion.h"
-#include "zolcs/drawing/clone.h"
 #include "zolcs/drawing/gdiscope.h"
 #include "zolcs/drawing/placement.h"
 

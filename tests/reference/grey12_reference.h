@@ -152,8 +152,9 @@ inline std::uint32_t windowEntry(const Grey12& map, std::int64_t v) {
     return pal[((v - lo) * 256 / map.width) & 255];
 }
 
-/// The non-linear table cut to the window. False where the width is refused or there is no table.
-inline bool buildWindowed(Grey12& map) {
+/// The non-linear table cut to the window and to the stored values that there are. False where the width is refused or
+/// there is no table.
+inline bool buildWindowed(Grey12& map, std::int64_t depth = 4096) {
     if (map.windowedValid) return true;
     if (map.width < 1) return false;
     if (map.nonLinear.empty()) return false;
@@ -166,7 +167,7 @@ inline bool buildWindowed(Grey12& map) {
         map.windowedStart = 0;
         position = static_cast<double>(map.width / 2 - map.centre) * ratio;
     }
-    const std::int64_t end = lo + map.width < 4096 ? lo + map.width : 4096;
+    const std::int64_t end = lo + map.width < depth ? lo + map.width : depth;
     std::int64_t n = end - map.windowedStart;
     if (n < 1) {
         n = 1;

@@ -36,11 +36,13 @@ std::unique_ptr<IMap> make(int type) {
 
 // ---- factory ------------------------------------------------------------------------------------------------------
 
-TEST(MapFactory, CreatesTheGrey12Map) {
-    const auto map = make(0);
-    ASSERT_NE(map, nullptr);
-    EXPECT_NE(dynamic_cast<IGreyMap*>(map.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<IColorMap*>(map.get()), nullptr);
+TEST(MapFactory, CreatesTheGreyMaps) {
+    for (const int type : {0, 1}) {
+        const auto map = make(type);
+        ASSERT_NE(map, nullptr) << type;
+        EXPECT_NE(dynamic_cast<IGreyMap*>(map.get()), nullptr) << type;
+        EXPECT_EQ(dynamic_cast<IColorMap*>(map.get()), nullptr) << type;
+    }
 }
 
 TEST(MapFactory, UnknownTypesGiveNullAndReportNothing) {

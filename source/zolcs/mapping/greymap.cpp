@@ -88,11 +88,11 @@ void GreyMap::releaseLut() {
 }
 
 int GreyMap::setNonLinearLut(const unsigned short* values, unsigned int firstMapped, int count, bool exact) {
-    if (values == nullptr && count > 0) return fail(kind_.nonLinearValuesMissing, 0, 0);
+    if (values == nullptr && count > 0) return fail(kind_.reports.nonLinearValuesMissing, 0, 0);
     nonLinearSet_ = false;
     lutValid_ = false;
     windowedValid_ = false;
-    if (!nonLinear_.assign(values, firstMapped, count)) return fail(kind_.nonLinearOutOfMemory, 0, 1);
+    if (!nonLinear_.assign(values, firstMapped, count)) return fail(kind_.reports.nonLinearOutOfMemory, 0, 1);
     exactNonLinearWindow_ = exact;
     nonLinearSet_ = true;
     return 255;
@@ -108,9 +108,9 @@ void GreyMap::setIndexRemap(const unsigned char* table) {
 }
 
 int GreyMap::setPresentationLut(const unsigned short* values, unsigned int firstMapped, int count) {
-    if (values == nullptr && count > 0) return fail(kind_.presentationValuesMissing, 0, 0);
+    if (values == nullptr && count > 0) return fail(kind_.reports.presentationValuesMissing, 0, 0);
     presentationSet_ = false;
-    if (!presentation_.assign(values, firstMapped, count)) return fail(kind_.presentationOutOfMemory, 0, 1);
+    if (!presentation_.assign(values, firstMapped, count)) return fail(kind_.reports.presentationOutOfMemory, 0, 1);
     presentationSet_ = true;
     return 255;
 }
@@ -190,12 +190,13 @@ ShownLevels GreyMap::shown() const { return shownLevels(colorMapIndex_->entries,
 int GreyMap::build() { return nonLinearSet_ ? buildFromNonLinear() : buildFromWindow(); }
 
 int GreyMap::buildFromWindow() {
-    if (window_.width < 1) return fail(kind_.widthRefused, window_.width, 0);
-    if (!hasPalette()) return fail(kind_.colourMapMissing, 0, 1);
+    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, 0);
+    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, 1);
     if (sigmoid_ && (remapSet_ || !presentationSet_)) {
-        fillSigmoid(entries(), window_, sigmoidBits_, remapSet_, shown());
+        fillSigmoid(entries().first(kind_.sigmoidEntries), window_, sigmoidBits_, remapSet_, shown());
     } else if (presentationSet_ && !remapSet_) {
-        fillPresented(entries(), window_, presentation_, shown());
+        const auto fill = kind_.presentsStoredValues ? fillPresentedStored : fillPresented;
+        fill(entries(), window_, presentation_, shown());
     } else {
         fillShownLevels(entries(), window_.low(), window_.width, shown());
     }
@@ -203,28 +204,34 @@ int GreyMap::buildFromWindow() {
 }
 
 int GreyMap::buildFromNonLinear() {
-    if (buildWindowed() < 255) return 0;
-    if (!hasPalette()) return fail(kind_.colourMapMissing, 0, 1);
-    nonLinearShift_ = CCsImageUtils::calculateBitShiftValueForGreyConversion(nonLinear_.maximum());
+    const int built = buildWindowed();
+    if (built == 1 && kind_.windowedMissing.message != nullptr) return fail(kind_.windowedMissing, 0, 1);
+    if (built < 255) return 0;
+    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, 1);
+    const std::span<const std::uint16_t> windowed(windowed_.get(), windowedCount_);
+    nonLinearShift_ = CCsImageUtils::calculateBitShiftValueForGreyConversion(
+        kind_.presentsStoredValues ? *std::max_element(windowed.begin(), windowed.end()) : nonLinear_.maximum());
     if (exactNonLinearWindow_) {
         fillShownLevels(entries(), windowedStart_, windowedCount_, shown());
+    } else if (kind_.presentsStoredValues) {
+        const auto level = [&](std::uint16_t value) { return static_cast<unsigned int>(value) >> nonLinearShift_; };
+        fillNonLinear(entries(), windowedStart_, windowed, level, shown());
     } else {
-        fillNonLinear(entries(), windowedStart_, {windowed_.get(), windowedCount_}, presentationLevel(nonLinearShift_),
-                      shown());
+        fillNonLinear(entries(), windowedStart_, windowed, presentationLevel(nonLinearShift_), shown());
     }
     return 255;
 }
 
 int GreyMap::buildWindowed() {
     if (windowedValid_) return 255;
-    if (window_.width < 1) return fail(kind_.widthRefused, window_.width, 0);
+    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, 0);
     const WindowedExtent extent = windowedExtent(window_, nonLinear_.count(), static_cast<std::int64_t>(kind_.entries));
     TableMemory<std::uint16_t> windowed = allocateTable<std::uint16_t>(extent.count);
-    if (windowed == nullptr) return fail(kind_.windowedOutOfMemory, 0, 1);
+    if (windowed == nullptr) return fail(kind_.reports.windowedOutOfMemory, 0, 1);
     if (nonLinear_.missing()) return fail(kind_.nonLinearMissing, 0, 1);
     const std::span<std::uint16_t> filled(windowed.get(), extent.count);
     fillWindowed(filled, extent, nonLinear_);
-    nonLinearAuto_ = autoWindow(filled);
+    if (!kind_.presentsStoredValues) nonLinearAuto_ = autoWindow(filled);
     windowed_ = std::move(windowed);
     windowedStart_ = extent.start;
     windowedCount_ = extent.count;
@@ -238,34 +245,30 @@ int GreyMap::mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeIm
     try {
         return mapLocked(src, dst, segment, wholeImageAllowed, pixelPadding, trafo);
     } catch (const std::bad_alloc&) {
-        return fail(kind_.mappingOutOfMemory, 0, 2);
+        return fail(kind_.reports.mappingOutOfMemory, 0, 2);
     }
 }
 
 int GreyMap::mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool wholeImageAllowed,
                        unsigned char* pixelPadding, CCs2dTrafo* trafo) {
     if (src.getType() != kind_.sourceType) return fail(kind_.sourceTypeRefused, src.getType(), 2);
-    if (dst.getType() != CCS_RGB8) return fail(kind_.destinationTypeRefused, dst.getType(), 2);
-    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight()) return fail(kind_.sizeRefused, 0, 2);
+    if (dst.getType() != CCS_RGB8) return fail(kind_.reports.destinationTypeRefused, dst.getType(), 2);
+    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight())
+        return fail(kind_.reports.sizeRefused, 0, 2);
 
     const auto* lut = static_cast<const std::uint32_t*>(getLut());
     if (lut == nullptr) {
         // What could not be built has been reported; a clone without a colour map has nothing that could be.
-        return lutValid_ ? fail(kind_.colourMapMissing, 0, 2) : 2;
+        return lutValid_ ? fail(kind_.reports.colourMapMissing, 0, 2) : 2;
     }
     const ImagePairLock images(src, dst);
-    if (images.source() == nullptr) return fail(kind_.sourceWithoutMemory, 0, 2);
-    if (images.destination() == nullptr) return fail(kind_.destinationWithoutMemory, 0, 2);
+    if (images.source() == nullptr) return fail(kind_.reports.sourceWithoutMemory, 0, 2);
+    if (images.destination() == nullptr) return fail(kind_.reports.destinationWithoutMemory, 0, 2);
 
     const PixelRules rules = PixelRules::forWholeRaster(src, this, pixelPadding);
     TableMemory<std::uint32_t> extended;
-    if (mayAccelerate(src, wholeImageAllowed, pixelPadding)) {
-        extendLut();
-    } else {
-        extended = extendedTable({lut, kind_.entries}, rules.embeddedColours());
-        if (extended == nullptr) return fail(kind_.mappingOutOfMemory, 0, 2);
-        lut = extended.get();
-    }
+    lut = tableOfAllValues(mayAccelerate(src, wholeImageAllowed, pixelPadding), rules.embeddedColours(), extended);
+    if (lut == nullptr) return fail(kind_.reports.mappingOutOfMemory, 0, 2);
     RasterMapping mapping(rules, lut, src, images.source(), dst, images.destination());
     const RECT area = mapping.clipped(segment);
     if (!mapping.coversDestination(area)) {
@@ -280,9 +283,16 @@ bool GreyMap::mayAccelerate(const CCsRaster& src, bool wholeImageAllowed, const 
            !src.isEmbeddedOverlayPresent() && !src.isShutter() && !src.isNonEmbeddedOverlayPresent();
 }
 
-void GreyMap::extendLut() const {
+const std::uint32_t* GreyMap::tableOfAllValues(bool accelerated, const std::uint32_t* embeddedColours,
+                                               TableMemory<std::uint32_t>& extended) const {
+    if (kind_.entries == chunkEntries) return lut_;
+    if (!accelerated) {
+        extended = extendedTable(entries(), embeddedColours);
+        return extended.get();
+    }
     // Deliberate: the very last entry stays as it is.
     std::fill(lut_ + kind_.entries, lut_ + chunkEntries - 1, lut_[kind_.entries - 1]);
+    return lut_;
 }
 
 }  // namespace zolcs::mapping

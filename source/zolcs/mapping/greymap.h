@@ -13,26 +13,56 @@
 
 namespace zolcs::mapping {
 
-/// In what one grey map differs from another.
-struct GreyMapKind {
-    int sourceType;       ///< image type that mapRaster accepts
-    std::size_t entries;  ///< entries of the table that getLut builds; larger stored values take the last
-
+/// What all grey maps report in the same words, each under its own module.
+struct GreyMapReports {
     ReportSite widthRefused;
     ReportSite colourMapMissing;
     ReportSite nonLinearOutOfMemory;
     ReportSite nonLinearValuesMissing;
     ReportSite presentationOutOfMemory;
     ReportSite presentationValuesMissing;
-    ReportSite presentationMissing;
     ReportSite windowedOutOfMemory;
-    ReportSite nonLinearMissing;
-    ReportSite sourceTypeRefused;
     ReportSite destinationTypeRefused;
     ReportSite sizeRefused;
     ReportSite sourceWithoutMemory;
     ReportSite destinationWithoutMemory;
     ReportSite mappingOutOfMemory;
+};
+
+constexpr GreyMapReports greyMapReports(const wchar_t* module) {
+    return {
+        .widthRefused = {L"Window width = negativ or zero", module, 301},
+        .colourMapMissing = {L"Memory not allocated for colorMapIndex_", module, 306},
+        .nonLinearOutOfMemory = {L"Memory allocation failed", module, 342},
+        .nonLinearValuesMissing = {L"No values for the non-linear LUT", module, 337},
+        .presentationOutOfMemory = {L"Memory allocation failed for Presentation LUT", module, 388},
+        .presentationValuesMissing = {L"No values for the presentation LUT", module, 383},
+        .windowedOutOfMemory = {L"Memory allocation failed", module, 455},
+        .destinationTypeRefused = {L"Destination type must be CCS_RGB8, is", module, 608},
+        .sizeRefused = {L"Destination raster must have the same size", module, 615},
+        .sourceWithoutMemory = {L"get origin for source raster returned NULL in method mapRaster", module, 623},
+        .destinationWithoutMemory = {L"get origin for dst raster returned NULL in method mapRaster", module, 626},
+        .mappingOutOfMemory = {L"Memory allocation failed in method mapRaster", module, 631},
+    };
+}
+
+/// In what one grey map differs from another.
+struct GreyMapKind {
+    int sourceType;              ///< image type that mapRaster accepts
+    std::size_t entries;         ///< entries of the table that getLut builds; larger stored values take the last
+    std::size_t sigmoidEntries;  ///< entries that the sigmoid fills; those behind them stay as they are
+
+    /// The presentation table is indexed by the stored value, and values of a non-linear table do not go through it:
+    /// their shift follows from what the window shows of them, and there is no auto window. Otherwise the window and
+    /// the non-linear table spread over the whole presentation table, and the shift follows from the whole non-linear
+    /// table.
+    bool presentsStoredValues;
+
+    ReportSite presentationMissing;
+    ReportSite nonLinearMissing;
+    ReportSite windowedMissing;  ///< follows the report of what kept a table from being built; no message for none
+    ReportSite sourceTypeRefused;
+    GreyMapReports reports;
 };
 
 /// A map of grey values. The operations are documented at IMap and IGreyMap.
@@ -90,7 +120,9 @@ private:
                   unsigned char* pixelPadding, CCs2dTrafo* trafo);
     [[nodiscard]] bool mayAccelerate(const CCsRaster& src, bool wholeImageAllowed,
                                      const unsigned char* pixelPadding) const;
-    void extendLut() const;
+    /// A table with an entry for every 16-bit value; null when memory is exhausted. `extended` keeps what it needs.
+    const std::uint32_t* tableOfAllValues(bool accelerated, const std::uint32_t* embeddedColours,
+                                          TableMemory<std::uint32_t>& extended) const;
 
     const GreyMapKind& kind_;
     CCsColorMapT* colorMapIndex_ = nullptr;
@@ -129,5 +161,15 @@ public:
     CCsGrey12Map(const CCsGrey12Map& other) = default;
     CCsGrey12Map& operator=(const CCsGrey12Map&) = delete;
     ~CCsGrey12Map() override = default;
+    IMap* clone() override;
+};
+
+/// The map of 16-bit grey values.
+class CCsGrey16Map final : public zolcs::mapping::GreyMap {
+public:
+    CCsGrey16Map();
+    CCsGrey16Map(const CCsGrey16Map& other) = default;
+    CCsGrey16Map& operator=(const CCsGrey16Map&) = delete;
+    ~CCsGrey16Map() override = default;
     IMap* clone() override;
 };

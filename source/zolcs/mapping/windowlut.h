@@ -151,6 +151,20 @@ inline void fillPresented(std::span<std::uint32_t> table, const Window& window, 
         outside(presentation.last()));
 }
 
+/// Fills a table with a presentation table that the stored value itself indexes inside the window: its ends outside,
+/// and its last entry for values that it is too short for.
+inline void fillPresentedStored(std::span<std::uint32_t> table, const Window& window, const StoredTable& presentation,
+                                const ShownLevels& shown) {
+    const unsigned shift = CCsImageUtils::calculateBitShiftValueForGreyConversion(presentation.maximum());
+    for (std::size_t v = 0; v < table.size(); ++v) {
+        const auto value = static_cast<std::int64_t>(v);
+        const std::uint16_t entry = value < window.low()     ? presentation.first()
+                                    : value >= window.high() ? presentation.last()
+                                                             : presentation.at(v);
+        table[v] = shownLevel(shown, std::uint64_t{entry} >> shift);
+    }
+}
+
 /// The part of a non-linear table that a window shows: which stored values, and where in the table they fall.
 struct WindowedExtent {
     std::uint32_t start = 0;  ///< first stored value inside the window

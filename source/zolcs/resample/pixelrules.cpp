@@ -134,6 +134,8 @@ PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const un
     rules.addBits(BitPlane(padding, 0, 0, source.getWidth(), source.getHeight(), 1), false, PixelRun::Shows::Covered,
                   0);
     rules.addOverlays(source, map);
+    // All sixteen bits of such a value are grey.
+    if (source.getType() == CCS_GREY16) rules.embeddedColours_ = nullptr;
     rules.prepareFor(makeStepping({1.0, 0.0, 0.0, 1.0, -0.5, -0.5}, source.getWidth(), source.getHeight(),
                                   source.getWidth(), source.getHeight()));
     return rules;

@@ -77,6 +77,7 @@ public:
 
     /// The rules of mapping a whole raster pixel by pixel: line y is walked with wholeRasterLine(y). Padding is tested
     /// before the shutters here, never for the first pixel, and shows 0; a bitmap shutter adds to the other kinds.
+    /// 16-bit grey values carry no embedded overlay bits.
     static PixelRules forWholeRaster(CCsRaster& source, IGreyMap* map, const unsigned char* padding);
 
     static SourceLine wholeRasterLine(int y) { return {0, static_cast<Fixed16>(y) << fixed16Bits, fixed16One, 0}; }

@@ -1,17 +1,15 @@
-// Clones of overlays.
+// Clones of objects that hosts handle through an interface.
 #pragma once
-
-#include "zolcs/ccsoverlay.h"
 
 #include <new>
 
 namespace zolcs {
 
 /// A copy on the heap, made by the copy constructor; null when memory is exhausted.
-template <typename Overlay>
-CCsOverlay* cloneOf(const Overlay& original) noexcept {
+template <typename Object>
+Object* cloneOf(const Object& original) noexcept {
     try {
-        return new Overlay(original);
+        return new Object(original);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
