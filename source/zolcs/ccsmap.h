@@ -44,16 +44,25 @@ public:
     /// Grey maps: 255, or 2 after a refusal (another type or size, no table, no pixel memory, exhausted memory), which
     /// leaves the destination as it was, unless memory runs out while rows are being mapped. One call at a time runs
     /// per map; its rows run on several threads.
+    ///
+    /// Colour maps take every channel of a pixel through the table (a 12-bit channel of 4096 and above takes the last
+    /// entry) and set the fourth byte to 0. They map the pixels of `segment` that lie, with a circular shutter, between
+    /// the circle's intersections with their row, both included; all others stay as they are, and nothing else that the
+    /// raster carries and none of the last three arguments plays a part. 255, or 0 after a refusal, which leaves the
+    /// destination as it was.
     virtual int mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeImageAllowed,
                           unsigned char* pixelPadding, CCs2dTrafo* trafo) = 0;
 
     /// The table, built first when a setting has made it stale; null when it cannot be built, or in a clone that has
     /// had no colour map yet. It stays the map's and is good until the next setter, releaseLut or destruction.
     /// Grey maps: 4096 (12-bit) or 65536 (16-bit) 32-bit display pixels by stored value.
+    /// Colour maps: 4096 (12-bit) or 256 (8-bit) bytes by the value of a channel.
     virtual void* getLut() = 0;
 
     /// Sets the window over stored values. Any numbers are taken; a width below 1 is refused when a table is built.
-    /// Grey maps: the table and the windowed non-linear table become stale. 255.
+    /// Grey maps: the table and the windowed non-linear table become stale. Of the colour maps only the 8-bit one's
+    /// table becomes stale: the 12-bit map deliberately keeps a table that is built, and its clones show the new
+    /// window. 255.
     virtual int setWindow(unsigned int centre, int width) = 0;
 
     /// Burns a rendered 32-bit bitmap into the raster's stored values; uses no state of the map. The bitmap's pixels
@@ -65,10 +74,14 @@ public:
     /// bits: a bitmap pixel 0x00010101 gives the blank value; then, unless bits is 0, a stored value beyond mask
     /// becomes ink; 0x00FFFF00 gives ink, any other non-zero pixel half of it. Blank is the maximum and ink 0 when
     /// `blankToMax` is set, the other way round otherwise.
+    ///
+    /// Colour maps, for 32-bit rasters (CCS_RGB8): a bitmap pixel 0x00010101 clears the stored one, any other is ORed
+    /// into it; the last three arguments are not used.
     virtual int mergeDIBtoData(CCsRaster& raster, BITMAPINFO* dib, unsigned int depth, int bits, bool blankToMax) = 0;
 
     /// A new map of the same class, which the caller owns, with copies of all owned tables; null when memory is
-    /// exhausted. A grey map's clone starts without colour map and table and is usable after setColorMapIndex.
+    /// exhausted. A grey map's clone starts without colour map and table and is usable after setColorMapIndex; that of
+    /// the 12-bit colour map builds its table anew.
     virtual IMap* clone() = 0;
 
     virtual ~IMap();
@@ -151,10 +164,14 @@ public:
     virtual int getMapFlags() = 0;
 };
 
-/// A map of colour channels through byte tables.
+/// A map of colour channels through byte tables: 0 below the window, 255 above it, 256 even steps inside. The window is
+/// centre 2048 and width 2048 to begin with.
 class ZOLWEBCS_API IColorMap : public IMap {
 public:
-    /// Maps an image through one table per channel.
+    /// 8-bit map: maps an image onto another of its size, both CCS_RGB8, through one table for each channel (red, green
+    /// and blue, each with centre 127 and width 256), and sets the fourth byte to 0; source and destination may be the
+    /// same image. 255; 0 after a refusal, which changes nothing. One call at a time runs per map. 12-bit map: does
+    /// nothing; 255.
     virtual int mapRasterSeparate(CCsImage& src, CCsImage& dst) = 0;
 
     /// Take any two arguments and do nothing.
@@ -168,8 +185,8 @@ class ZOLWEBCS_API MapFactory {
 public:
     enum MapType : int { Grey12 = 0, Grey16 = 1, Rgb12 = 2, Rgb8 = 3 };
 
-    /// A new map that the caller owns and destroys; null for a type without a map (any other number included) and when
-    /// memory is exhausted, neither of which is reported. 12-bit grey is the type there is a map for.
+    /// A new map that the caller owns and destroys; null for any other number and when memory is exhausted, neither of
+    /// which is reported.
     static IMap* CreateMap(MapType type);
 
 private:

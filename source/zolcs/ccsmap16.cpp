@@ -8,7 +8,6 @@ namespace {
 constexpr const wchar_t* module = L"source\\zolcs\\ccsmap16";
 
 constexpr zolcs::mapping::GreyMapKind grey16 = {
-    .sourceType = CCS_GREY16,
     .entries = 65536,
     // Deliberate: a sigmoid leaves the very last entry as it was.
     .sigmoidEntries = 65535,
@@ -16,7 +15,7 @@ constexpr zolcs::mapping::GreyMapKind grey16 = {
     .presentationMissing = {L"Memory not allocated for origNonLinearPreLut16_", module, 417},
     .nonLinearMissing = {L"Memory not allocated for origNonLinearLut16_", module, 461},
     .windowedMissing = {L"Memory not allocated for windowedNonLinearLut16_", module, 484},
-    .sourceTypeRefused = {L"Source type must be CCS_GREY16, is", module, 602},
+    .images = zolcs::mapping::mapRasterRules(CCS_GREY16, L"Source type must be CCS_GREY16, is", module, 602),
     .reports = zolcs::mapping::greyMapReports(module),
 };
 

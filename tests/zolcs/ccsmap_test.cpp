@@ -45,6 +45,15 @@ TEST(MapFactory, CreatesTheGreyMaps) {
     }
 }
 
+TEST(MapFactory, CreatesTheColourMaps) {
+    for (const int type : {2, 3}) {
+        const auto map = make(type);
+        ASSERT_NE(map, nullptr) << type;
+        EXPECT_NE(dynamic_cast<IColorMap*>(map.get()), nullptr) << type;
+        EXPECT_EQ(dynamic_cast<IGreyMap*>(map.get()), nullptr) << type;
+    }
+}
+
 TEST(MapFactory, UnknownTypesGiveNullAndReportNothing) {
     const ReportCapture capture;
     for (const int type : {4, 5, 100, std::numeric_limits<int>::max(), -1, -2, std::numeric_limits<int>::min()}) {

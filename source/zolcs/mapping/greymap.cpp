@@ -251,10 +251,7 @@ int GreyMap::mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeIm
 
 int GreyMap::mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool wholeImageAllowed,
                        unsigned char* pixelPadding, CCs2dTrafo* trafo) {
-    if (src.getType() != kind_.sourceType) return fail(kind_.sourceTypeRefused, src.getType(), 2);
-    if (dst.getType() != CCS_RGB8) return fail(kind_.reports.destinationTypeRefused, dst.getType(), 2);
-    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight())
-        return fail(kind_.reports.sizeRefused, 0, 2);
+    if (!acceptImages(src, dst, kind_.images)) return 2;
 
     const auto* lut = static_cast<const std::uint32_t*>(getLut());
     if (lut == nullptr) {
@@ -262,8 +259,7 @@ int GreyMap::mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool 
         return lutValid_ ? fail(kind_.reports.colourMapMissing, 0, 2) : 2;
     }
     const ImagePairLock images(src, dst);
-    if (images.source() == nullptr) return fail(kind_.reports.sourceWithoutMemory, 0, 2);
-    if (images.destination() == nullptr) return fail(kind_.reports.destinationWithoutMemory, 0, 2);
+    if (!acceptMemory(images, kind_.images)) return 2;
 
     const PixelRules rules = PixelRules::forWholeRaster(src, this, pixelPadding);
     TableMemory<std::uint32_t> extended;

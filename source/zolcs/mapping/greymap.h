@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zolcs/ccsmap.h"
+#include "zolcs/mapping/imagepair.h"
 #include "zolcs/mapping/storedtable.h"
 #include "zolcs/mapping/windowlut.h"
 #include "zolcs/report.h"
@@ -22,10 +23,6 @@ struct GreyMapReports {
     ReportSite presentationOutOfMemory;
     ReportSite presentationValuesMissing;
     ReportSite windowedOutOfMemory;
-    ReportSite destinationTypeRefused;
-    ReportSite sizeRefused;
-    ReportSite sourceWithoutMemory;
-    ReportSite destinationWithoutMemory;
     ReportSite mappingOutOfMemory;
 };
 
@@ -38,17 +35,12 @@ constexpr GreyMapReports greyMapReports(const wchar_t* module) {
         .presentationOutOfMemory = {L"Memory allocation failed for Presentation LUT", module, 388},
         .presentationValuesMissing = {L"No values for the presentation LUT", module, 383},
         .windowedOutOfMemory = {L"Memory allocation failed", module, 455},
-        .destinationTypeRefused = {L"Destination type must be CCS_RGB8, is", module, 608},
-        .sizeRefused = {L"Destination raster must have the same size", module, 615},
-        .sourceWithoutMemory = {L"get origin for source raster returned NULL in method mapRaster", module, 623},
-        .destinationWithoutMemory = {L"get origin for dst raster returned NULL in method mapRaster", module, 626},
         .mappingOutOfMemory = {L"Memory allocation failed in method mapRaster", module, 631},
     };
 }
 
 /// In what one grey map differs from another.
 struct GreyMapKind {
-    int sourceType;              ///< image type that mapRaster accepts
     std::size_t entries;         ///< entries of the table that getLut builds; larger stored values take the last
     std::size_t sigmoidEntries;  ///< entries that the sigmoid fills; those behind them stay as they are
 
@@ -61,7 +53,7 @@ struct GreyMapKind {
     ReportSite presentationMissing;
     ReportSite nonLinearMissing;
     ReportSite windowedMissing;  ///< follows the report of what kept a table from being built; no message for none
-    ReportSite sourceTypeRefused;
+    ImagePairRules images;       ///< those of mapRaster
     GreyMapReports reports;
 };
 
