@@ -112,19 +112,7 @@ struct CCsNearest::Checks {
     bool tables = true;
 };
 
-CCsNearest::CCsNearest()
-    : stepXu(-1),
-      stepXv(-1),
-      stepYu(-1),
-      stepYv(-1),
-      originU(-1),
-      originV(-1),
-      srcLimitU(-1),
-      srcLimitV(-1),
-      srcPitch(-1),
-      dstWidth(-1),
-      dstHeight(-1),
-      dstPitch(-1) {}
+CCsNearest::CCsNearest() = default;
 
 CCsNearest::~CCsNearest() = default;
 

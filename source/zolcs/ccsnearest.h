@@ -103,16 +103,16 @@ private:
 
     // Changes of the source column u and row v per destination column (X) and row (Y), and their values at the
     // destination's origin, in 16.16 fixed point.
-    std::int32_t stepXu;
-    std::int32_t stepXv;
-    std::int32_t stepYu;
-    std::int32_t stepYv;
-    std::int32_t originU;
-    std::int32_t originV;
-    std::int32_t srcLimitU;
-    std::int32_t srcLimitV;
-    std::int32_t srcPitch;
-    std::int32_t dstWidth;
-    std::int32_t dstHeight;
-    std::int32_t dstPitch;
+    std::int32_t stepXu = -1;
+    std::int32_t stepXv = -1;
+    std::int32_t stepYu = -1;
+    std::int32_t stepYv = -1;
+    std::int32_t originU = -1;
+    std::int32_t originV = -1;
+    std::int32_t srcLimitU = -1;
+    std::int32_t srcLimitV = -1;
+    std::int32_t srcPitch = -1;
+    std::int32_t dstWidth = -1;
+    std::int32_t dstHeight = -1;
+    std::int32_t dstPitch = -1;
 };

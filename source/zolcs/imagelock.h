@@ -24,10 +24,14 @@ private:
 class ImagePairLock {
 public:
     ImagePairLock(CCsImage& source, CCsImage& destination)
-        : source_(source),
-          destination_(destination),
-          sourceOrigin_(source.getOrigin()),
-          destinationOrigin_(destination.getOrigin()) {}
+        : source_(source), destination_(destination), sourceOrigin_(source.getOrigin()) {
+        try {
+            destinationOrigin_ = destination.getOrigin();
+        } catch (...) {
+            source.unlock();
+            throw;
+        }
+    }
     ~ImagePairLock() {
         source_.unlock();
         destination_.unlock();
@@ -42,7 +46,7 @@ private:
     CCsImage& source_;
     CCsImage& destination_;
     unsigned char* sourceOrigin_;
-    unsigned char* destinationOrigin_;
+    unsigned char* destinationOrigin_ = nullptr;
 };
 
 }  // namespace zolcs

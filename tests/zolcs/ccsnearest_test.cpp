@@ -809,6 +809,18 @@ TEST_F(CCsNearestTest, ExceptionsAreReportedAndStayInside) {
     }
 }
 
+TEST_F(CCsNearestTest, ADestinationThatThrowsLeavesTheSourceUnlocked) {
+    WatchedImage<CCsRaster> src("src", 5, 5, CCS_GREY12, 1.0, false, false);
+    WatchedImage<CCsRaster> dst("dst", 5, 5, CCS_GREY12, 1.0, false, false);
+    dst.throws = true;
+    CCs2dTrafo trafo;
+    locks().clear();
+    EXPECT_EQ(nearest_.nearestGrey12Grey12(src, dst, trafo, 0, false), 0);
+    EXPECT_EQ(locks(), (std::vector<std::string>{"lock src", "lock dst", "unlock src"}));
+    EXPECT_EQ(ReportCapture::take(),
+              (std::vector{errorReport(L"Exception in function nearestGrey12Grey12", 0, module, 305)}));
+}
+
 TEST_F(CCsNearestTest, AMapThatThrowsIsReportedAndBothImagesAreUnlocked) {
     WatchedImage<CCsRaster> src("src", 5, 5, CCS_GREY12, 1.0, false, false);
     WatchedImage<CCsRaster> dst("dst", 5, 5, CCS_RGB8, 1.0, false, false);

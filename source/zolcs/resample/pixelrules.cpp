@@ -376,7 +376,7 @@ void PixelRules::cutBitsUpright(const SourceLine& line, ColumnRange columns, con
     if (lookup.mirrored) runs.reverseLayer();
 }
 
-void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
     const BitPlane& plane = layer.plane;
     const std::int64_t slack = layer.roundedPositions ? 1 : 0;
     const auto over = [&](Fixed16 start, Fixed16 step, std::int64_t low, std::int64_t high, ColumnRange within) {
@@ -445,7 +445,7 @@ void PixelRules::testBitsTogether(const SourceLine& line, ColumnRange columns, c
     const std::int64_t first = plane.top() * plane.columns() + plane.left();
     std::uint64_t set = 0;
     for (int i = 0; i < count; ++i) {
-        set |= std::uint64_t{plane.isSetAt(indices[static_cast<std::size_t>(i)] - first)} << i;
+        if (plane.isSetAt(indices[static_cast<std::size_t>(i)] - first)) set |= std::uint64_t{1} << i;
     }
     for (int x = columns.begin; set != 0;) {
         const int clear = std::countr_zero(set);

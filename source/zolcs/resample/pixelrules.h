@@ -140,7 +140,7 @@ private:
     void cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    static void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
     template <int Columns>
     static void cutBitsInPieces(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
     static void testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);

@@ -58,8 +58,8 @@ class PlainFiller {
 public:
     PlainFiller(Kernel kernel, const Convert& convert) : kernel_(kernel), convert_(convert) {}
 
-    void prepare(const Stepping&) {}
-    void expect(ColumnRange) {}
+    void prepare(const Stepping& /*stepping*/) {}
+    void expect(ColumnRange /*columns*/) {}
 
     template <typename Pixel>
     bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
