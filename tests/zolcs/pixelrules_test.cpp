@@ -159,9 +159,12 @@ TEST(PixelRulesTest, APlainRasterHasNoRules) {
     zoltest::Random random(33);
     const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, {});
     TableMap map;
-    EXPECT_TRUE(PixelRules().isFree());
-    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20)).isFree());
-    EXPECT_TRUE(PixelRules::forWholeRaster(*source.raster, &map, nullptr).isFree());
+    for (const PixelRules& rules :
+         {PixelRules(), PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20)),
+          PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
+        EXPECT_TRUE(rules.positionsAreFree());
+        EXPECT_EQ(rules.embeddedColours(), nullptr);
+    }
 }
 
 TEST(PixelRulesTest, BlankPlanesAndPaddingCostNothing) {
@@ -188,7 +191,6 @@ TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
     TableMap map;
     const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20));
     EXPECT_TRUE(rules.positionsAreFree());
-    EXPECT_FALSE(rules.isFree());
     EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
 }
 

@@ -16,8 +16,6 @@ namespace zolcs {
 /// The source pixel on which a position falls.
 template <typename Pixel>
 struct NearestKernel {
-    using Sample = Pixel;
-
     ImageView<const Pixel> source;
 
     Pixel operator()(Fixed16 u, Fixed16 v) const { return source.line(pixelOf(v))[pixelOf(u)]; }

@@ -42,7 +42,6 @@ class PixelRuns {
 public:
     [[nodiscard]] auto begin() const { return runs_.begin(); }
     [[nodiscard]] auto end() const { return runs_.end(); }
-    [[nodiscard]] std::size_t size() const { return runs_.size(); }
 
 private:
     friend class PixelRules;
@@ -84,9 +83,6 @@ public:
 
     /// True when no position needs a rule: every line is one run of image.
     [[nodiscard]] bool positionsAreFree() const { return layers_.empty(); }
-
-    /// True when every pixel shows the image, embedded overlay bits included.
-    [[nodiscard]] bool isFree() const { return positionsAreFree() && embeddedColours_ == nullptr; }
 
     /// Sixteen display pixels by the top four bits of a stored value; null when embedded overlay bits are not shown.
     [[nodiscard]] const std::uint32_t* embeddedColours() const { return embeddedColours_; }
