@@ -619,7 +619,7 @@ TEST_F(CCsNearestTest, SourcesOfOnePixelAndOfVeryLongLines) {
             forEachVariant([&] {
                 CCs2dTrafo trafo(view);
                 ASSERT_EQ(nearest_.nearestGrey12Grey12(src, dst, trafo, 0xBEEF, false), 255);
-                ASSERT_TRUE(dst.memory.all() == expected) << width << 'x' << height;
+                ASSERT_TRUE(dst.memory.all() == expected) << src.getWidth() << 'x' << src.getHeight();
             });
             if (HasFatalFailure()) return;
         }
@@ -634,8 +634,8 @@ TEST_F(CCsNearestTest, TransformationsThatAreNotFiniteGiveBackgroundOnly) {
         GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
         GuardedImage dst(9, 7, member.destinationType, 10, 1.0);
         GuardedImage blank(9, 7, member.destinationType, 10, 1.0);
-        const double far[6] = {1, 0, 0, 1, 1000, 1000};
-        member.draw(far, pixelsOf(src), pixelsOf(blank));
+        const double beside[6] = {1, 0, 0, 1, 1000, 1000};
+        member.draw(beside, pixelsOf(src), pixelsOf(blank));
         for (const double value : {nan, inf, -inf, most, -most, 1e100, 1e-200}) {
             for (const bool pan : {false, true}) {
                 if (pan && value == 1e-200) continue;
