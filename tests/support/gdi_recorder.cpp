@@ -278,5 +278,11 @@ bool ZolCharsetSupport::CreateFontForStr(const wchar_t* text, CFont& font, int c
     static const auto real = realOf(&ZolCharsetSupport::CreateFontForStr);
     write("font for \"" + narrow(text, static_cast<int>(std::wcslen(text))) + format("\" type %d face ", charsetType) +
           narrow(faceName, static_cast<int>(std::wcslen(faceName))) + format(" width %d", width));
-    return (this->*real)(text, font, charsetType, faceName, width);
+    if (active == nullptr || !active->hostFont) return (this->*real)(text, font, charsetType, faceName, width);
+    font.DeleteObject();
+    if (*active->hostFont == 0) return false;
+    LOGFONTW description{};
+    description.lfHeight = *active->hostFont;
+    description.lfWeight = FW_NORMAL;
+    return font.CreateFontIndirectW(&description) != FALSE;
 }

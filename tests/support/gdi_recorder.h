@@ -30,6 +30,7 @@ public:
     std::optional<int> dotsPerInch;  ///< what GetDeviceCaps tells instead of the truth
     std::optional<LONG> textHeight;  ///< tmHeight in GetTextMetricsW
     std::optional<SIZE> textExtent;  ///< of GetTextExtentPoint32W
+    std::optional<LONG> hostFont;    ///< lfHeight of the fonts that CreateFontForStr makes; 0: it makes none
     bool objectsFail = false;        ///< Create calls give null, like a system without objects
 };
 
