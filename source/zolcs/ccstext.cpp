@@ -195,7 +195,8 @@ void CCsText::write_(const Scene& scene, OutputPoint position) const {
     const int length = saturated(static_cast<std::int64_t>(std::wcslen(text)));
     SIZE extent{};
     if (alignment == centred || alignment == ending) GetTextExtentPoint32W(scene.dc, text, length, &extent);
-    if (alignment == centred) position.x -= extent.cx / 2;
+    const LONG half = extent.cx / 2;
+    if (alignment == centred) position.x -= half;
     if (alignment == ending) position.x -= extent.cx + 1.0;
     if (!zolcs::isDrawable(position)) return;
 
@@ -219,7 +220,7 @@ void CCsText::draw_(const Scene& scene, CCsImageTextFont::CCsImageTextFontType f
     const auto position = place_({scene.imageTrafo, scene.outputTrafo, scene.mode});
     if (!position) return;
     {
-        const HFONT made = wantsFont ? makeFont_() : nullptr;
+        HFONT made = wantsFont ? makeFont_() : nullptr;
         const zolcs::Font derived(made != nullptr ? derivedFont(made, fontType) : nullptr);
         const zolcs::SelectGuard selection(scene.dc, derived ? derived.get() : made);
         write_(scene, {position->x, position->y + scene.offsetY});
