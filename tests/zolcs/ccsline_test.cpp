@@ -624,11 +624,11 @@ TEST(CCsLineOutput, OtherModesAndVerticesHaveNoPosition) {
 TEST(CCsLineOutput, PositionsBeyondTheIntegersStayTrueAndSaturateInStore) {
     CCs2dTrafo view = zoomedView(0x1p40);
     OpenLine line;
-    OpenLine far(&view, 0, 0, 0, 0, solid);
-    far.setImgPts(nullptr, 129.0, 127.0, 128.0, 128.0);
-    EXPECT_EQ(positionOf(far, 0, &view, nullptr, 1), (Position{true, 0x1p41 + 256, -0x1p41 + 256}));
-    EXPECT_EQ(positionOf(far, 1, &view, nullptr, 1), (Position{true, 256, 256}));
-    EXPECT_EQ(displayOf(far), (Numbers{2147483647.0, -2147483648.0, 256, 256}));
+    OpenLine distant(&view, 0, 0, 0, 0, solid);
+    distant.setImgPts(nullptr, 129.0, 127.0, 128.0, 128.0);
+    EXPECT_EQ(positionOf(distant, 0, &view, nullptr, 1), (Position{true, 0x1p41 + 256, -0x1p41 + 256}));
+    EXPECT_EQ(positionOf(distant, 1, &view, nullptr, 1), (Position{true, 256, 256}));
+    EXPECT_EQ(displayOf(distant), (Numbers{2147483647.0, -2147483648.0, 256, 256}));
 }
 
 // ---------------------------------------------------------------------------------------------------- picking
