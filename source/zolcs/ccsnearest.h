@@ -11,6 +11,7 @@ class IMap;
 
 namespace zolcs {
 class MemberReports;
+struct MemberChecks;
 struct Stepping;
 }  // namespace zolcs
 
@@ -91,14 +92,12 @@ public:
                                     unsigned char blueBackground);
 
 private:
-    struct Checks;
-
     /// Fills the fields, saturated where 32 bits do not hold the value, and gives the stepping that the loops use.
     zolcs::Stepping adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo);
 
     /// What all members do around their pixels; `draw` fills the destination. 255, or 0 after a report.
     template <typename Draw>
-    int resample_(const zolcs::MemberReports& reports, const Checks& checks, CCsImage& src, CCsImage& dst,
+    int resample_(const zolcs::MemberReports& reports, const zolcs::MemberChecks& checks, CCsImage& src, CCsImage& dst,
                   CCs2dTrafo& trafo, const Draw& draw);
 
     // Changes of the source column u and row v per destination column (X) and row (Y), and their values at the
