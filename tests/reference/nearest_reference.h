@@ -272,27 +272,44 @@ inline bool hiddenInResampling(const RasterShutters& shutters, int dstWidth, std
     return false;
 }
 
-/// One pixel inside the image: plane, embedded bits, shutter, padding, table.
-inline std::uint32_t greyPixel(const GreyView& view, const Pixels& src, int dstWidth, std::int64_t u, std::int64_t v) {
+/// What one pixel inside the image shows instead of its value: plane, embedded bits, shutter, padding. False where it
+/// shows the value.
+inline bool shownAbove(const GreyView& view, const Pixels& src, int dstWidth, std::int64_t u, std::int64_t v,
+                       std::uint32_t& out) {
     const unsigned value = load16(pixelAt(src, u >> 16, v >> 16));
     const int columnOfPlane = static_cast<int>(static_cast<float>(u) * 1.5258789e-5F);
     const int rowOfPlane = static_cast<int>(static_cast<float>(v) * 1.5258789e-5F);
     const bool overlays = view.greyMap && view.enabled;
     if (overlays && view.groupColours != nullptr) {
         const int plane = firstPlaneAt(view.shutters.planes, columnOfPlane, rowOfPlane);
-        if (plane >= 0) return view.groupColours[plane > 15 ? 15 : plane];
+        if (plane >= 0) {
+            out = view.groupColours[plane > 15 ? 15 : plane];
+            return true;
+        }
     }
     if (overlays && view.shutters.embedded && view.planeColours != nullptr && value > 4095) {
-        return view.planeColours[value >> 12];
+        out = view.planeColours[value >> 12];
+        return true;
     }
     if (hiddenInResampling(view.shutters, dstWidth, u, v)) {
-        return (presentationValueOf(view.shutters) / 256U) * 0x10101U;
+        out = (presentationValueOf(view.shutters) / 256U) * 0x10101U;
+        return true;
     }
     if (view.padding != nullptr && columnOfPlane < src.width && rowOfPlane < src.height) {
         const std::int64_t index = static_cast<std::int64_t>(rowOfPlane) * src.width + columnOfPlane;
-        if (bitOf(view.padding, index)) return view.background;
+        if (bitOf(view.padding, index)) {
+            out = view.background;
+            return true;
+        }
     }
-    return view.table[value & (view.twelveBit ? 4095U : 65535U)];
+    return false;
+}
+
+/// One pixel inside the image: what goes before the table, else the table.
+inline std::uint32_t greyPixel(const GreyView& view, const Pixels& src, int dstWidth, std::int64_t u, std::int64_t v) {
+    std::uint32_t out = 0;
+    if (shownAbove(view, src, dstWidth, u, v, out)) return out;
+    return view.table[load16(pixelAt(src, u >> 16, v >> 16)) & (view.twelveBit ? 4095U : 65535U)];
 }
 
 inline void nearestGrey(const double m[6], const Pixels& src, const Pixels& dst, const GreyView& view) {

@@ -1,0 +1,115 @@
+#include "zolcs/ccsbilinear.h"
+
+#include "zolcs/resample/bilinear.h"
+#include "zolcs/resample/capability.h"
+#include "zolcs/resample/interpolation.h"
+
+namespace {
+
+using zolcs::BilinearGrey;
+using zolcs::BilinearPackedGrey;
+using zolcs::BilinearRgb;
+using zolcs::BilinearSource;
+using zolcs::ColourTables;
+using zolcs::Copy;
+using zolcs::MemberCall;
+using zolcs::MemberChecks;
+using zolcs::MemberReports;
+using zolcs::Polling;
+using zolcs::Stepping;
+
+constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) {
+    return {L"source\\zolcs\\ccsbilinear", member, lines};
+}
+
+constexpr MemberReports grey12Grey12Reports = reportsOf(L"bilinearGrey12Grey12", {208, 237, 240, 394});
+constexpr MemberReports grey12IndexMapReports = reportsOf(L"bilinearGrey12IndexMap", {431, 512, 515, 688});
+constexpr MemberReports rgb8Rgb8Reports = reportsOf(L"bilinearRgb8Rgb8", {711, 735, 738, 826});
+constexpr MemberReports rgb8Rgb8MapReports = reportsOf(L"bilinearRgb8Rgb8Map", {849, 875, 878, 967, 858});
+constexpr MemberReports magicGlassReports = reportsOf(L"bilinearRgb8Rgb8_ForMagicGlass", {990, 1014, 1017, 1105});
+
+template <typename Pixel>
+BilinearSource<Pixel> sourceOf(const MemberCall& call) {
+    return {{call.lock.source(), call.src.getPitch()}, call.stepping};
+}
+
+BilinearGrey plainGrey(const MemberCall& call, bool keepOverlayBits) {
+    const bool twelveBits = call.src.getType() == CCS_GREY12;
+    const std::uint16_t mask = twelveBits ? 0x0FFF : 0xFFFF;
+    const std::uint16_t keptBits = twelveBits && keepOverlayBits ? 0xF000 : 0;
+    return {sourceOf<std::uint16_t>(call), mask, keptBits};
+}
+
+}  // namespace
+
+CCsBilinear::~CCsBilinear() = default;
+
+void CCsBilinear::setAbortFlag(int flag) { zolcs::setFlag(abortFlag, flag); }
+
+Stepping CCsBilinear::adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
+    return zolcs::prepareStepping(src, dst, trafo,
+                                  {stepXu, stepXv, stepYu, stepYv, originU, originV, srcLimitU, srcLimitV, srcPitch,
+                                   dstWidth, dstHeight, dstPitch});
+}
+
+template <typename Draw>
+int CCsBilinear::resample_(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
+                           CCs2dTrafo& trafo, const Draw& draw) {
+    return zolcs::runMember(
+        reports, checks, src, dst, [&] { return adaptTransformation_(src, dst, trafo); }, draw);
+}
+
+int CCsBilinear::bilinearGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned short background,
+                                      bool keepOverlayBits) {
+    const auto isGrey = [](int type) { return type == CCS_GREY12 || type == CCS_GREY16; };
+    const bool typesFit = isGrey(src.getType()) || isGrey(dst.getType());
+    const MemberChecks checks{typesFit && zolcs::pixelSizesAre(src, dst, 2, 2)};
+    return resample_(grey12Grey12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        const bool keepsBits = keepOverlayBits && src.isEmbeddedOverlayPresent();
+        const Copy<std::uint16_t> convert;
+        if (zolcs::processorCapability() == 0 || keepsBits) {
+            return zolcs::drawInterpolated<std::uint16_t>(call, background, plainGrey(call, keepsBits), convert,
+                                                          Polling::Never, abortFlag);
+        }
+        const zolcs::Display<std::uint16_t> display{{call.lock.destination(), dst.getPitch()}, background};
+        zolcs::PlainFiller packed(BilinearPackedGrey(sourceOf<std::uint16_t>(call)), convert);
+        return zolcs::fillRowsPacked(call.stepping, display, packed);
+    });
+}
+
+int CCsBilinear::bilinearGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, IMap* map, bool /*unused*/,
+                                        unsigned char* pixelPadding, unsigned char background) {
+    const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
+    return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, plainGrey(call, false), Polling::EveryRow,
+                                 abortFlag);
+    });
+}
+
+template <typename Convert>
+int CCsBilinear::resampleRgb_(const MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
+                              CCs2dTrafo& trafo, unsigned long background, const Convert& convert) {
+    const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
+    const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
+    return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawInterpolated(call, static_cast<std::uint32_t>(background),
+                                       BilinearRgb(sourceOf<std::uint32_t>(call)), convert(), Polling::EveryRow,
+                                       abortFlag);
+    });
+}
+
+int CCsBilinear::bilinearRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned long background,
+                                  bool /*unused*/) {
+    return resampleRgb_(rgb8Rgb8Reports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+}
+
+int CCsBilinear::bilinearRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
+                                     unsigned long background) {
+    return resampleRgb_(rgb8Rgb8MapReports, table != nullptr, src, dst, trafo, background,
+                        [&] { return ColourTables(table, table, table); });
+}
+
+int CCsBilinear::bilinearRgb8Rgb8_ForMagicGlass(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo,
+                                                unsigned long background) {
+    return resampleRgb_(magicGlassReports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+}

@@ -1,0 +1,443 @@
+// What all members of an interpolating resampler have in common, told once: which types they take, what they report,
+// how they lock, and that they draw what is restated.
+#pragma once
+
+#include "reference/guarded_image.h"
+#include "reference/nearest_reference.h"
+#include "reference/random_shutters.h"
+#include "reference/random_views.h"
+#include "support/display_rules.h"
+#include "support/report_capture.h"
+#include "support/test_data.h"
+#include "zolcs/ccs2dtrafo.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace zoltest {
+
+/// One member with its arguments; `draw` is its restatement.
+template <typename Resampler>
+struct ResamplerMember {
+    std::wstring name;
+    int sourceType;
+    int destinationType;
+    std::function<bool(int, int)> accepts;
+    bool stops;  ///< looks at the abort flag
+    std::function<int(Resampler&, CCsRaster&, CCsImage&, CCs2dTrafo&)> call;
+    std::function<int(Resampler&, CCsRaster&, CCsImage&, CCs2dTrafo&)> callWithoutTable;
+    std::function<void(const double*, const zolref::Pixels&, const zolref::Pixels&)> draw;
+    int typeLine;
+    int sourceLine;
+    int destinationLine;
+    int exceptionLine;
+    int tableLine = 0;
+};
+
+template <typename Resampler>
+using ResamplerMembers = std::vector<ResamplerMember<Resampler>>;
+
+inline bool bothGrey16Bit(int source, int destination) {
+    const auto grey = [](int type) { return type == CCS_GREY12 || type == CCS_GREY16; };
+    return grey(source) && grey(destination);
+}
+inline bool greyToDisplay(int source, int destination) {
+    return (source == CCS_GREY12 || source == CCS_GREY16) && destination == CCS_RGB8;
+}
+inline bool bothRgb8(int source, int destination) { return source == CCS_RGB8 && destination == CCS_RGB8; }
+inline bool bothGrey12(int source, int destination) { return source == CCS_GREY12 && destination == CCS_GREY12; }
+
+inline const std::array<unsigned char, 256>& byteTable() {
+    static const std::array<unsigned char, 256> table = [] {
+        std::array<unsigned char, 256> made{};
+        for (std::size_t i = 0; i < made.size(); ++i) made[i] = static_cast<unsigned char>(i * 29 + 7);
+        return made;
+    }();
+    return table;
+}
+
+/// Members take their tables as pointers to what they do not change.
+inline unsigned char* byteTableArgument() {
+    static std::array<unsigned char, 256> copy = byteTable();
+    return copy.data();
+}
+
+inline TableMap& sharedMap() {
+    static TableMap map;
+    return map;
+}
+
+inline const std::vector<std::uint32_t>& sharedMapTable() {
+    static const std::vector<std::uint32_t> table = [] {
+        std::vector<std::uint32_t> made(0x10000);
+        for (std::size_t i = 0; i < made.size(); ++i) made[i] = sharedMap().entry(i);
+        return made;
+    }();
+    return table;
+}
+
+/// A view of a raster without shutters and planes.
+inline zolref::GreyView plainGreyView(bool twelveBit, unsigned char background) {
+    zolref::GreyView view;
+    view.twelveBit = twelveBit;
+    view.table = sharedMapTable().data();
+    view.background = background;
+    return view;
+}
+
+template <typename Image>
+zolref::Pixels pixelsOf(Image& image) {
+    return {image.memory.pixels(), image.getWidth(), image.getHeight(), image.getPitch(), bytesOfType(image.getType())};
+}
+
+inline std::vector<Report> reportsOf(const wchar_t* module) {
+    std::vector<Report> all = ReportCapture::take();
+    std::erase_if(all, [&](const Report& report) { return report.file != module; });
+    return all;
+}
+
+/// Random images and views; the destination's whole memory is compared.
+template <typename Resampler>
+void expectRestatedPictures(const ResamplerMembers<Resampler>& members, const wchar_t* module, std::uint64_t seed,
+                            int rounds) {
+    const ReportCapture capture;
+    Random random(seed);
+    Resampler resampler;
+    for (int round = 0; round < rounds; ++round) {
+        const auto& member = members[static_cast<std::size_t>(round) % members.size()];
+        const int largest = random.chance(0.3) ? 4 : (random.chance(0.1) ? 200 : 40);
+        const auto size = [&] { return random.integer(1, largest); };
+        const int srcWidth = size();
+        const int dstWidth = random.integer(1, 45);
+        const double ratio = random.chance(0.7) ? 1.0 : random.real(0.3, 3.0);
+        GuardedRaster src(srcWidth, size(), member.sourceType, srcWidth + random.integer(0, 5), ratio);
+        GuardedImage dst(dstWidth, random.integer(1, 40), member.destinationType, dstWidth + random.integer(0, 5), 1.0);
+        src.memory.randomise(random);
+        dst.memory.randomise(random);
+        if (random.chance(0.2)) {  // only extremes: products and overshoots are largest
+            for (unsigned char& byte : src.memory.all()) byte = random.chance(0.5) ? 255 : 0;
+        }
+        CCs2dTrafo trafo = anyView(random, src, dst);
+        if (random.chance(0.4)) startAtBorders(random, trafo, src, dst);
+        const Matrix matrix = toImageOf(trafo, src, dst);
+        const std::vector<unsigned char> before = dst.memory.all();
+        const std::vector<unsigned char> source = src.memory.all();
+        const bool comparable = withinReach(matrix);
+        if (comparable) member.draw(matrix.m, pixelsOf(src), pixelsOf(dst));
+        const std::vector<unsigned char> expected = dst.memory.all();
+        dst.memory.all() = before;
+        ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
+        ASSERT_TRUE(src.memory.all() == source);
+        ASSERT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+        ASSERT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+        if (!comparable) continue;
+        ASSERT_TRUE(dst.memory.all() == expected)
+            << narrow(member.name) << " round " << round << ' ' << srcWidth << 'x' << src.getHeight() << " type "
+            << member.sourceType << " to " << dstWidth << 'x' << dst.getHeight() << " type " << member.destinationType
+            << ' ' << textOf(matrix) << " seed " << random.seed();
+    }
+    EXPECT_TRUE(reportsOf(module).empty());
+}
+
+/// Everything that a raster can carry above its values, in random views.
+template <typename Resampler, typename Call, typename Draw>
+void expectRestatedRules(std::uint64_t seed, int rounds, const Call& call, const Draw& draw) {
+    const ReportCapture capture;
+    Random random(seed);
+    Resampler resampler;
+    const std::vector<std::uint32_t> zeros(0x10000);
+    for (int round = 0; round < rounds; ++round) {
+        const int srcWidth = random.integer(1, 60);
+        const int srcHeight = random.integer(1, 40);
+        const int dstWidth = random.integer(1, 60);
+        GuardedRaster src(srcWidth, srcHeight, random.chance(0.7) ? CCS_GREY12 : CCS_GREY16,
+                          srcWidth + random.integer(0, 5), 1.0);
+        GuardedImage dst(dstWidth, random.integer(1, 40), CCS_RGB8, dstWidth + random.integer(0, 5), 1.0);
+        src.memory.randomise(random);
+        dst.memory.randomise(random);
+        if (random.chance(0.6)) {  // few embedded bits
+            for (std::size_t i = 1; i < src.memory.bytes(); i += 2) {
+                if (!random.chance(0.1)) src.memory.pixels()[i] &= 15;
+            }
+        }
+        const ShutterCase shutters = anyShutters(random, srcWidth, srcHeight);
+        applyShutters(shutters.shutters, src);
+        std::vector<unsigned char> padding;
+        if (random.chance(0.4)) {
+            padding = anyBits(random, static_cast<std::size_t>(srcWidth) * static_cast<std::size_t>(srcHeight));
+        }
+        TableMap map;
+        map.enabled = !random.chance(0.15);
+        map.hasPlaneColours = !random.chance(0.15);
+        map.hasGroupColours = !random.chance(0.15);
+        IMap* given = random.chance(0.9) ? &map : nullptr;
+
+        zolref::GreyView view = plainGreyView(src.getType() == CCS_GREY12, static_cast<unsigned char>(random.bits()));
+        view.greyMap = given != nullptr;
+        view.enabled = map.enabled;
+        if (given == nullptr) view.table = zeros.data();
+        if (map.hasPlaneColours) view.planeColours = map.planeColours.data();
+        if (map.hasGroupColours) view.groupColours = map.groupColours.data();
+        view.shutters = shutters.shutters;
+        if (!padding.empty()) view.padding = padding.data();
+
+        CCs2dTrafo trafo = anyView(random, src, dst);
+        if (random.chance(0.4)) startAtBorders(random, trafo, src, dst);
+        const Matrix matrix = toImageOf(trafo, src, dst);
+        if (!withinReach(matrix)) continue;
+        const std::vector<unsigned char> before = dst.memory.all();
+        draw(matrix.m, pixelsOf(src), pixelsOf(dst), view);
+        const std::vector<unsigned char> expected = dst.memory.all();
+        dst.memory.all() = before;
+        ASSERT_EQ(call(resampler, src, dst, trafo, given, padding.empty() ? nullptr : padding.data(), view.background),
+                  255);
+        ASSERT_TRUE(dst.memory.all() == expected) << "round " << round << ' ' << textOf(matrix) << '\n' << shutters;
+    }
+}
+
+/// Every pair of types: drawn, or refused with everything left as it was.
+template <typename Resampler>
+void expectStatedTypes(const ResamplerMembers<Resampler>& members, const wchar_t* module) {
+    const ReportCapture capture;
+    Resampler resampler;
+    for (const auto& member : members) {
+        for (int sourceType = CCS_INDEX8; sourceType <= CCS_GREY16; ++sourceType) {
+            for (int destinationType = CCS_INDEX8; destinationType <= CCS_GREY16; ++destinationType) {
+                GuardedRaster src(5, 5, sourceType, 6, 1.0);
+                GuardedImage dst(7, 4, destinationType, 8, 1.0);
+                std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0x69));
+                const std::vector<unsigned char> before = dst.memory.all();
+                CCs2dTrafo trafo;
+                const int result = member.call(resampler, src, dst, trafo);
+                SCOPED_TRACE(narrow(member.name) + " " + std::to_string(sourceType) + " to " +
+                             std::to_string(destinationType));
+                if (member.accepts(sourceType, destinationType)) {
+                    EXPECT_EQ(result, 255);
+                    EXPECT_TRUE(ReportCapture::take().empty());
+                    EXPECT_NE(dst.memory.all(), before);
+                    EXPECT_EQ(trafo.getSrcSize().cx, 5);
+                } else {
+                    EXPECT_EQ(result, 0);
+                    EXPECT_EQ(ReportCapture::take(),
+                              (std::vector{errorReport(L"Image type not supported", 0, module, member.typeLine)}));
+                    EXPECT_EQ(dst.memory.all(), before);
+                    EXPECT_EQ(trafo.getSrcSize().cx, 1);  // the transformation is not touched
+                }
+            }
+        }
+    }
+}
+
+/// An image that tells what is done to it.
+template <typename Base>
+class WatchedImage : public Base {
+public:
+    template <typename... Arguments>
+    explicit WatchedImage(std::string name, Arguments... arguments) : Base(arguments...), name_(std::move(name)) {}
+
+    static std::vector<std::string>& log() {
+        static std::vector<std::string> list;
+        return list;
+    }
+
+    unsigned char* getOrigin() override {
+        log().push_back("lock " + name_);
+        if (throws) throw 17;
+        return hasMemory ? Base::getOrigin() : nullptr;
+    }
+    void unlock() override {
+        log().push_back("unlock " + name_);
+        Base::unlock();
+    }
+
+    bool hasMemory = true;
+    bool throws = false;
+
+private:
+    std::string name_;
+};
+
+/// The reports of every failure, and that images are locked and unlocked once, source first.
+template <typename Resampler>
+void expectStatedFailures(const ResamplerMembers<Resampler>& members, const wchar_t* module) {
+    using Watched = WatchedImage<CCsRaster>;
+    const ReportCapture capture;
+    const std::vector<std::string> bothOnce{"lock src", "lock dst", "unlock src", "unlock dst"};
+    Resampler resampler;
+    for (const auto& member : members) {
+        SCOPED_TRACE(narrow(member.name));
+        const auto make = [](const char* name, int type) { return Watched(name, 5, 5, type, 1.0, false, false); };
+        CCs2dTrafo trafo;
+        {
+            Watched src = make("src", member.sourceType);
+            Watched dst = make("dst", member.destinationType);
+            Watched::log().clear();
+            EXPECT_EQ(member.call(resampler, src, dst, trafo), 255);
+            EXPECT_EQ(Watched::log(), bothOnce);
+            EXPECT_TRUE(ReportCapture::take().empty());
+        }
+        for (const bool sourceMissing : {true, false}) {
+            Watched src = make("src", member.sourceType);
+            Watched dst = make("dst", member.destinationType);
+            src.hasMemory = !sourceMissing;
+            dst.hasMemory = false;
+            Watched::log().clear();
+            EXPECT_EQ(member.call(resampler, src, dst, trafo), 0);
+            EXPECT_EQ(Watched::log(), bothOnce);
+            const std::wstring image = sourceMissing ? L"source" : L"dst";
+            EXPECT_EQ(
+                ReportCapture::take(),
+                (std::vector{errorReport(L"get origin for " + image + L" raster returned NULL in method " + member.name,
+                                         0, module, sourceMissing ? member.sourceLine : member.destinationLine)}));
+        }
+        {
+            Watched src = make("src", member.sourceType);
+            Watched dst = make("dst", member.destinationType);
+            src.throws = true;
+            EXPECT_EQ(member.call(resampler, src, dst, trafo), 0);
+            EXPECT_EQ(
+                ReportCapture::take(),
+                (std::vector{errorReport(L"Exception in function " + member.name, 0, module, member.exceptionLine)}));
+        }
+        if (member.callWithoutTable != nullptr) {
+            Watched src = make("src", member.sourceType);
+            Watched dst = make("dst", member.destinationType);
+            Watched::log().clear();
+            EXPECT_EQ(member.callWithoutTable(resampler, src, dst, trafo), 0);
+            EXPECT_TRUE(Watched::log().empty());
+            EXPECT_EQ(ReportCapture::take(), (std::vector{errorReport(L"look-up table is NULL in method " + member.name,
+                                                                      0, module, member.tableLine)}));
+        }
+        {  // a destination without lines is only unlocked
+            Watched src = make("src", member.sourceType);
+            Watched dst("dst", 5, 0, member.destinationType, 1.0, false, false);
+            Watched::log().clear();
+            EXPECT_EQ(member.call(resampler, src, dst, trafo), 255);
+            EXPECT_EQ(Watched::log(), bothOnce);
+            EXPECT_TRUE(ReportCapture::take().empty());
+        }
+    }
+}
+
+/// A map that throws is found out after both images have been locked.
+template <typename Resampler, typename Call>
+void expectThrowingMapReported(const Call& call, const wchar_t* member, const wchar_t* module, int line) {
+    using Watched = WatchedImage<CCsRaster>;
+    const ReportCapture capture;
+    Watched src("src", 5, 5, CCS_GREY12, 1.0, false, false);
+    Watched dst("dst", 5, 5, CCS_RGB8, 1.0, false, false);
+    TableMap map;
+    map.throwsOnCopy = true;
+    CCs2dTrafo trafo;
+    Resampler resampler;
+    Watched::log().clear();
+    EXPECT_EQ(call(resampler, src, dst, trafo, &map, nullptr, static_cast<unsigned char>(0)), 0);
+    EXPECT_EQ(Watched::log(), (std::vector<std::string>{"lock src", "lock dst", "unlock src", "unlock dst"}));
+    EXPECT_EQ(ReportCapture::take(),
+              (std::vector{errorReport(std::wstring(L"Exception in function ") + member, 0, module, line)}));
+}
+
+template <typename Resampler>
+void expectDistinctLines(const ResamplerMembers<Resampler>& members) {
+    std::vector<std::pair<int, std::wstring>> lines;
+    for (const auto& member : members) {
+        for (const int line :
+             {member.typeLine, member.sourceLine, member.destinationLine, member.exceptionLine, member.tableLine}) {
+            if (line != 0) lines.emplace_back(line, member.name);
+        }
+    }
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());  // a member that is listed for several types
+    const auto sameLine = [](const auto& a, const auto& b) { return a.first == b.first; };
+    EXPECT_EQ(std::adjacent_find(lines.begin(), lines.end(), sameLine), lines.end());
+}
+
+/// A flag that is set before the call: nothing is touched, nothing reported; back at 0 the member draws again.
+template <typename Resampler>
+void expectRefusedWhenStopped(const ResamplerMembers<Resampler>& members) {
+    const ReportCapture capture;
+    for (const auto& member : members) {
+        SCOPED_TRACE(narrow(member.name));
+        GuardedRaster src(5, 5, member.sourceType, 6, 1.0);
+        GuardedImage dst(7, 4, member.destinationType, 8, 1.0);
+        std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0x69));
+        const std::vector<unsigned char> before = dst.memory.all();
+        CCs2dTrafo trafo;
+        Resampler resampler;
+        resampler.setAbortFlag(-3);
+        EXPECT_EQ(member.call(resampler, src, dst, trafo), member.stops ? 0 : 255);
+        EXPECT_EQ(dst.memory.all() == before, member.stops);
+        EXPECT_TRUE(ReportCapture::take().empty());
+        const Resampler copy(resampler);
+        Resampler assigned;
+        assigned = copy;
+        EXPECT_EQ(member.call(assigned, src, dst, trafo), member.stops ? 0 : 255);  // the flag is copied
+        resampler.setAbortFlag(0);
+        EXPECT_EQ(member.call(resampler, src, dst, trafo), 255);
+        EXPECT_NE(dst.memory.all(), before);
+    }
+}
+
+/// A flag that another thread sets while a member draws: it stops; the rows from the top are as they should be, one may
+/// have been begun, the others hold what they held. Drawing goes on until the flag has been seen during a call.
+template <typename Resampler>
+void expectStoppedByAnotherThread(const ResamplerMembers<Resampler>& members) {
+    const ReportCapture capture;
+    for (const auto& member : members) {
+        if (!member.stops) continue;
+        SCOPED_TRACE(narrow(member.name));
+        const int size = 500;
+        GuardedRaster src(40, 40, member.sourceType, 40, 1.0);
+        Random random(7);
+        src.memory.randomise(random);
+        GuardedImage whole(size, size, member.destinationType, size, 1.0);
+        GuardedImage dst(size, size, member.destinationType, size, 1.0);
+        Resampler resampler;
+        CCs2dTrafo trafo;
+        trafo.rotate(11.0);
+        ASSERT_EQ(member.call(resampler, src, whole, trafo), 255);
+
+        bool seenDuringACall = false;
+        for (int attempt = 0; attempt < 200 && !seenDuringACall; ++attempt) {
+            std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0x69));
+            const std::vector<unsigned char> before = dst.memory.all();
+            resampler.setAbortFlag(0);
+            std::atomic<bool> running{false};
+            std::thread other([&] {
+                while (!running) std::this_thread::yield();
+                std::this_thread::sleep_for(std::chrono::microseconds(50 * (attempt % 60)));
+                resampler.setAbortFlag(1);
+            });
+            running = true;
+            const int result = member.call(resampler, src, dst, trafo);
+            other.join();
+            if (result == 255) continue;
+            EXPECT_EQ(result, 0);
+            const auto rowBytes = static_cast<std::ptrdiff_t>(size) * bytesOfType(member.destinationType);
+            const auto rowIs = [&](int y, const unsigned char* expected) {
+                const unsigned char* row = dst.memory.pixels() + y * rowBytes;
+                return std::equal(row, row + rowBytes, expected);
+            };
+            const unsigned char* untouched = before.data() + dst.memory.guard();
+            int y = 0;
+            while (y < size && rowIs(y, whole.memory.pixels() + y * rowBytes)) ++y;
+            seenDuringACall = y > 0;
+            for (++y; y < size; ++y) ASSERT_TRUE(rowIs(y, untouched + y * rowBytes)) << "row " << y;
+        }
+        EXPECT_TRUE(seenDuringACall);
+        EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+        EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+    }
+    EXPECT_TRUE(ReportCapture::take().empty());
+}
+
+}  // namespace zoltest
