@@ -3,6 +3,7 @@
 #include "zolcs/ccsline.h"
 #include "zolcs/ccstext.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <numbers>
@@ -19,11 +20,10 @@ public:
     using CCsGroup::render;
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override {
-        constexpr int screen = 1;
         // Otherwise the gaps of dashed pens would be painted white.
         const int before = SetBkMode(dc, TRANSPARENT);
-        CCsGroup::render(imageTrafo, outputTrafo, mode == screen ? colour_ : color, dc, mode, width, height, offsetX,
-                         offsetY);
+        CCsGroup::render(imageTrafo, outputTrafo, mode == screenMode ? colour_ : color, dc, mode, width, height,
+                         offsetX, offsetY);
         SetBkMode(dc, before);
     }
 
@@ -110,13 +110,36 @@ int alignmentCode(Alignment alignment) {
     return 0;
 }
 
-/// A text whose halo can be left out.
+/// A text whose halo can be left out, and is seen on a printer, too.
 class Label : public CCsText {
 public:
     Label(CCs2dTrafo* trafo, const Annotation& annotation, const std::wstring& words)
         : CCsText(trafo, annotation.points[0].x, annotation.points[0].y, words.c_str(),
                   alignmentCode(annotation.alignment), annotation.space == CoordinateSpace::Normalised) {
         shadow = annotation.shadow ? 1 : 0;
+    }
+
+    using CCsText::render;
+    void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
+                int height, int offsetX, int offsetY) override {
+        // The library's own halo is one dot wide, which is next to nothing there. Copies so close still read as one
+        // text.
+        if (mode == printerMode && shadow != 0) {
+            const int reach = std::max(GetDeviceCaps(dc, LOGPIXELSY) / 200, 1);
+            POINT origin{};
+            GetViewportOrgEx(dc, &origin);
+            shadow = 0;
+            for (const auto& [dx, dy] :
+                 {std::pair(-1, -1), {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}) {
+                SetViewportOrgEx(dc, origin.x + dx * reach, origin.y + dy * reach, nullptr);
+                CCsText::render(imageTrafo, outputTrafo, 0, dc, mode, width, height, offsetX, offsetY);
+            }
+            SetViewportOrgEx(dc, origin.x, origin.y, nullptr);
+            CCsText::render(imageTrafo, outputTrafo, color, dc, mode, width, height, offsetX, offsetY);
+            shadow = 1;
+            return;
+        }
+        CCsText::render(imageTrafo, outputTrafo, color, dc, mode, width, height, offsetX, offsetY);
     }
 };
 

@@ -10,6 +10,10 @@
 
 namespace zolview {
 
+/// The library's modes of drawing that make a difference here.
+inline constexpr int screenMode = 1;
+inline constexpr int printerMode = 2;
+
 /// What annotations are drawn on.
 struct Canvas {
     CCs2dTrafo& view;            ///< image to picture

@@ -163,8 +163,9 @@ void readWindow(const Attributes& attributes, StoredImage& image) {
     }
 }
 
-/// Whichever attribute gives the shape of a pixel: the spacings are measured, the ratio is what remains without them.
-double readRatio(const Attributes& attributes, StoredImage& image) {
+/// Whichever attribute gives the shape of a pixel: the spacings are measured, and give its size too; the ratio is what
+/// remains without them.
+void readPixelShape(const Attributes& attributes, StoredImage& image) {
     for (const DcmTagKey& tag :
          {DCM_PixelSpacing, DCM_ImagerPixelSpacing, DCM_NominalScannedPixelSpacing, DCM_PixelAspectRatio}) {
         const std::vector<double> sides = attributes.numbers(tag);
@@ -172,12 +173,15 @@ double readRatio(const Attributes& attributes, StoredImage& image) {
         // Vertical first in all four of them.
         constexpr double extreme = 100.0;
         if (sides.size() == 2 && sides[0] > 0.0 && sides[1] > 0.0 && sides[0] <= sides[1] * extreme &&
-            sides[1] <= sides[0] * extreme)
-            return sides[0] / sides[1];
+            sides[1] <= sides[0] * extreme) {
+            image.ratioYx = sides[0] / sides[1];
+            if (tag != DCM_PixelAspectRatio) image.pixelWidth = sides[1];
+            image.spacingIsUncalibrated = tag != DCM_PixelSpacing;
+            return;
+        }
         image.notes.push_back("the attribute " + std::string(DcmTag(tag).getTagName()) +
                               " makes no sense and is not used");
     }
-    return 1.0;
 }
 
 void readShutters(const Attributes& attributes, StoredImage& image) {
@@ -259,7 +263,7 @@ StoredImage DicomFile::image() const {
     const PixelFormat format = readFormat(attributes);
     readRescale(attributes, image);
     readWindow(attributes, image);
-    image.ratioYx = readRatio(attributes, image);
+    readPixelShape(attributes, image);
     // MONOCHROME1 and the presentation shape INVERSE say the same thing; an image that has both is inverted once.
     image.inverted = attributes.text(DCM_PhotometricInterpretation) == "MONOCHROME1" ||
                      attributes.text(DCM_PresentationLUTShape) == "INVERSE";

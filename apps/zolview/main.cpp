@@ -1,5 +1,6 @@
 #include "input.h"
 #include "png_output.h"
+#include "print.h"
 #include "render.h"
 #include "render_options.h"
 
@@ -17,7 +18,7 @@ using namespace zolview;
 constexpr int exitRefused = 1;
 constexpr int exitUsage = 2;
 
-constexpr const char* description = R"(zolview shows medical images: a DICOM file in, a PNG picture out.
+constexpr const char* description = R"(zolview shows medical images: a DICOM file in, a PNG picture or a PDF page out.
 
 INPUT is a DICOM file (grey, up to 12 significant bits; uncompressed, RLE, JPEG or JPEG-LS; of several
 frames the first) or the word 'phantom', a built-in test picture that needs no file.
@@ -26,6 +27,7 @@ frames the first) or the word 'phantom', a built-in test picture that needs no f
   zolview render ct.dcm -o bone.png --window 300/1500 --size 1024x1024
   zolview render chest.dcm -o part.png --zoom 3 --pan -200,100
   zolview render phantom -o marked.png --annotate figures.json
+  zolview print ct.dcm -o ct.pdf --landscape --true-size
   zolview info ct.dcm)";
 
 constexpr const char* footer = R"(The view is made in this order: flip, rotate, zoom, pan.
@@ -55,26 +57,12 @@ void addAnnotationOptions(CLI::App& command, RenderOptions& options, std::string
         ->needs(annotate);
 }
 
-void addViewOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile) {
-    addParsed(command, "--size", "Size of the picture (default: the image's own, at most 2048 on the longer side)",
-              "WIDTHxHEIGHT",
-              "WIDTHxHEIGHT with sides from 1 to " + std::to_string(maxSide) + " and at most " +
-                  std::to_string(maxPixels) + " pixels in all",
-              parseSize, [&options](Size size) { options.size = size; });
+/// What concerns the image, wherever it is shown.
+void addImageOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile) {
     addParsed(command, "--window",
               "Values from black to white, in the image's units such as HU (default: the file's, or else all)",
               "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers, the width 1 or more", parseWindow,
               [&options](Window window) { options.window = window; });
-    addParsed(
-        command, "--zoom", "Magnification; 1 (the default) shows the whole image", "FACTOR",
-        "a number from 0.001 to 1000", [](const std::string& text) { return parseNumber(text, minZoom, maxZoom); },
-        [&options](double zoom) { options.zoom = zoom; });
-    addParsed(command, "--pan", "Move the image by so many pixels of the picture, right and down", "X,Y",
-              "X,Y, two numbers from -1000000 to 1000000", parsePan, [&options](Pan pan) { options.pan = pan; });
-    addParsed(
-        command, "--rotate", "Turn the image clockwise", "DEGREES", "a number of degrees from -1000000 to 1000000",
-        [](const std::string& text) { return parseNumber(text, -maxDegrees, maxDegrees); },
-        [&options](double degrees) { options.degrees = degrees; });
     command
         .add_option_function<std::string>(
             "--flip",
@@ -88,6 +76,24 @@ void addViewOptions(CLI::App& command, RenderOptions& options, std::string& anno
     command.add_flag_callback(
         "--no-shutters", [&options] { options.shutters = false; }, "Show what the image's shutters hide");
     addAnnotationOptions(command, options, annotationFile);
+}
+
+void addViewOptions(CLI::App& command, RenderOptions& options) {
+    addParsed(command, "--size", "Size of the picture (default: the image's own, at most 2048 on the longer side)",
+              "WIDTHxHEIGHT",
+              "WIDTHxHEIGHT with sides from 1 to " + std::to_string(maxSide) + " and at most " +
+                  std::to_string(maxPixels) + " pixels in all",
+              parseSize, [&options](Size size) { options.size = size; });
+    addParsed(
+        command, "--zoom", "Magnification; 1 (the default) shows the whole image", "FACTOR",
+        "a number from 0.001 to 1000", [](const std::string& text) { return parseNumber(text, minZoom, maxZoom); },
+        [&options](double zoom) { options.zoom = zoom; });
+    addParsed(command, "--pan", "Move the image by so many pixels of the picture, right and down", "X,Y",
+              "X,Y, two numbers from -1000000 to 1000000", parsePan, [&options](Pan pan) { options.pan = pan; });
+    addParsed(
+        command, "--rotate", "Turn the image clockwise", "DEGREES", "a number of degrees from -1000000 to 1000000",
+        [](const std::string& text) { return parseNumber(text, -maxDegrees, maxDegrees); },
+        [&options](double degrees) { options.degrees = degrees; });
     command
         .add_option("--background", options.background,
                     "Grey of what lies outside the image, 0 (the default, black) to 255")
@@ -95,12 +101,38 @@ void addViewOptions(CLI::App& command, RenderOptions& options, std::string& anno
         ->type_name("GREY");
 }
 
+void addPageOptions(CLI::App& command, PrintOptions& page) {
+    addParsed(command, "--paper", "Size of the page: A4 (the default), A3 or letter", "PAPER", "A4, A3 or letter",
+              parsePaper, [&page](Paper paper) { page.paper = paper; });
+    command.add_flag("--landscape", page.landscape, "Turn the page on its side");
+    addParsed(
+        command, "--margin", "Free millimetres on all sides (default: 10)", "MM", "a number from 0 to 90",
+        [](const std::string& text) { return parseNumber(text, 0.0, maxMargin); },
+        [&page](double margin) { page.margin = margin; });
+    command.add_option("--dpi", page.dpi, "Dots per inch in which lines and places are counted (default: 600)")
+        ->check(CLI::Range(minDpi, maxDpi).description(""))
+        ->type_name("N");
+    command.add_flag("--true-size", page.trueSize, "As large as the pixel spacing says, not as the page allows");
+}
+
+void tell(const std::string& input, const std::vector<std::string>& notes) {
+    for (const std::string& note : notes) std::cerr << "zolview: " << input << ": " << note << '\n';
+}
+
 void renderToFile(const std::string& input, const std::string& output, const RenderOptions& options) {
     const StoredImage image = loadInput(input);
     std::vector<std::string> notes = image.notes;
     const Picture picture = render(image, options, notes);
-    for (const std::string& note : notes) std::cerr << "zolview: " << input << ": " << note << '\n';
+    tell(input, notes);
     writePng(picture, output);
+}
+
+void printToFile(const std::string& input, const std::string& output, const RenderOptions& options,
+                 const PrintOptions& page) {
+    const StoredImage image = loadInput(input);
+    std::vector<std::string> notes = image.notes;
+    printPdf(image, options, page, output, notes);
+    tell(input, notes);
 }
 
 /// One line, whatever the message.
@@ -133,18 +165,23 @@ int main(int argc, char** argv) {
     std::string output;
     std::string annotationFile;
     RenderOptions options;
+    PrintOptions page;
 
     CLI::App app(description, "zolview");
     app.set_version_flag("--version", "zolview " ZOLVIEW_VERSION);
     app.require_subcommand(1);
     app.footer(footer);
     CLI::App& renderCommand = *app.add_subcommand("render", "Show the image in a PNG file");
+    CLI::App& printCommand = *app.add_subcommand("print", "Put the image on a page of a PDF file");
     CLI::App& infoCommand = *app.add_subcommand("info", "Tell what the input contains and whether it can be shown");
-    for (CLI::App* const command : {&renderCommand, &infoCommand})
+    for (CLI::App* const command : {&renderCommand, &printCommand, &infoCommand})
         command->add_option("INPUT", input, "A DICOM file, or the word phantom")->required()->type_name("");
     renderCommand.add_option("-o,--output", output, "The PNG file to write")->required()->type_name("OUT.png");
+    printCommand.add_option("-o,--output", output, "The PDF file to write")->required()->type_name("OUT.pdf");
     renderCommand.footer(footer);
-    addViewOptions(renderCommand, options, annotationFile);
+    addViewOptions(renderCommand, options);
+    addPageOptions(printCommand, page);
+    for (CLI::App* const command : {&renderCommand, &printCommand}) addImageOptions(*command, options, annotationFile);
 
     try {
         app.parse(argc, argv);
@@ -160,6 +197,8 @@ int main(int argc, char** argv) {
     return attempt(input, [&] {
         if (renderCommand.parsed()) {
             renderToFile(input, output, options);
+        } else if (printCommand.parsed()) {
+            printToFile(input, output, options, page);
         } else {
             std::cout << describeInput(input);
         }

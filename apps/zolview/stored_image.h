@@ -87,6 +87,10 @@ struct StoredImage {
     int height = 0;
     /// Height of a pixel divided by its width.
     double ratioYx = 1.0;
+    /// Millimetres, where a spacing is given.
+    std::optional<double> pixelWidth;
+    /// The spacing is that on a detector or film, which magnifies, not one calibrated to the body.
+    bool spacingIsUncalibrated = false;
 
     /// Row by row: the level in bits 0 to 11, embedded planes above.
     std::vector<std::uint16_t> samples;

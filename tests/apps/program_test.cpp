@@ -90,6 +90,24 @@ TEST_F(Program, DrawsAnnotations) {
     EXPECT_NE(contents(file("p.png")), plain);
 }
 
+TEST_F(Program, PrintsPages) {
+    const std::string pdf = " -o '" + file("p.pdf") + "'";
+    const Outcome outcome = run("print phantom --paper A3 --landscape --margin 20 --dpi 300" + pdf);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(contents(file("p.pdf")).starts_with("%PDF-"));
+    for (const char* arguments : {"--paper A5", "--margin 91", "--margin -1", "--margin x", "--dpi 71", "--dpi 1201",
+                                  "--dpi x", "--zoom 2", "--burn-in"}) {
+        const Outcome wrong = run("print phantom " + std::string(arguments) + pdf);
+        EXPECT_EQ(wrong.status, 2) << arguments;
+        expectOnePlainLine(wrong.err);
+    }
+    const Outcome refused = run("print phantom --true-size -o '" + file("q.pdf") + "'");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.err, "zolview: phantom: has no pixel spacing, so that its true size is unknown\n");
+    EXPECT_FALSE(std::filesystem::exists(file("q.pdf")));
+}
+
 TEST_F(Program, RefusesBadAnnotationsInOneLineWithTheirFile) {
     const std::string bad = file("bad.json");
     std::ofstream(bad) << R"({"annotations": [{"figure": "blob"}]})";
