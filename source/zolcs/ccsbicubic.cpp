@@ -1,0 +1,124 @@
+#include "zolcs/ccsbicubic.h"
+
+#include "zolcs/resample/bicubic.h"
+#include "zolcs/resample/interpolation.h"
+
+namespace {
+
+using zolcs::ColourTables;
+using zolcs::Copy;
+using zolcs::CubicGrey;
+using zolcs::CubicRgb;
+using zolcs::MemberCall;
+using zolcs::MemberChecks;
+using zolcs::MemberReports;
+using zolcs::Polling;
+using zolcs::Stepping;
+
+constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) {
+    return {L"source\\zolcs\\ccsbicubic", member, lines};
+}
+
+constexpr MemberReports grey12Grey12Reports = reportsOf(L"bicubicGrey12Grey12", {273, 324, 327, 462});
+constexpr MemberReports magicGlassReports = reportsOf(L"bicubicGrey12Grey12_ForMagicGlass", {485, 520, 523, 641});
+constexpr MemberReports grey12IndexMapReports = reportsOf(L"bicubicGrey12IndexMap", {668, 761, 764, 1002});
+constexpr MemberReports rgb8Rgb8Reports = reportsOf(L"bicubicRgb8Rgb8", {1025, 1061, 1064, 1189});
+constexpr MemberReports rgb8Rgb8MapReports = reportsOf(L"bicubicRgb8Rgb8Map", {1212, 1250, 1253, 1384, 1221});
+
+CubicGrey greyOf(const MemberCall& call, bool keepOverlayBits) {
+    const bool twelveBits = call.src.getType() == CCS_GREY12;
+    const std::uint16_t mask = twelveBits ? 0x0FFF : 0xFFFF;
+    const std::uint16_t keptBits = twelveBits && keepOverlayBits ? 0xF000 : 0;
+    return {{{call.lock.source(), call.src.getPitch()}, call.stepping, zolcs::deepCubicWeights()}, mask, keptBits};
+}
+
+CubicRgb rgbOf(const MemberCall& call) {
+    return CubicRgb({{call.lock.source(), call.src.getPitch()}, call.stepping, zolcs::coarseCubicWeights()});
+}
+
+}  // namespace
+
+CCsBicubic::CCsBicubic() { zolcs::buildCubicWeights(); }
+
+CCsBicubic::~CCsBicubic() = default;
+
+void CCsBicubic::deleteWeightageArray() { zolcs::freeCubicWeights(); }
+
+void CCsBicubic::setAbortFlag(int flag) { zolcs::setFlag(abortFlag, flag); }
+
+void CCsBicubic::Get_RgbL(long& r, long& g, long& b, unsigned char* pixel, long& weight) {
+    const auto add = [&](long& sum, unsigned char level) {
+        sum = static_cast<long>(static_cast<unsigned long>(sum) + level * static_cast<unsigned long>(weight));
+    };
+    add(r, pixel[0]);
+    add(g, pixel[1]);
+    add(b, pixel[2]);
+}
+
+Stepping CCsBicubic::adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
+    srcWidth = src.getWidth();
+    srcHeight = src.getHeight();
+    return zolcs::prepareStepping(src, dst, trafo,
+                                  {stepXu, stepXv, stepYu, stepYv, originU, originV, srcLimitU, srcLimitV, srcPitch,
+                                   dstWidth, dstHeight, dstPitch});
+}
+
+template <typename Draw>
+int CCsBicubic::resample_(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
+                          CCs2dTrafo& trafo, const Draw& draw) {
+    return zolcs::runMember(
+        reports, checks, src, dst, [&] { return adaptTransformation_(src, dst, trafo); }, draw);
+}
+
+int CCsBicubic::bicubicGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned short background,
+                                    bool ignoreAbort, bool keepOverlayBits) {
+    const auto isGrey = [](int type) { return type == CCS_GREY12 || type == CCS_GREY16; };
+    const bool typesFit = isGrey(src.getType()) || isGrey(dst.getType());
+    const MemberChecks checks{typesFit && zolcs::pixelSizesAre(src, dst, 2, 2), true,
+                              !ignoreAbort && zolcs::isRaised(abortFlag)};
+    return resample_(grey12Grey12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawInterpolated<std::uint16_t>(call, background, greyOf(call, keepOverlayBits),
+                                                      Copy<std::uint16_t>{},
+                                                      ignoreAbort ? Polling::Never : Polling::EveryPixel, abortFlag);
+    });
+}
+
+int CCsBicubic::bicubicGrey12Grey12_ForMagicGlass(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo,
+                                                  unsigned short background) {
+    const bool typesFit = src.getType() == CCS_GREY12 && dst.getType() == CCS_GREY12;
+    const MemberChecks checks{typesFit, true, zolcs::isRaised(abortFlag)};
+    return resample_(magicGlassReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawInterpolated<std::uint16_t>(call, background, greyOf(call, false), Copy<std::uint16_t>{},
+                                                      Polling::EveryPixel, abortFlag);
+    });
+}
+
+int CCsBicubic::bicubicGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, IMap* map,
+                                      unsigned char* pixelPadding, unsigned char background) {
+    const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
+    return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, greyOf(call, false), Polling::EveryPixel,
+                                 abortFlag);
+    });
+}
+
+template <typename Convert>
+int CCsBicubic::resampleRgb_(const MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
+                             CCs2dTrafo& trafo, unsigned long background, const Convert& convert) {
+    const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
+    const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
+    return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+        return zolcs::drawInterpolated(call, static_cast<std::uint32_t>(background), rgbOf(call), convert(),
+                                       Polling::EveryPixel, abortFlag);
+    });
+}
+
+int CCsBicubic::bicubicRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned long background) {
+    return resampleRgb_(rgb8Rgb8Reports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+}
+
+int CCsBicubic::bicubicRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
+                                   unsigned long background) {
+    return resampleRgb_(rgb8Rgb8MapReports, table != nullptr, src, dst, trafo, background,
+                        [&] { return ColourTables(table, table, table); });
+}
