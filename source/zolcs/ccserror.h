@@ -10,8 +10,7 @@
 class ZOLWEBCS_API CCsError {
 public:
     /// Receives the tag ("CS-D", "CS-E" or "CS-W"), the reporting module, the line, the text and a category (always 0).
-    using Handler = void (*)(CStringW tag, wchar_t* file, int line, CStringW message,
-                             ErrorCategory category);
+    using Handler = void (*)(CStringW tag, wchar_t* file, int line, CStringW message, ErrorCategory category);
 
     /// Installs the handler. If there is one already, reports to it first and replaces it all the same.
     explicit CCsError(Handler handler);

@@ -17,8 +17,8 @@ public:
     static void* allocateChunk();
 
     /// Gives a chunk back to the pool, not to the system: it is the next one handed out. The count goes down and is
-    /// traced, also for null, which pairs with an allocation that failed. Each chunk is given back once; one whose block
-    /// was purged meanwhile is only counted.
+    /// traced, also for null, which pairs with an allocation that failed. Each chunk is given back once; one whose
+    /// block was purged meanwhile is only counted.
     static void releaseChunk(void* chunk);
 
     /// Frees all blocks of the pool, chunks in use included; true if there were any. The count stays as it is.

@@ -10,9 +10,9 @@
 /// A shutter given as a bit plane: `columns` bits a row without row padding, lowest bit of each byte first.
 /// The data stays the host's; it must hold rows * columns bits.
 struct CCsBitmapShutterInfo {
-    std::uint32_t tag = 0;      ///< non-zero when a bitmap shutter is supplied
-    std::int32_t originX = 0;   ///< 1-based image column of the first bit
-    std::int32_t originY = 0;   ///< 1-based image row of the first bit
+    std::uint32_t tag = 0;     ///< non-zero when a bitmap shutter is supplied
+    std::int32_t originX = 0;  ///< 1-based image column of the first bit
+    std::int32_t originY = 0;  ///< 1-based image row of the first bit
     std::uint16_t rows = 0;
     std::uint16_t columns = 0;
     unsigned char* data = nullptr;
