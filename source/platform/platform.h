@@ -8,8 +8,10 @@
 
 #if defined(_WIN32)
 #if defined(_MSC_VER) && __has_include(<afxwin.h>)
-#include <afxmt.h>
+// MFC wants this one before its others.
 #include <afxwin.h>
+
+#include <afxmt.h>
 #include <atlstr.h>
 #define ZOL_HAVE_REAL_MFC 1
 #else
