@@ -275,12 +275,12 @@ TEST(WindowLut, PresentedWindowByDefinition) {
         std::vector<std::uint32_t> lut(4096);
         zolcs::mapping::fillPresented(lut, window, table, colours);
         for (std::int64_t v = 0; v < 4096; ++v) {
-            unsigned level = table.data()[0] >> down;
+            unsigned level = unsigned{table.data()[0]} >> down;
             if (v >= window.low()) {
                 const std::int64_t q = (v - window.low()) * 4096 / window.width;
                 level = PresentationLevel(&table, 4)(static_cast<std::uint32_t>(q & 0xFFFF));
             }
-            if (v >= window.high()) level = table.data()[table.count() - 1] >> down;
+            if (v >= window.high()) level = unsigned{table.data()[table.count() - 1]} >> down;
             ASSERT_EQ(lut[static_cast<std::size_t>(v)], colours[level]) << v;
         }
     }

@@ -1,5 +1,7 @@
 #include "zolcs/resample/member.h"
 
+#include "zolcs/pixelsize.h"
+
 #include "zolcs/ccsmap.h"
 #include "zolcs/resample/imageview.h"
 
@@ -27,7 +29,7 @@ Stepping prepareStepping(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, const 
 }
 
 bool pixelSizesAre(const CCsImage& src, const CCsImage& dst, int sourceBytes, int destinationBytes) {
-    return bytesPerPixel(src.getType()) == sourceBytes && bytesPerPixel(dst.getType()) == destinationBytes;
+    return pixelSize(src.getType()) == sourceBytes && pixelSize(dst.getType()) == destinationBytes;
 }
 
 bool areGreyToDisplay(const CCsImage& src, const CCsImage& dst) {
