@@ -7,6 +7,8 @@
 
 #include <fstream>
 
+#include "support/folders.h"
+
 namespace {
 
 using namespace zolview;
@@ -156,7 +158,8 @@ TEST(Annotations, TheExampleHasEveryKindAndSpace) {
     std::vector<bool> kinds(9);
     std::vector<bool> spaces(3);
     std::vector<bool> penStyles(5);
-    for (const Annotation& annotation : readAnnotations(ZOL_SOURCE_DIR "/examples/annotations/all-figures.json")) {
+    for (const Annotation& annotation :
+         readAnnotations((zoltest::sourceFolder() / "examples/annotations/all-figures.json").string())) {
         kinds[static_cast<std::size_t>(annotation.kind)] = true;
         spaces[static_cast<std::size_t>(annotation.space)] = true;
         penStyles[static_cast<std::size_t>(annotation.penStyle)] = true;

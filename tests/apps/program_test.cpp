@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/folders.h"
+
 namespace {
 
 using zoltest::DicomWriter;
@@ -77,7 +79,8 @@ TEST_F(Program, TakesAllOptionsTogether) {
 }
 
 TEST_F(Program, DrawsAnnotations) {
-    const std::string example = "--annotate '" ZOL_SOURCE_DIR "/examples/annotations/all-figures.json'";
+    const std::string example =
+        "--annotate '" + (zoltest::sourceFolder() / "examples/annotations/all-figures.json").string() + "'";
     ASSERT_EQ(render("phantom").status, 0);
     const std::string plain = contents(file("p.png"));
     const Outcome outcome = render("phantom " + example);

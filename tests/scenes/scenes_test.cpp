@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "support/folders.h"
 #include "support/picture_file.h"
 
 namespace {
@@ -16,7 +17,7 @@ using zolscenes::Scene;
 
 std::map<std::string, std::string> storedDigests() {
     std::map<std::string, std::string> digests;
-    std::ifstream file(ZOL_SOURCE_DIR "/tests/scenes/digests.txt");
+    std::ifstream file(zoltest::sourceFolder() / "tests/scenes/digests.txt");
     for (std::string name, value; file >> name >> value;) digests[name] = value;
     return digests;
 }

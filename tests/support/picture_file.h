@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "support/folders.h"
+
 #if defined(ZOL_HAVE_PNG)
 #include <png.h>
 #endif
@@ -52,10 +54,10 @@ inline std::vector<std::uint32_t> readPng(const std::filesystem::path& path, int
 inline std::string leavePictures(const std::string& name, int width, int height,
                                  const std::vector<std::uint32_t>& actual) {
     namespace fs = std::filesystem;
-    const fs::path folder = fs::path(ZOL_BINARY_DIR) / "scenes";
+    const fs::path folder = buildFolder() / "scenes";
     fs::create_directories(folder);
     writePng(folder / (name + "-actual.png"), width, height, actual);
-    const fs::path stored = fs::path(ZOL_SOURCE_DIR) / "tests" / "scenes" / "pictures" / (name + ".png");
+    const fs::path stored = sourceFolder() / "tests" / "scenes" / "pictures" / (name + ".png");
     const std::vector<std::uint32_t> expected = readPng(stored, width, height);
     if (expected.size() == actual.size()) {
         std::vector<std::uint32_t> difference(actual.size());

@@ -9,13 +9,15 @@
 #include <random>
 #include <string>
 
+#include "support/folders.h"
+
 namespace zoltest {
 
 /// Folder of the optional DICOM samples: $ZOL_SAMPLES, or ../shared/dicom beside the project. Empty when absent.
 inline std::filesystem::path sampleFolder() {
     namespace fs = std::filesystem;
     if (const char* set = std::getenv("ZOL_SAMPLES")) return fs::is_directory(set) ? fs::path(set) : fs::path();
-    const fs::path beside = fs::path(ZOL_SOURCE_DIR).parent_path() / "shared" / "dicom";
+    const fs::path beside = sourceFolder().parent_path() / "shared" / "dicom";
     return fs::is_directory(beside) ? beside : fs::path();
 }
 
