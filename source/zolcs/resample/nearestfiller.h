@@ -50,8 +50,9 @@ public:
             offset = static_cast<std::int32_t>(pixelOf(std::clamp<Fixed16>(u, 0, stepping.limitU)));
             u += stepping.stepXu;
         }
-        // Zoomed in, several lines show one source line.
-        if (std::abs(stepping.stepYv) <= fixed16One / 2) line_.resize(columnOffsets_.size());
+        line_.resize(columnOffsets_.size());
+        lineStep_ = stepping.stepYv;
+        sourceLines_ = pixelOf(stepping.limitV);
     }
 
     void expect(ColumnRange columns) {
@@ -64,18 +65,24 @@ public:
         if (columnOffsets_.empty()) {
             fillOblique(line, columns, out);
         } else {
-            fillUpright(pixelOf(line.v), columns, out);
+            fillUpright(line.v, columns, out);
         }
         return true;
     }
 
 private:
-    void fillUpright(std::int64_t sourceLine, ColumnRange columns, Pixel* out) {
-        if (line_.empty()) {
-            moveColumns(sourceLine, columns, out);
-            return;
-        }
+    /// Zoomed in, neighbouring lines show one source line: it is kept when the next line shows it again.
+    void fillUpright(Fixed16 v, ColumnRange columns, Pixel* out) {
+        const std::int64_t sourceLine = pixelOf(v);
         if (sourceLine != keptLine_) {
+            const std::int64_t nextLine = pixelOf(v + lineStep_);
+            if (sourceLine != nextLine) {
+                if (nextLine >= 0 && nextLine < sourceLines_) {
+                    prefetchStart(source_.line(nextLine) + columnOffsets_[static_cast<std::size_t>(columns.begin)]);
+                }
+                moveColumns(sourceLine, columns, out);
+                return;
+            }
             moveColumns(sourceLine, expected_, line_.data() + expected_.begin);
             keptLine_ = sourceLine;
         }
@@ -106,7 +113,9 @@ private:
     ImageView<const SourcePixel> source_;
     const Convert& convert_;
     std::vector<std::int32_t> columnOffsets_;
-    std::vector<Pixel> line_;  ///< the expected columns of the last source line, where lines repeat
+    Fixed16 lineStep_ = 0;
+    std::int64_t sourceLines_ = 0;
+    std::vector<Pixel> line_;  ///< the expected columns of the source line that is kept
     std::int64_t keptLine_ = -1;
     ColumnRange expected_;
 };

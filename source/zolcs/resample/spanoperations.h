@@ -57,6 +57,9 @@ struct SpanOperations {
 ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count,
                              const std::uint32_t* table, std::uint32_t* out);
 
+/// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
+void prefetchStart(const void* data);
+
 /// The plain transposition, for pixels of any size.
 template <typename Pixel>
 void transposeTile(const Pixel* tile, const TileShape& shape, Pixel* out) {
