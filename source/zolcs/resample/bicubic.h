@@ -62,6 +62,10 @@ public:
         return weights_[(coordinate & (fixed16One - 1)) / (fixed16One / Steps)];
     }
 
+    [[nodiscard]] const ImageView<const Pixel>& pixels() const { return source_; }
+    [[nodiscard]] std::int64_t lastColumn() const { return lastColumn_; }
+    [[nodiscard]] std::int64_t lastRow() const { return lastRow_; }
+
 private:
     ImageView<const Pixel> source_;
     std::int64_t lastColumn_;
@@ -72,6 +76,7 @@ private:
 /// Grey values.
 class CubicGrey {
 public:
+    using Pixel = std::uint16_t;
     using Source = CubicSource<std::uint16_t, deepCubicSteps>;
 
     /// `mask` holds the bits of a grey value, and is the highest one; `keptBits` those that the result takes from the
@@ -89,6 +94,10 @@ public:
         return static_cast<std::uint16_t>(value | (square.centre() & keptBits_));
     }
 
+    [[nodiscard]] const Source& source() const { return source_; }
+    [[nodiscard]] std::int32_t mask() const { return mask_; }
+    [[nodiscard]] std::int32_t keptBits() const { return keptBits_; }
+
 private:
     Source source_;
     std::int32_t mask_;
@@ -98,6 +107,7 @@ private:
 /// The three colour bytes of a 32-bit pixel; the fourth becomes 0.
 class CubicRgb {
 public:
+    using Pixel = std::uint32_t;
     using Source = CubicSource<std::uint32_t, coarseCubicSteps>;
 
     explicit CubicRgb(const Source& source) : source_(source) {}
@@ -115,6 +125,8 @@ public:
         };
         return channel(0) | channel(8) | channel(16);
     }
+
+    [[nodiscard]] const Source& source() const { return source_; }
 
 private:
     Source source_;

@@ -36,6 +36,11 @@ public:
                 static_cast<std::uint32_t>(atU & 0xFFFF), static_cast<std::uint32_t>(atV & 0xFFFF)};
     }
 
+    [[nodiscard]] const ImageView<const Pixel>& pixels() const { return source_; }
+    /// The largest coordinates, which lie on the centres of the last column and row.
+    [[nodiscard]] Fixed16 lastU() const { return lastU_; }
+    [[nodiscard]] Fixed16 lastV() const { return lastV_; }
+
 private:
     ImageView<const Pixel> source_;
     Fixed16 lastU_;
@@ -54,6 +59,8 @@ inline constexpr std::uint32_t blendFraction = 0xFFFE;
 /// Grey values on the plain path.
 class BilinearGrey {
 public:
+    using Pixel = std::uint16_t;
+
     /// `mask` holds the bits of a grey value; `keptBits` those that the result takes from the upper left pixel as
     /// stored.
     BilinearGrey(const BilinearSource<std::uint16_t>& source, std::uint16_t mask, std::uint16_t keptBits)
@@ -69,6 +76,10 @@ public:
         return static_cast<std::uint16_t>(static_cast<std::uint32_t>(blend(top, bottom, fractionV)) |
                                           (square.top[0] & keptBits_));
     }
+
+    [[nodiscard]] const BilinearSource<std::uint16_t>& source() const { return source_; }
+    [[nodiscard]] std::int32_t mask() const { return mask_; }
+    [[nodiscard]] std::uint32_t keptBits() const { return keptBits_; }
 
 private:
     BilinearSource<std::uint16_t> source_;
@@ -105,12 +116,16 @@ private:
 /// The three colour bytes of a 32-bit pixel; the fourth becomes 0.
 class BilinearRgb {
 public:
+    using Pixel = std::uint32_t;
+
     explicit BilinearRgb(const BilinearSource<std::uint32_t>& source) : source_(source) {}
 
     std::uint32_t operator()(Fixed16 u, Fixed16 v) const {
         const auto square = source_.around(u, v);
         return channel(square, 0) | channel(square, 8) | channel(square, 16);
     }
+
+    [[nodiscard]] const BilinearSource<std::uint32_t>& source() const { return source_; }
 
 private:
     static std::uint32_t channel(const BilinearSource<std::uint32_t>::Square& square, unsigned shift) {

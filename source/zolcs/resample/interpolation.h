@@ -4,22 +4,14 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/resample/member.h"
+#include "zolcs/resample/oblique.h"
 #include "zolcs/resample/resample.h"
+#include "zolcs/resample/stopflag.h"
 
-#include <atomic>
 #include <cstdint>
 #include <limits>
 
 namespace zolcs {
-
-/// A request to stop that another thread may set while a call runs. The pixels do not depend on when it is seen.
-inline bool isRaised(std::int32_t& flag) {
-    return std::atomic_ref<std::int32_t>(flag).load(std::memory_order_relaxed) != 0;
-}
-
-inline void setFlag(std::int32_t& flag, std::int32_t value) {
-    std::atomic_ref<std::int32_t>(flag).store(value, std::memory_order_relaxed);
-}
 
 /// How often a call looks at a request to stop.
 enum class Polling : std::uint8_t { Never, EveryRow, EveryPixel };
@@ -48,18 +40,33 @@ private:
     std::int32_t& flag_;
 };
 
-/// Gives `draw` the filler, or one that looks at the flag.
-template <typename F, typename Draw>
-bool drawPolled(Polling polling, std::int32_t& flag, F& filler, const Draw& draw) {
-    if (polling == Polling::EveryPixel) {
-        AbortableFiller<1, F> polled(filler, flag);
-        return draw(polled);
+/// Gives `draw` a filler of what a kernel interpolates, through `convert`: the fastest one for the view. Where every
+/// pixel is polled, it is the filler that looks at the flag.
+template <typename Kernel, typename Convert, typename Draw>
+bool withInterpolator(const Stepping& stepping, const Kernel& kernel, const Convert& convert, Polling polling,
+                      std::int32_t& flag, const Draw& draw) {
+    if (!SpanOperations::isPlain()) {
+        [[maybe_unused]] const StopFlag stop = polling == Polling::EveryPixel ? StopFlag(flag) : StopFlag();
+        if constexpr (hasObliqueFiller<Kernel>) {
+            using Oblique = ObliqueFiller<Kernel, Convert>;
+            if (Oblique::isUsableFor(kernel, stepping)) {
+                Oblique oblique(kernel, convert, stop);
+                return draw(oblique);
+            }
+        }
     }
-    if (polling == Polling::EveryRow) {
-        AbortableFiller<std::numeric_limits<int>::max(), F> polled(filler, flag);
-        return draw(polled);
-    }
-    return draw(filler);
+    PlainFiller plain(kernel, convert);
+    if (polling != Polling::EveryPixel) return draw(plain);
+    AbortableFiller<1, decltype(plain)> polled(plain, flag);
+    return draw(polled);
+}
+
+/// Fills the display along the source's rows as far as the view allows; looks at the flag once a row when asked to.
+template <typename Pixel, typename F>
+bool drawPolled(const Stepping& stepping, const Display<Pixel>& display, F& filler, bool everyRow, std::int32_t& flag) {
+    if (!everyRow) return fillDisplay(stepping, display, filler);
+    AbortableFiller<std::numeric_limits<int>::max(), F> polled(filler, flag);
+    return fillDisplay(stepping, display, polled);
 }
 
 /// Shows the embedded overlay bits of the pixel on which a position falls above what another filler shows.
@@ -87,14 +94,16 @@ private:
     NearestKernel<std::uint16_t> raw_;
 };
 
-/// Fills the destination with what a kernel interpolates, through `convert`; false when stopped. Always row by row, so
-/// that a stopped call has written whole rows from the top.
+/// Fills the destination with what a kernel interpolates, through `convert`; false when stopped. A call that was
+/// stopped leaves what it has written: whole rows from the top, or whole strips of columns from the left in a quarter
+/// turn.
 template <typename Pixel, typename Kernel, typename Convert>
 bool drawInterpolated(const MemberCall& call, Pixel background, const Kernel& kernel, const Convert& convert,
                       Polling polling, std::int32_t& flag) {
     const Display<Pixel> display{{call.lock.destination(), call.dst.getPitch()}, background};
-    PlainFiller plain(kernel, convert);
-    return drawPolled(polling, flag, plain, [&](auto& filler) { return fillRows(call.stepping, display, filler); });
+    return withInterpolator(call.stepping, kernel, convert, polling, flag, [&](auto& filler) {
+        return drawPolled(call.stepping, display, filler, polling == Polling::EveryRow, flag);
+    });
 }
 
 /// What a member that shows stored grey values as display pixels was given.
@@ -121,15 +130,12 @@ bool drawMapped(const MemberCall& call, const GreyDisplayArguments& arguments, c
 
     const Display<std::uint32_t> display{{call.lock.destination(), call.dst.getPitch()}, arguments.background};
     const NearestKernel<std::uint16_t> raw{{call.lock.source(), call.src.getPitch()}};
+    // Rows are looked at outside the rules, pixels inside them, where the work is.
     const auto drawRuled = [&](auto& image) {
         RuledFiller ruled(image, rules, raw);
-        return drawPolled(Polling::EveryRow, flag, ruled,
-                          [&](auto& filler) { return fillRows(call.stepping, display, filler); });
+        return drawPolled(call.stepping, display, ruled, polling != Polling::Never, flag);
     };
-    PlainFiller plain(kernel, convert);
-    // Rows are looked at outside the rules, pixels inside them, where the work is.
-    const Polling inside = polling == Polling::EveryPixel ? polling : Polling::Never;
-    return drawPolled(inside, flag, plain, [&](auto& image) {
+    return withInterpolator(call.stepping, kernel, convert, polling, flag, [&](auto& image) {
         if (rules.embeddedColours() == nullptr) return drawRuled(image);
         EmbeddedFiller embedded(image, rules.embeddedColours(), raw);
         return drawRuled(embedded);

@@ -53,12 +53,14 @@ constinit std::atomic<Mode> mode{Mode::Best};
 
 const SpanOperations& SpanOperations::chosen() {
 #if defined(ZOL_USE_HIGHWAY)
-    if (mode.load(std::memory_order_relaxed) == Mode::Best) return spanvectors::chosen();
+    if (usesVectors()) return spanvectors::chosen();
 #endif
     return portable;
 }
 
 bool SpanOperations::isPlain() { return mode.load(std::memory_order_relaxed) == Mode::Plain; }
+
+bool SpanOperations::usesVectors() { return mode.load(std::memory_order_relaxed) == Mode::Best; }
 
 std::vector<std::string> SpanOperations::variants() {
     std::vector<std::string> names{"plain", "portable"};

@@ -45,6 +45,9 @@ struct SpanOperations {
     /// True when a test wants the plain loops, without any of these.
     ZOLWEBCS_API static bool isPlain();
 
+    /// True when the processor's own variants are to be used, where there are some; what else has variants goes by it.
+    static bool usesVectors();
+
     /// Names of the variants that run here: "plain" and "portable", then the processor's own.
     ZOLWEBCS_API static std::vector<std::string> variants();
 
