@@ -1,9 +1,9 @@
 #include "raster_setup.h"
 
+#include "image_pixels.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsoverlay.h"
-#include "zolcs/imagelock.h"
 
 #include <algorithm>
 #include <cmath>
@@ -57,21 +57,8 @@ RasterSetup::RasterSetup(const StoredImage& image, bool withShutters, bool withO
 }
 
 void RasterSetup::copySamples(const StoredImage& image) {
-    const zolcs::ImageLock lock(raster_);
-    if (lock.origin() == nullptr) throw Refusal("not enough memory");
-    auto* line = reinterpret_cast<std::uint16_t*>(lock.origin());
     auto sample = image.samples.begin();
-    for (int y = 0; y < image.height; ++y, sample += image.width, line += raster_.getPitch())
-        std::copy_n(sample, image.width, line);
-}
-
-/// Every pixel in turn, row by row.
-template <typename Change>
-void RasterSetup::changeSamples(Change change) {
-    const zolcs::ImageLock lock(raster_);
-    auto* line = reinterpret_cast<std::uint16_t*>(lock.origin());
-    for (int y = 0; y < raster_.getHeight(); ++y, line += raster_.getPitch())
-        std::for_each_n(line, raster_.getWidth(), change);
+    ImagePixels<std::uint16_t>(raster_).forEach([&sample](std::uint16_t& pixel) { pixel = *sample++; });
 }
 
 void RasterSetup::burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted) {
@@ -79,7 +66,7 @@ void RasterSetup::burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFON
     constexpr std::uint16_t levelBits = rasterLevels - 1;
     constexpr unsigned int depth = 12;
     std::vector<std::uint16_t> planes;
-    changeSamples([&planes](std::uint16_t& sample) {
+    ImagePixels<std::uint16_t>(raster_).forEach([&planes](std::uint16_t& sample) {
         planes.push_back(static_cast<std::uint16_t>(sample & ~levelBits));
         sample = static_cast<std::uint16_t>(sample & levelBits);
     });
@@ -87,7 +74,8 @@ void RasterSetup::burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFON
     if (raster_.burnInOverlay(map, &overlay, depth, &trafo, font, depth - 1, inverted) != 255)
         throw Refusal("not enough memory to burn in");
     auto plane = planes.begin();
-    changeSamples([&plane](std::uint16_t& sample) { sample = static_cast<std::uint16_t>(sample | *plane++); });
+    ImagePixels<std::uint16_t>(raster_).forEach(
+        [&plane](std::uint16_t& sample) { sample = static_cast<std::uint16_t>(sample | *plane++); });
 }
 
 void RasterSetup::setShutters(const StoredImage& image) {

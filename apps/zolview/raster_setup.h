@@ -34,8 +34,6 @@ public:
 
 private:
     void copySamples(const StoredImage& image);
-    template <typename Change>
-    void changeSamples(Change change);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
 

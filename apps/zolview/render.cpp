@@ -3,6 +3,7 @@
 #include "annotation_overlay.h"
 #include "fonts.h"
 #include "host_window.h"
+#include "image_pixels.h"
 #include "raster_setup.h"
 #include "report_log.h"
 #include "windowing.h"
@@ -11,7 +12,6 @@
 #include "zolcs/ccsframe.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsnearest.h"
-#include "zolcs/imagelock.h"
 
 #include <algorithm>
 #include <cmath>
@@ -90,20 +90,15 @@ std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo&
     CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, nullptr, marker);
     ReportLog::check();
     std::vector<bool> out;
-    const zolcs::ImageLock lock(frame);
-    const auto* line = reinterpret_cast<const std::uint32_t*>(lock.origin());
-    for (int y = 0; y < frame.getHeight(); ++y, line += frame.getPitch())
-        for (int x = 0; x < frame.getWidth(); ++x) out.push_back(line[x] == marker);
+    ImagePixels<std::uint32_t>(frame).forEach([&out](std::uint32_t pixel) { out.push_back(pixel == marker); });
     return out;
 }
 
 void fillBackground(CCsFrame& frame, const std::vector<bool>& background, int grey) {
-    const zolcs::ImageLock lock(frame);
-    auto* line = reinterpret_cast<std::uint32_t*>(lock.origin());
     auto isBackground = background.begin();
-    for (int y = 0; y < frame.getHeight(); ++y, line += frame.getPitch())
-        for (int x = 0; x < frame.getWidth(); ++x)
-            if (*isBackground++) line[x] = static_cast<std::uint32_t>(grey) * 0x010101U;
+    ImagePixels<std::uint32_t>(frame).forEach([&](std::uint32_t& pixel) {
+        if (*isBackground++) pixel = static_cast<std::uint32_t>(grey) * 0x010101U;
+    });
 }
 
 /// The resampler writes its background byte into the blue of a pixel and gives the same one to padding, which must stay
