@@ -14,13 +14,16 @@ constexpr zolcs::ReportSite released{L"Total number of chunks in use after relea
 
 constexpr unsigned int chunksPerBlock = 64;
 
+// Boost doubles the count after every block that it gets until it reaches this limit. With the smallest one it never
+// does: every block holds as many chunks as the last, and a count that was halved while memory was short stays halved.
+constexpr unsigned int growthLimit = 1;
+
 struct ChunkPoolTag {};
 
-// First and largest growth are the same, so every block holds 64 chunks (fewer when memory is short). Blocks come from
-// the non-throwing new; chunks that are given back are handed out again last in, first out.
+// Blocks come from the non-throwing new; chunks that are given back are handed out again last in, first out.
 using ChunkPool =
     boost::singleton_pool<ChunkPoolTag, CCsMemoryManager::chunkSize, boost::default_user_allocator_new_delete,
-                          boost::details::pool::default_mutex, chunksPerBlock, chunksPerBlock>;
+                          boost::details::pool::default_mutex, chunksPerBlock, growthLimit>;
 
 std::atomic<std::uint32_t> chunksInUse{0};
 

@@ -5,6 +5,9 @@
 #include <cstddef>
 
 /// The process-wide pool of look-up-table chunks. All members may be called from any thread.
+///
+/// Memory comes in blocks of 64 chunks. Where a block cannot be had, one of half as many chunks is tried once, and the
+/// count stays halved for all later blocks until purgeChunks; a count below 5 is not halved.
 class ZOLWEBCS_API CCsMemoryManager {
 public:
     /// Bytes of a chunk: 65536 entries of 32 bits.

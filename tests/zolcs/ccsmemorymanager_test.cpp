@@ -62,7 +62,6 @@ using zoltest::Report;
 using zoltest::ReportCapture;
 
 constexpr std::size_t blockChunks = 64;
-constexpr std::size_t blockBytes = blockChunks * CCsMemoryManager::chunkSize;
 
 std::vector<Report> takeTraces() {
     std::vector<Report> out;
@@ -223,7 +222,7 @@ TEST_F(CCsMemoryManagerTest, AnExhaustedMemoryGivesNullAndCountsItAllTheSame) {
     CCsMemoryManager::purgeChunks();
 }
 
-/// How many chunks can be had while no new block can.
+/// How many chunks can be had while no new block can. A block that is tried for in vain halves the count of the next.
 std::size_t chunksLeft() {
     const NothrowNewLimit limit(1);
     std::vector<void*> chunks;
@@ -233,19 +232,51 @@ std::size_t chunksLeft() {
     return chunks.size();
 }
 
+/// Takes a chunk while only blocks of fewer than `chunks` chunks can be had, expecting so many vain tries.
+void* allocateFromSmallerThan(std::size_t chunks, int refusals) {
+    const NothrowNewLimit limit(chunks * CCsMemoryManager::chunkSize);
+    void* const chunk = CCsMemoryManager::allocateChunk();
+    EXPECT_EQ(NothrowNewLimit::refusals(), refusals) << chunks;
+    return chunk;
+}
+
 TEST_F(CCsMemoryManagerTest, ABlockThatCannotBeHadIsRetriedWithHalfItsChunks) {
     if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
     CCsMemoryManager::purgeChunks();
-    void* chunk = nullptr;
-    {
-        const NothrowNewLimit limit(blockBytes);
-        chunk = CCsMemoryManager::allocateChunk();
-        EXPECT_NE(chunk, nullptr);
-        EXPECT_EQ(NothrowNewLimit::refusals(), 1);
-    }
+    void* const chunk = allocateFromSmallerThan(blockChunks, 1);
+    EXPECT_NE(chunk, nullptr);
     EXPECT_EQ(chunksLeft(), 31U);
     CCsMemoryManager::releaseChunk(chunk);
     EXPECT_EQ(chunksLeft(), 32U);
+    CCsMemoryManager::purgeChunks();
+}
+
+TEST_F(CCsMemoryManagerTest, AHalvedCountStaysHalvedUntilThePoolIsPurged) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    CCsMemoryManager::purgeChunks();
+    std::vector<void*> chunks = {allocateFromSmallerThan(blockChunks, 1)};
+    // Memory is plentiful again, yet blocks go on holding 32 chunks each.
+    for (std::size_t i = 1; i < 3 * 32; ++i) chunks.push_back(CCsMemoryManager::allocateChunk());
+    chunks.push_back(allocateFromSmallerThan(1, 2));
+    EXPECT_EQ(chunks.back(), nullptr) << "three full blocks";
+    for (void* const chunk : chunks) CCsMemoryManager::releaseChunk(chunk);
+    CCsMemoryManager::purgeChunks();
+    void* const fresh = CCsMemoryManager::allocateChunk();
+    EXPECT_EQ(chunksLeft(), blockChunks - 1);
+    CCsMemoryManager::releaseChunk(fresh);
+    CCsMemoryManager::purgeChunks();
+}
+
+TEST_F(CCsMemoryManagerTest, TheCountIsHalvedFromFiveOnOnly) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    CCsMemoryManager::purgeChunks();
+    // 64 is halved to 32, 32 to 16, 16 to 8 and 8 to 4, which is tried as it is.
+    for (const int refusals : {2, 2, 2, 2, 1, 1}) EXPECT_EQ(allocateFromSmallerThan(1, refusals), nullptr);
+    for (int i = 0; i < 6; ++i) CCsMemoryManager::releaseChunk(nullptr);
+    void* const chunk = CCsMemoryManager::allocateChunk();
+    EXPECT_NE(chunk, nullptr);
+    EXPECT_EQ(chunksLeft(), 3U);
+    CCsMemoryManager::releaseChunk(chunk);
     CCsMemoryManager::purgeChunks();
 }
 
