@@ -1,0 +1,168 @@
+#include "zolipp/checks.h"
+#include "zolipp/sample.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+namespace zolipp {
+
+namespace {
+
+/// x' = a * x + b * y + c for x, y alike for y: from destination to source.
+struct Inverse {
+    std::array<double, 3> x;
+    std::array<double, 3> y;
+};
+
+/// Empty for coefficients that have no inverse, or one so large that products with coordinates could overflow.
+std::optional<Inverse> inverseOf(const double coeffs[2][3]) {
+    const double* cx = coeffs[0];
+    const double* cy = coeffs[1];
+    const double determinant = cx[0] * cy[1] - cx[1] * cy[0];
+    if (!std::isfinite(determinant) || determinant == 0.0) return std::nullopt;
+    const std::array<double, 4> linear{cy[1] / determinant, -cx[1] / determinant, -cy[0] / determinant,
+                                       cx[0] / determinant};
+    const Inverse inverse{{linear[0], linear[1], -(linear[0] * cx[2] + linear[1] * cy[2])},
+                          {linear[2], linear[3], -(linear[2] * cx[2] + linear[3] * cy[2])}};
+    constexpr double largest = 1e100;
+    const auto isUsable = [](double number) { return std::fabs(number) <= largest; };  // false for a NaN
+    const bool usable = std::all_of(inverse.x.begin(), inverse.x.end(), isUsable) &&
+                        std::all_of(inverse.y.begin(), inverse.y.end(), isUsable);
+    return usable ? std::optional(inverse) : std::nullopt;
+}
+
+/// One coordinate of the source points under the centres of a destination row's pixels.
+struct RowPosition {
+    double step;
+    double start;
+
+    RowPosition(const std::array<double, 3>& coefficients, int row)
+        : step(coefficients[0]), start(coefficients[1] * (row + 0.5) + coefficients[2]) {}
+
+    [[nodiscard]] double at(int column) const { return step * (column + 0.5) + start; }
+};
+
+struct Span {
+    int begin;
+    int end;
+};
+
+/// The pixels of a span at which a coordinate lies within [low, high): one run, since rounding keeps the order.
+Span within(Span span, const RowPosition& position, std::int64_t low, std::int64_t high) {
+    const auto from = static_cast<double>(low);
+    const auto to = static_cast<double>(high);
+    const auto rising = [&](auto enters, auto leaves) {
+        const int begin = firstWhere(span.begin, span.end, enters);
+        return Span{begin, firstWhere(begin, span.end, leaves)};
+    };
+    if (position.step < 0.0) {
+        return rising([&](int i) { return position.at(i) < to; }, [&](int i) { return position.at(i) < from; });
+    }
+    return rising([&](int i) { return position.at(i) >= from; }, [&](int i) { return position.at(i) >= to; });
+}
+
+struct WarpJob {
+    SourceImage source;
+    IppiRect sourceRegion;  ///< within the source
+    TargetRows target;
+    IppiRect targetRegion;
+    Inverse inverse;
+    int interpolation;
+};
+
+template <typename Format, int taps>
+void warpSpan(const WarpJob& job, int row, Span span, const RowPosition& x, const RowPosition& y) {
+    std::byte* target = job.target.at(row) + std::ptrdiff_t{span.begin} * pixelBytes<Format>;
+    for (int i = span.begin; i < span.end; ++i, target += pixelBytes<Format>) {
+        samplePixel<Format>(job.source, neighboursAt<taps>(x.at(i)), neighboursAt<taps>(y.at(i)), target);
+    }
+}
+
+/// False when no pixel shows the source's region.
+template <typename Format, int taps>
+bool warpWith(const WarpJob& job) {
+    const IppiRect& region = job.sourceRegion;
+    bool any = false;
+    const int end = job.targetRegion.y + job.targetRegion.height;
+    for (int row = job.targetRegion.y; row < end; ++row) {
+        const RowPosition x(job.inverse.x, row);
+        const RowPosition y(job.inverse.y, row);
+        Span span{job.targetRegion.x, job.targetRegion.x + job.targetRegion.width};
+        span = within(span, x, region.x, std::int64_t{region.x} + region.width);
+        span = within(span, y, region.y, std::int64_t{region.y} + region.height);
+        if (span.begin >= span.end) continue;
+        any = true;
+        warpSpan<Format, taps>(job, row, span, x, y);
+    }
+    return any;
+}
+
+template <typename Format>
+IppStatus warpAffine(const void* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* pDst, int dstStep,
+                     IppiRect dstRoi, const double coeffs[2][3], int interpolation) {
+    if (pSrc == nullptr || pDst == nullptr || coeffs == nullptr) return ippStsNullPtrErr;
+    if (isEmpty(srcSize) || isEmpty(srcRoi) || isEmpty(dstRoi)) return ippStsSizeErr;
+    if (!holdsRow(srcStep, srcSize.width, pixelBytes<Format>)) return ippStsStepErr;
+    const std::int64_t right = std::int64_t{dstRoi.x} + dstRoi.width;
+    const std::int64_t bottom = std::int64_t{dstRoi.y} + dstRoi.height;
+    if (dstStep < 1 || !holdsRow(dstStep, right, pixelBytes<Format>)) return ippStsStepErr;
+    if (!isInterpolation(interpolation)) return ippStsInterpolationErr;
+    const auto inverse = inverseOf(coeffs);
+    if (!inverse) return ippStsCoeffErr;
+    const IppiRect sourceRegion = cutTo(srcRoi, srcSize.width, srcSize.height);
+    const IppiRect targetRegion = cutTo(dstRoi, right, bottom);
+    if (isEmpty(sourceRegion) || isEmpty(targetRegion)) return ippStsWrongIntersectROI;
+    if (sourceRegion.width == 1 || sourceRegion.height == 1) return ippStsRectErr;
+    const WarpJob job{.source = {rowsOf(pSrc, srcStep), srcSize},
+                      .sourceRegion = sourceRegion,
+                      .target = rowsOf(pDst, dstStep),
+                      .targetRegion = targetRegion,
+                      .inverse = *inverse,
+                      .interpolation = interpolation};
+    bool any = false;
+    withTaps(interpolation, [&](auto taps) { any = warpWith<Format, taps>(job); });
+    return any ? ippStsNoErr : ippStsWrongIntersectQuad;
+}
+
+}  // namespace
+
+}  // namespace zolipp
+
+IppStatus ZOLippiWarpAffine_16u_C1R(const Ipp16u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp16u* pDst,
+                                    int dstStep, IppiRect dstRoi, const double coeffs[2][3], int interpolation) {
+    return zolipp::warpAffine<zolipp::Grey16>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, coeffs,
+                                              interpolation);
+}
+
+IppStatus ZOLippiWarpAffine_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
+                                   int dstStep, IppiRect dstRoi, const double coeffs[2][3], int interpolation) {
+    return zolipp::warpAffine<zolipp::FourBytes>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, coeffs,
+                                                 interpolation);
+}
+
+IppStatus ZOLippiWarpAffine_8u_AC4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
+                                    int dstStep, IppiRect dstRoi, const double coeffs[2][3], int interpolation) {
+    return zolipp::warpAffine<zolipp::ThreeOfFourBytes>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, coeffs,
+                                                        interpolation);
+}
+
+IppStatus ZOLippiGetAffineBound(IppiRect srcRoi, double bound[2][2], const double coeffs[2][3]) {
+    if (bound == nullptr || coeffs == nullptr) return ippStsNullPtrErr;
+    if (zolipp::isEmpty(srcRoi)) return ippStsSizeErr;
+    if (!zolipp::inverseOf(coeffs)) return ippStsCoeffErr;
+    if (srcRoi.width == 1 || srcRoi.height == 1) return ippStsRectErr;
+    const double left = srcRoi.x;
+    const double top = srcRoi.y;
+    const double right = left + srcRoi.width;
+    const double bottom = top + srcRoi.height;
+    for (int i = 0; i < 2; ++i) {
+        const double* c = coeffs[i];
+        const auto at = [&](double x, double y) { return c[0] * x + c[1] * y + c[2]; };
+        const auto [low, high] = std::minmax({at(left, top), at(right, top), at(left, bottom), at(right, bottom)});
+        bound[0][i] = low;
+        bound[1][i] = high;
+    }
+    return ippStsNoErr;
+}
