@@ -207,6 +207,38 @@ TEST_F(DcTest, MetricModesCountUpward) {
     EXPECT_EQ(device.pixel(10, 8), 0U);
 }
 
+TEST_F(DcTest, TheWorldTurnsInsideThePageAndThePageGoesToTheViewport) {
+    // From (50, 40): level to the right in the page's units, and upward when the world is turned anticlockwise.
+    const auto drawn = [](const XFORM& world) {
+        Device device(100, 80);
+        const Using pen(device, CreatePen(PS_SOLID, 0, RGB(255, 0, 0)));
+        EXPECT_EQ(SetGraphicsMode(device, GM_ADVANCED), GM_COMPATIBLE);
+        EXPECT_TRUE(SetViewportOrgEx(device, 50, 40, nullptr));
+        EXPECT_EQ(SetMapMode(device, MM_LOENGLISH), MM_TEXT);
+        EXPECT_TRUE(SetWorldTransform(device, &world));
+        EXPECT_TRUE(MoveToEx(device, 0, 0, nullptr));
+        EXPECT_TRUE(LineTo(device, 25, 0));
+        return device.picture();
+    };
+    const auto level = drawn({1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F});
+    const auto turned = drawn({0.0F, 1.0F, -1.0F, 0.0F, 0.0F, 0.0F});
+    int length = 0;
+    while (length < 40 && level[40][static_cast<std::size_t>(50 + length)] == '#') ++length;
+    EXPECT_GT(length, 10);
+    EXPECT_LT(length, 40);
+    for (int y = 0; y < 80; ++y) {
+        for (int x = 0; x < 100; ++x) {
+            const auto row = static_cast<std::size_t>(y);
+            const auto column = static_cast<std::size_t>(x);
+            ASSERT_EQ(level[row][column] == '#', y == 40 && x >= 50 && x < 50 + length) << x << ", " << y;
+            if (turned[row][column] == '#') {
+                ASSERT_TRUE(x == 50 && y <= 40 && y > 40 - length - 1) << x << ", " << y;
+            }
+        }
+    }
+    EXPECT_EQ(turned[static_cast<std::size_t>(40 - length + 2)][50], '#');
+}
+
 TEST_F(DcTest, FreeExtentsScale) {
     Device device(30, 30);
     EXPECT_EQ(SetMapMode(device, MM_ANISOTROPIC), MM_TEXT);
@@ -277,6 +309,13 @@ TEST_F(DcTest, NullHandlesFail) {
     EXPECT_FALSE(PolyBezier(none, points, 4));
     EXPECT_FALSE(Rectangle(none, 0, 0, 1, 1));
     EXPECT_FALSE(Ellipse(none, 0, 0, 1, 1));
+    EXPECT_FALSE(BeginPath(none));
+    EXPECT_FALSE(EndPath(none));
+    EXPECT_FALSE(AbortPath(none));
+    EXPECT_FALSE(CloseFigure(none));
+    EXPECT_FALSE(StrokePath(none));
+    EXPECT_FALSE(FillPath(none));
+    EXPECT_FALSE(StrokeAndFillPath(none));
     EXPECT_FALSE(PaintRgn(none, region));
     EXPECT_FALSE(FillRgn(none, region, brush));
     EXPECT_FALSE(TextOutW(none, 0, 0, L"a", 1));

@@ -241,6 +241,65 @@ TEST_F(LineTest, AWideLineToItselfIsADot) {
     EXPECT_EQ(device.pixel(9, 5), 0U);
 }
 
+TEST_F(LineTest, EveryStyleInEveryWidth) {
+    const auto pixelsOf = [](int style, int width) {
+        Device device(60, 60);
+        SetBkMode(device, TRANSPARENT);
+        const Using pen(device, CreatePen(style, width, RGB(255, 0, 0)));
+        const POINT points[] = {{10, 12}, {48, 15}, {20, 45}};
+        EXPECT_TRUE(Polyline(device, points, 3));
+        return device.picture();
+    };
+    const std::vector<std::string> nothing(60, std::string(60, '.'));
+    for (const int width : {0, 1, 2, 3, 5, 10, 17}) {
+        const std::vector<std::string> solid = pixelsOf(PS_SOLID, width);
+        EXPECT_NE(solid, nothing) << width;
+        EXPECT_EQ(pixelsOf(PS_NULL, width), nothing) << width;
+        EXPECT_EQ(pixelsOf(PS_INSIDEFRAME, width), solid) << width;
+        for (const int style : {PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT}) {
+            EXPECT_EQ(pixelsOf(style, width) == solid, width > 1) << width << " style " << style;
+        }
+        if (width < 2) continue;
+        // As thick as asked for, across a line that is almost level.
+        int thick = 0;
+        for (int y = 0; y < 30; ++y) thick += solid[static_cast<std::size_t>(y)][20] == '#' ? 1 : 0;
+        EXPECT_NEAR(thick, width, 1);
+    }
+    // A width of 0 is one pixel, whatever the transformation; the others grow with it.
+    for (const int width : {0, 4}) {
+        Device device(60, 60);
+        SetGraphicsMode(device, GM_ADVANCED);
+        const XFORM twice{2.0F, 0.0F, 0.0F, 2.0F, 0.0F, 0.0F};
+        EXPECT_TRUE(SetWorldTransform(device, &twice));
+        const Using pen(device, CreatePen(PS_SOLID, width, RGB(255, 0, 0)));
+        drawLine(device, {5, 15}, {25, 15});
+        int thick = 0;
+        for (int y = 0; y < 60; ++y) thick += device.pixel(30, y) != 0 ? 1 : 0;
+        EXPECT_NEAR(thick, width == 0 ? 1 : 8, width == 0 ? 0 : 1);
+    }
+}
+
+TEST_F(LineTest, UnknownStylesAreNoPens) {
+    for (const int style : {-1, 9, 100}) {
+        HPEN pen = CreatePen(style, 1, RGB(255, 0, 0));
+        LOGPEN record{};
+        // Systems may refuse the style or take a solid pen instead.
+        if (pen != nullptr) {
+            EXPECT_EQ(GetObjectW(pen, sizeof(record), &record), static_cast<int>(sizeof(record)));
+            EXPECT_EQ(record.lopnStyle, static_cast<UINT>(PS_SOLID)) << style;
+            DeleteObject(pen);
+        }
+    }
+    const LOGPEN description{PS_DOT, {1, 0}, RGB(4, 5, 6)};
+    HPEN pen = CreatePenIndirect(&description);
+    LOGPEN record{};
+    EXPECT_EQ(GetObjectW(pen, sizeof(record), &record), static_cast<int>(sizeof(record)));
+    EXPECT_EQ(record.lopnStyle, static_cast<UINT>(PS_DOT));
+    EXPECT_EQ(record.lopnWidth.x, 1);
+    EXPECT_EQ(record.lopnColor, RGB(4, 5, 6));
+    EXPECT_TRUE(DeleteObject(pen));
+}
+
 TEST_F(LineTest, PensRememberWhatTheyAre) {
     HPEN pen = CreatePen(PS_DASH, 1, RGB(1, 2, 3));
     LOGPEN record{};

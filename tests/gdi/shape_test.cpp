@@ -106,6 +106,26 @@ TEST_F(ShapeTest, ARectangleWithoutAPenIsOnePixelSmaller) {
               (std::vector<std::string>{"........", ".####...", ".####...", ".####...", "........", "........"}));
 }
 
+TEST_F(ShapeTest, APenInsideTheFrameStaysInside) {
+    for (const int width : {1, 2, 5, 8}) {
+        for (const bool round : {false, true}) {
+            Device device(50, 40);
+            const Using pen(device, CreatePen(PS_INSIDEFRAME, width, RGB(255, 0, 0)));
+            const Using brush(device, CreateSolidBrush(RGB(0, 255, 0)));
+            EXPECT_TRUE(round ? Ellipse(device, 8, 6, 42, 34) : Rectangle(device, 8, 6, 42, 34));
+            for (int y = 0; y < 40; ++y) {
+                for (int x = 0; x < 50; ++x) {
+                    if (x >= 8 && x < 42 && y >= 6 && y < 34) continue;
+                    ASSERT_EQ(device.pixel(x, y), 0U) << width << ": " << x << ", " << y;
+                }
+            }
+            EXPECT_EQ(device.pixel(25, 6), penPixel) << width;
+            EXPECT_EQ(device.pixel(8, 20), penPixel) << width;
+            EXPECT_EQ(device.pixel(25, 20), fillPixel) << width;
+        }
+    }
+}
+
 TEST_F(ShapeTest, EllipsesTouchTheirRectangle) {
     Device device(20, 13);
     const Using pen(device, CreatePen(PS_SOLID, 0, RGB(255, 0, 0)));
@@ -193,7 +213,8 @@ TEST_F(ShapeTest, RegionsArePaintedWithoutTheirRightAndBottomEdges) {
         fillPattern(device);
         Expected expected(device);
         const Using brush(device, CreateSolidBrush(RGB(0, 255, 0)));
-        HRGN region = CreateRectRgn(2, 3, 7, 6);
+        const RECT rect{2, 3, 7, 6};
+        HRGN region = CreateRectRgnIndirect(&rect);
         EXPECT_TRUE(PaintRgn(device, region));
         HBRUSH other = CreateSolidBrush(RGB(255, 0, 0));
         HRGN second = CreateRectRgn(8, 7, 6, 6);  // corners in any order

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cwchar>
+#include <string>
 
 namespace zoltest {
 namespace {
@@ -202,6 +203,76 @@ TEST_F(TextTest, TheSamePositionGivesTheSamePixels) {
     for (int y = 0; y < 30; ++y) {
         for (int x = 0; x < 80; ++x) ASSERT_EQ(first.pixel(x, y), second.pixel(x + 7, y + 7));
     }
+}
+
+/// The shapes of a text from left to right, however far apart they stand: runs of columns with ink, each column a line.
+/// The text's parts are drawn side by side.
+std::vector<std::string> shapesOf(const std::vector<std::wstring>& parts) {
+    Device device(200, 40);
+    const Using font(device, makeFont(-22));
+    SetTextColor(device, RGB(255, 255, 255));
+    SetBkMode(device, TRANSPARENT);
+    int left = 5;
+    for (const std::wstring& part : parts) {
+        EXPECT_TRUE(TextOutW(device, left, 4, part.c_str(), static_cast<int>(part.size())));
+        left += widthOf(device, part.c_str());
+    }
+    const std::vector<std::string> picture = device.picture();
+    std::vector<std::string> shapes;
+    bool within = false;
+    for (std::size_t x = 0; x < 200; ++x) {
+        std::string column;
+        for (const std::string& row : picture) column += row[x];
+        const bool ink = column.find('#') != std::string::npos;
+        if (ink && !within) shapes.emplace_back();
+        if (ink) shapes.back() += column + '\n';
+        within = ink;
+    }
+    return shapes;
+}
+
+TEST_F(TextTest, LeftToRightScriptsStandInTheirOrder) {
+    const auto shapes = shapesOf({L"a\u0416\u03A9z"});
+    EXPECT_EQ(shapes.size(), 4U);
+    EXPECT_EQ(shapes, shapesOf({L"a", L"\u0416", L"\u03A9", L"z"}));
+}
+
+TEST_F(TextTest, RightToLeftRunsAreTurnedRoundAndTheLineIsNot) {
+    const std::wstring alef = L"\u05D0";
+    const std::wstring bet = L"\u05D1";
+    const std::wstring shin = L"\u05E9";
+    EXPECT_NE(shapesOf({alef}), shapesOf({bet}));
+    EXPECT_EQ(shapesOf({alef + bet + shin}), shapesOf({shin, bet, alef}));
+    EXPECT_EQ(shapesOf({L"a" + alef + bet + L"z"}), shapesOf({L"a", bet, alef, L"z"}));
+    // Numbers keep their order, inside a run too; what follows the run stands at its right.
+    EXPECT_EQ(shapesOf({alef + bet + L" 12"}), shapesOf({L"12", L" ", bet, alef}));
+    EXPECT_EQ(shapesOf({alef + bet + L" mm"}), shapesOf({bet, alef, L" ", L"mm"}));
+}
+
+TEST_F(TextTest, ExtentsOfEveryScriptAreSane) {
+    HDC dc = CreateCompatibleDC(nullptr);
+    const Using font(dc, makeFont(-20));
+    const std::wstring texts[] = {L"Thorax",
+                                  L"Gr\u00F6\u00DFe",
+                                  L"\u0394\u03B9\u03BF\u03BD\u03C5\u03C3\u03B9\u03BF\u03C2",
+                                  L"\u041B\u044Ek\u0441",
+                                  L"\u0642\u0628\u0627\u0646\u064A",
+                                  L"\u05E9\u05E8\u05D5\u05DF",
+                                  L"\u5C71\u7530\u592A\u90CE",
+                                  L"\u3084\u307E\u3060",
+                                  L"\uAE40\uD76C\uC911",
+                                  L"\u738B\u5C0F\u4E1C"};
+    for (const std::wstring& text : texts) {
+        SIZE size{};
+        EXPECT_TRUE(GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size));
+        // From a fifth of an em for each character up to two.
+        EXPECT_GT(size.cx, static_cast<LONG>(text.size()) * 4);
+        EXPECT_LT(size.cx, static_cast<LONG>(text.size()) * 40);
+        TEXTMETRICW metrics{};
+        EXPECT_TRUE(GetTextMetricsW(dc, &metrics));
+        EXPECT_EQ(size.cy, metrics.tmHeight);
+    }
+    EXPECT_TRUE(DeleteDC(dc));
 }
 
 TEST_F(TextTest, BoldIsHeavier) {

@@ -253,6 +253,24 @@ BOOL PolyBezier(HDC dc, const POINT* points, DWORD count) {
     return real(dc, points, count);
 }
 
+BOOL BeginPath(HDC dc) {
+    static const auto real = realOf(&BeginPath);
+    write("begin path");
+    return real(dc);
+}
+
+BOOL EndPath(HDC dc) {
+    static const auto real = realOf(&EndPath);
+    write("end path");
+    return real(dc);
+}
+
+BOOL StrokeAndFillPath(HDC dc) {
+    static const auto real = realOf(&StrokeAndFillPath);
+    write("stroke and fill path");
+    return real(dc);
+}
+
 BOOL Ellipse(HDC dc, int left, int top, int right, int bottom) {
     static const auto real = realOf(&Ellipse);
     write(format("ellipse %d %d %d %d", left, top, right, bottom));

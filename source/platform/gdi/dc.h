@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/gdi/canvas.h"
+#include "platform/gdi/path.h"
 
 #include <optional>
 #include <string_view>
@@ -99,6 +100,7 @@ public:
     Capabilities capabilities;
     State state;
     std::vector<State> saved;
+    Path path;
 };
 
 /// A device context for the length of a call: found and locked, or nothing.

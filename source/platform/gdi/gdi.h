@@ -539,6 +539,21 @@ ZOLGDI_API BOOL PolyBezier(HDC dc, const POINT* points, DWORD count);
 ZOLGDI_API BOOL Rectangle(HDC dc, int left, int top, int right, int bottom);
 ZOLGDI_API BOOL Ellipse(HDC dc, int left, int top, int right, int bottom);
 
+// Between BeginPath and EndPath the calls above draw nothing: their outlines become the device context's path, in the
+// transformation of the time of the call. What draws the path consumes it and fails where there is none. Copies of
+// pixels, painted regions and texts take no part: they are drawn at once. SaveDC does not keep a path.
+
+/// Discards a complete path; within a bracket it changes nothing.
+ZOLGDI_API BOOL BeginPath(HDC dc);
+ZOLGDI_API BOOL EndPath(HDC dc);
+ZOLGDI_API BOOL AbortPath(HDC dc);
+ZOLGDI_API BOOL CloseFigure(HDC dc);
+ZOLGDI_API BOOL StrokePath(HDC dc);
+/// Open figures are closed for filling.
+ZOLGDI_API BOOL FillPath(HDC dc);
+/// Open figures are closed, the outline included.
+ZOLGDI_API BOOL StrokeAndFillPath(HDC dc);
+
 // ---------------------------------------------------------------------------------------------------- regions
 
 ZOLGDI_API HRGN CreateRectRgn(int left, int top, int right, int bottom);

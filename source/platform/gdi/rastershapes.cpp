@@ -216,17 +216,19 @@ RECT boundsOf(const Figures& figures, double margin) {
             roundToDevice(high.y + margin)};
 }
 
-/// Round ends and joins. Cairo's coordinates end near 2^23: what lies farther away is cut off well before.
+/// Round ends and joins, a whole number of pixels thick: an even one lies more to the left and top. Cairo's coordinates
+/// end near 2^23: what lies farther away is cut off well before.
 void strokeWide(const Pixels& to, const Area& clip, const Figures& lines, const Stroke& stroke) {
     constexpr double cairoLimit = 1 << 21;
-    const double width = std::min(stroke.width, cairoLimit);
+    const double width = std::round(std::min(stroke.width, cairoLimit));
+    const double shift = std::fmod(width, 2.0) / 2.0;
     const Figures near = linesWithin(lines, cairoLimit);
     paintCoverage(to, clip, boundsOf(near, width / 2.0 + 2.0), stroke.color, [&](cairo_t* cairo) {
         cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
         cairo_set_line_width(cairo, width);
         cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
         cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-        appendPath(cairo, near, 0.5);
+        appendPath(cairo, near, shift);
         cairo_stroke(cairo);
     });
 }
@@ -267,7 +269,7 @@ void RasterCanvas::fill(const Area& clip, const Figures& figures, int fillMode, 
 void RasterCanvas::stroke(const Area& clip, const Figures& figures, const Stroke& stroke) {
     if (clip.empty() || stroke.style == PS_NULL) return;
     const Figures lines = flattened(figures);
-    stroke.width > 1.0 ? strokeWide(pixels_, clip, lines, stroke) : strokeThin(pixels_, clip, lines, stroke);
+    stroke.width >= 1.5 ? strokeWide(pixels_, clip, lines, stroke) : strokeThin(pixels_, clip, lines, stroke);
 }
 
 void RasterCanvas::ellipse(const Area& clip, const RECT& box, const Stroke& stroke, const COLORREF* fillColor) {
@@ -276,7 +278,7 @@ void RasterCanvas::ellipse(const Area& clip, const RECT& box, const Stroke& stro
     const auto span = [&](LONG y, LONG left, LONG right, COLORREF color) {
         if (left < right) paint(clip.intersected(Area(RECT{left, y, right, y + 1})), ropIndex(PATCOPY), color);
     };
-    const bool thin = stroke.style == PS_SOLID && stroke.width <= 1.0;
+    const bool thin = stroke.style == PS_SOLID && stroke.width < 1.5;
     for (LONG y = bounds.top; y < bounds.bottom; ++y) {
         const auto [left, right] = rows.row(y);
         if (fillColor != nullptr) span(y, left, right, *fillColor);

@@ -43,14 +43,22 @@ Figure deviceFigure(const DeviceContext& context, const Points& points, bool clo
 }
 
 void drawLines(DeviceContext& context, Canvas& canvas, const Figures& figures) {
+    if (context.path.isOpen()) {
+        context.path.append(figures);
+        return;
+    }
     const Stroke stroke = currentStroke(context);
     if (stroke.style != PS_NULL) canvas.stroke(context.clipArea(), figures, stroke);
 }
 
-/// The inside with the brush, then the outline with the pen.
-void drawSurface(DeviceContext& context, Canvas& canvas, const Figures& figures) {
+void fillSurface(DeviceContext& context, Canvas& canvas, const Figures& figures) {
     const Brush& brush = *context.state.brush;
     if (!brush.hollow()) canvas.fill(context.clipArea(), figures, context.state.fillMode, brush.color());
+}
+
+/// The inside with the brush, then the outline with the pen.
+void drawSurface(DeviceContext& context, Canvas& canvas, const Figures& figures) {
+    if (!context.path.isOpen()) fillSurface(context, canvas, figures);
     drawLines(context, canvas, figures);
 }
 
@@ -91,11 +99,13 @@ bool deviceBox(const DeviceContext& context, int left, int top, int right, int b
     return !isEmpty(box.rect);
 }
 
-/// A pen that draws inside the frame moves the outline in by half its width.
+/// A pen that draws inside the frame moves the outline in by half its width; an even one lies more to the left and top.
 void insetForPen(const DeviceContext& context, Box& box) {
     if (context.state.pen->description().lopnStyle != PS_INSIDEFRAME) return;
-    const LONG inset = roundToDevice(std::floor(currentStroke(context).width / 2.0));
-    box.rect = {box.rect.left + inset, box.rect.top + inset, box.rect.right - inset, box.rect.bottom - inset};
+    const LONG width = std::max(roundToDevice(currentStroke(context).width), 1);
+    const LONG before = width / 2;
+    const LONG behind = (width - 1) / 2;
+    box.rect = {box.rect.left + before, box.rect.top + before, box.rect.right - behind, box.rect.bottom - behind};
 }
 
 BOOL drawRectangle(DeviceContext& context, Canvas& canvas, Box box) {
@@ -115,7 +125,7 @@ BOOL drawRectangle(DeviceContext& context, Canvas& canvas, Box box) {
 
 BOOL drawEllipse(DeviceContext& context, Canvas& canvas, Box box) {
     insetForPen(context, box);
-    if (!box.axisAligned) {
+    if (!box.axisAligned || context.path.isOpen()) {
         drawSurface(context, canvas, {ellipseFigure(box.topLeft, box.topRight, box.bottomRight, box.bottomLeft)});
         return TRUE;
     }
@@ -124,6 +134,17 @@ BOOL drawEllipse(DeviceContext& context, Canvas& canvas, Box box) {
     const COLORREF color = brush.color();
     canvas.ellipse(context.clipArea(), box.rect, currentStroke(context), brush.hollow() ? nullptr : &color);
     return TRUE;
+}
+
+/// Draws the complete path with `draw`; false where there is none.
+template <typename Draw>
+BOOL drawPath(HDC dc, const Draw& draw) {
+    return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
+        const std::optional<Figures> figures = context.path.take();
+        if (!figures) return FALSE;
+        draw(context, canvas, *figures);
+        return TRUE;
+    });
 }
 
 struct PointList {
@@ -169,6 +190,7 @@ BOOL MoveToEx(HDC dc, int x, int y, LPPOINT previous) {
     return withDc(dc, FALSE, [&](DeviceContext& context) {
         if (previous != nullptr) *previous = context.state.position;
         context.state.position = {x, y};
+        context.path.move();
         return TRUE;
     });
 }
@@ -184,7 +206,12 @@ BOOL GetCurrentPositionEx(HDC dc, LPPOINT position) {
 BOOL LineTo(HDC dc, int x, int y) {
     return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
         const POINT points[] = {context.state.position, {x, y}};
-        zolgdi::drawLines(context, canvas, {zolgdi::deviceFigure(context, points, false)});
+        const zolgdi::Figure line = zolgdi::deviceFigure(context, points, false);
+        if (context.path.isOpen()) {
+            context.path.line(line.points.front(), line.points.back());
+        } else {
+            zolgdi::drawLines(context, canvas, {line});
+        }
         context.state.position = {x, y};
         return TRUE;
     });
@@ -228,5 +255,16 @@ BOOL Ellipse(HDC dc, int left, int top, int right, int bottom) {
         zolgdi::Box box;
         if (!zolgdi::deviceBox(context, left, top, right, bottom, box)) return TRUE;
         return zolgdi::drawEllipse(context, canvas, box);
+    });
+}
+
+BOOL StrokePath(HDC dc) { return zolgdi::drawPath(dc, zolgdi::drawLines); }
+
+BOOL FillPath(HDC dc) { return zolgdi::drawPath(dc, zolgdi::fillSurface); }
+
+BOOL StrokeAndFillPath(HDC dc) {
+    return zolgdi::drawPath(dc, [](DeviceContext& context, Canvas& canvas, zolgdi::Figures figures) {
+        for (zolgdi::Figure& figure : figures) figure.closed = true;
+        zolgdi::drawSurface(context, canvas, figures);
     });
 }

@@ -46,6 +46,8 @@ GObjectPtr<PangoContext> makeContext(bool exact, BYTE quality) {
     cairo_font_options_set_hint_style(options.get(), exact ? CAIRO_HINT_STYLE_NONE : CAIRO_HINT_STYLE_FULL);
     cairo_font_options_set_hint_metrics(options.get(), exact ? CAIRO_HINT_METRICS_OFF : CAIRO_HINT_METRICS_ON);
     pango_cairo_context_set_font_options(context.get(), options.get());
+    // A line reads from the left, whatever scripts are in it; runs of right-to-left ones are turned round within it.
+    pango_context_set_base_dir(context.get(), PANGO_DIRECTION_LTR);
     pango_context_set_round_glyph_positions(context.get(), exact ? FALSE : TRUE);
     return context;
 }
@@ -110,6 +112,7 @@ TextLine::TextLine(const LOGFONTW& font, int dpi, bool exact, std::wstring_view 
     const std::string utf8 = toUtf8(text);
     pango_layout_set_font_description(layout_.get(), font_.description());
     pango_layout_set_single_paragraph_mode(layout_.get(), TRUE);
+    pango_layout_set_auto_dir(layout_.get(), FALSE);
     const std::unique_ptr<PangoAttrList, ReleaseWith<&pango_attr_list_unref>> attributes(pango_attr_list_new());
     // Characters stand side by side at their own widths.
     pango_attr_list_insert(attributes.get(), pango_attr_font_features_new("kern=0, liga=0, clig=0"));

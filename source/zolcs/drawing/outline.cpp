@@ -146,6 +146,11 @@ void flatten(const Piece& piece, int halvings, std::vector<OutputPoint>& out) {
     flatten(second, halvings - 1, out);
 }
 
+void drawCurves(HDC dc, const std::vector<OutputPoint>& points) {
+    const std::vector<POINT> controls = toGdi(points);
+    PolyBezier(dc, controls.data(), static_cast<DWORD>(controls.size()));
+}
+
 // Short straight lines in place of a curve. What is beyond GDI's limits stays coarse.
 std::vector<OutputPoint> flattened(const std::vector<OutputPoint>& points) {
     constexpr int mostHalvings = 40;
@@ -205,8 +210,7 @@ void drawOutline(HDC dc, Outline outline, double offset) {
     if (!outline.curved) {
         drawLines(dc, outline.points);
     } else if (allDrawable(outline.points)) {
-        const std::vector<POINT> points = toGdi(outline.points);
-        PolyBezier(dc, points.data(), static_cast<DWORD>(points.size()));
+        drawCurves(dc, outline.points);
     } else if (allHavePlaces(outline.points)) {
         drawLines(dc, flattened(outline.points));
     }
@@ -214,7 +218,14 @@ void drawOutline(HDC dc, Outline outline, double offset) {
 
 void fillOutline(HDC dc, const Outline& outline) {
     SetPolyFillMode(dc, ALTERNATE);
-    if (allHavePlaces(outline.points)) fillPolygon(dc, outline.curved ? flattened(outline.points) : outline.points);
+    if (outline.curved && allDrawable(outline.points)) {
+        BeginPath(dc);
+        drawCurves(dc, outline.points);
+        EndPath(dc);
+        StrokeAndFillPath(dc);
+    } else if (allHavePlaces(outline.points)) {
+        fillPolygon(dc, outline.curved ? flattened(outline.points) : outline.points);
+    }
 }
 
 }  // namespace zolcs

@@ -237,6 +237,11 @@ TEST_F(HandleTest, FarCoordinatesNeitherCrashNorLast) {
                 const POINT points[] = {{near, 0}, {far, near}, {0, far}, {far, far}};
                 EXPECT_TRUE(Polygon(device, points, 4));
                 EXPECT_TRUE(PolyBezier(device, points, 4));
+                EXPECT_TRUE(BeginPath(device));
+                EXPECT_TRUE(PolyBezier(device, points, 4));
+                EXPECT_TRUE(LineTo(device, near, far));
+                EXPECT_TRUE(EndPath(device));
+                EXPECT_TRUE(StrokeAndFillPath(device));
                 EXPECT_TRUE(Ellipse(device, near, near, far, far));
                 EXPECT_TRUE(Rectangle(device, near, near, far, far));
             }
