@@ -1,0 +1,154 @@
+#include "zolcs/ccsedgeenhancement.h"
+
+#include "zolcs/ccsraster.h"
+#include "zolcs/imagelock.h"
+#include "zolcs/report.h"
+#include "zolcs/resample/boxunsharp.h"
+#include "zolcs/resample/imageview.h"
+#include "zollog/zollog.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+using zolcs::ImageView;
+using zolcs::ReportSite;
+using zolcs::UnsharpSettings;
+using zolcs::UnsharpWorkspace;
+
+constexpr int done = 255;
+constexpr int refused = 0;
+
+constexpr ReportSite siteOf(const wchar_t* message, int line) {
+    return {message, L"source\\zolcs\\ccsedgeenhancement", line};
+}
+
+/// The report sites of one member.
+struct MemberSites {
+    ReportSite sourceType;
+    ReportSite destinationType;
+    ReportSite size;
+    ReportSite box;
+    ReportSite memory;
+};
+
+constexpr const wchar_t* otherSize = L"Destination raster must have the same size";
+constexpr const wchar_t* noBox = L"Size of the box must be at least 1, is";
+constexpr const wchar_t* noMemory = L"Out of memory";
+
+constexpr MemberSites greySites{siteOf(L"Source type must be CCS_GREY12, is", 61),
+                                siteOf(L"Destination type must be CCS_GREY12, is", 67), siteOf(otherSize, 74),
+                                siteOf(noBox, 80), siteOf(noMemory, 94)};
+constexpr ReportSite greyBits = siteOf(L"Highest bit must be at least 0, is", 86);
+constexpr MemberSites colourSites{siteOf(L"Source type must be CCS_RGB8, is", 203),
+                                  siteOf(L"Destination type must be CCS_RGB8, is", 209), siteOf(otherSize, 216),
+                                  siteOf(noBox, 222), siteOf(noMemory, 236)};
+
+struct TypeChecks {
+    bool source;
+    bool destination;
+};
+
+/// True when a member may begin; otherwise it has been said why not.
+bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster& src, const CCsRaster& dst, long size) {
+    const auto refuse = [](const ReportSite& site, long number) { return zolcs::fail(site, number, 0) != 0; };
+    if (!fits.source) return refuse(sites.sourceType, src.getType());
+    if (!fits.destination) return refuse(sites.destinationType, dst.getType());
+    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight()) return refuse(sites.size, 0);
+    if (size < 1) return refuse(sites.box, size);
+    return true;
+}
+
+/// Allocates, locks and filters; `filter(source, destination, workspace)` gets the first pixels.
+template <typename Filter>
+int runFilter(const MemberSites& sites, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
+    const UnsharpWorkspace workspace(src.getWidth());
+    if (!workspace.isAllocated()) return zolcs::fail(sites.memory, 0, refused);
+    try {
+        const zolcs::ImagePairLock lock(src, dst);
+        if (lock.source() == nullptr || lock.destination() == nullptr) return zolcs::fail(sites.memory, 0, refused);
+        filter(lock.source(), lock.destination(), workspace);
+    } catch (...) {
+        // Deliberately a success: the host has always shown what was filtered so far.
+        MorvaLog(L"zolcs - E", L"Exception: unknown");
+    }
+    return done;
+}
+
+/// A box beyond any image and a strength beyond 32 bits are as good as the nearest that fit.
+std::int32_t fitted(long value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
+}
+
+struct GreyPlane {
+    int width;
+    int height;
+    ImageView<const std::uint16_t> source;
+    ImageView<std::uint16_t> destination;
+
+    [[nodiscard]] const std::uint16_t* line(std::int64_t y, std::uint16_t* /*room*/) const { return source.line(y); }
+    void put(std::int64_t y, const std::uint16_t* samples) const { std::copy_n(samples, width, destination.line(y)); }
+};
+
+/// One channel of a colour image: a byte of each pixel.
+struct ChannelPlane {
+    int width;
+    int height;
+    const unsigned char* source;
+    std::ptrdiff_t sourceStep;
+    std::ptrdiff_t sourcePitch;
+    unsigned char* destination;
+    std::ptrdiff_t destinationPitch;
+
+    [[nodiscard]] const std::uint16_t* line(std::int64_t y, std::uint16_t* room) const {
+        const unsigned char* byte = source + static_cast<std::ptrdiff_t>(y) * sourcePitch;
+        for (int x = 0; x < width; ++x, byte += sourceStep) room[x] = *byte;
+        return room;
+    }
+    void put(std::int64_t y, const std::uint16_t* samples) const {
+        unsigned char* byte = destination + static_cast<std::ptrdiff_t>(y) * destinationPitch;
+        for (int x = 0; x < width; ++x, byte += 4) *byte = static_cast<unsigned char>(samples[x]);
+    }
+};
+
+}  // namespace
+
+CCsEdgeEnhancement::~CCsEdgeEnhancement() = default;
+
+int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, long size, long strength, int bits) {
+    const auto isGrey = [](const CCsRaster& raster) {
+        return raster.getType() == CCS_GREY12 || raster.getType() == CCS_GREY16;
+    };
+    if (!mayBegin(greySites, {isGrey(src), isGrey(dst)}, src, dst, size)) return refused;
+    if (bits < 0) return zolcs::fail(greyBits, bits, refused);
+    constexpr int mostBits = 30;  // the mask is a positive number of 32 bits
+    const auto mask =
+        static_cast<std::int32_t>((std::uint32_t{2} << static_cast<unsigned>(std::min(bits, mostBits))) - 1);
+    const UnsharpSettings settings{fitted(size), fitted(strength), src.getType() == CCS_GREY12 ? 10 : 6, mask,
+                                   std::numeric_limits<std::uint32_t>::max()};
+    return runFilter(greySites, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
+        zolcs::sharpenPlane(GreyPlane{src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}},
+                            settings, space);
+    });
+}
+
+int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long size, long strength) {
+    const bool threeBytes = src.getType() == CCS_RGB24;
+    const TypeChecks fits{threeBytes || src.getType() == CCS_RGB8, dst.getType() == CCS_RGB8};
+    if (!mayBegin(colourSites, fits, src, dst, size)) return refused;
+    const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
+                                   std::numeric_limits<std::uint16_t>::max()};
+    const std::ptrdiff_t step = threeBytes ? 3 : 4;
+    return runFilter(colourSites, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
+        for (int channel = 0; channel < 3; ++channel) {
+            const int target = threeBytes ? 2 - channel : channel;
+            zolcs::sharpenPlane(ChannelPlane{src.getWidth(), src.getHeight(), from + channel, step,
+                                             step * src.getPitch(), to + target, std::ptrdiff_t{4} * dst.getPitch()},
+                                settings, space);
+        }
+    });
+}

@@ -1,0 +1,96 @@
+#include "zolcs/resample/unsharplines.h"
+
+#include "zolcs/resample/spanoperations.h"
+#include "zolcs/resample/unsharpvectors.h"
+
+#include <bit>
+
+namespace zolcs {
+
+ExactShare::ExactShare(const UnsharpSettings& settings)
+    : area_(static_cast<std::uint64_t>(settings.box) * static_cast<std::uint64_t>(settings.box)),
+      strength_(static_cast<std::uint64_t>(settings.strength < 0 ? -std::int64_t{settings.strength}
+                                                                 : std::int64_t{settings.strength})),
+      negative_(settings.strength < 0),
+      fractionBits_(settings.fractionBits) {}
+
+std::int64_t ExactShare::operator()(std::uint64_t sum) const {
+    // By parts, since sum * strength need not fit 64 bits: whole mean first, then what is left of it.
+    const std::uint64_t product = sum % area_ * strength_;
+    const std::uint64_t whole = sum / area_ * strength_ + product / area_;
+    const auto bits = static_cast<unsigned>(fractionBits_);
+    const auto scaled = static_cast<std::int64_t>((whole << bits) + ((product % area_) << bits) / area_);
+    return (negative_ ? -scaled : scaled) >> bits;
+}
+
+std::optional<DoubleShare> DoubleShare::of(const UnsharpSettings& settings) {
+    constexpr std::uint64_t most = std::uint64_t{1} << 49U;
+    const auto strength = static_cast<std::uint64_t>(settings.strength);
+    if (settings.strength < 0 || settings.largestSum() >= most / std::max<std::uint64_t>(strength, 1)) return {};
+    const double area = static_cast<double>(settings.box) * static_cast<double>(settings.box);
+    DoubleShare share;
+    share.factor_ = settings.strength / area;
+    share.half_ = 0.5 / area;
+    return share;
+}
+
+std::optional<IntegerShare> IntegerShare::of(const UnsharpSettings& settings) {
+    constexpr std::uint64_t most = std::uint64_t{1} << 31U;
+    const auto strength = static_cast<std::uint64_t>(settings.strength);
+    const std::uint64_t sum = settings.largestSum();
+    if (settings.strength < 0 || settings.limit != settings.sampleMask()) return {};
+    if (sum >= most / std::max<std::uint64_t>(strength, 1) || settings.sampleMask() * (strength + 1) >= most) return {};
+    const auto area = static_cast<std::uint64_t>(settings.box) * static_cast<std::uint64_t>(settings.box);
+    IntegerShare share;
+    share.shift = static_cast<int>(std::bit_width(std::max<std::uint64_t>(sum * area, 1) - 1));
+    share.multiplier = static_cast<std::uint32_t>(((strength << static_cast<unsigned>(share.shift)) + area - 1) / area);
+    return share;
+}
+
+void slideColumns(const ColumnSlide& slide) {
+#if defined(ZOL_USE_HIGHWAY)
+    if (SpanOperations::usesVectors()) return unsharpvectors::chosen().slide(slide);
+#endif
+    slideRest(slide, 0);
+}
+
+LineSharpener::LineSharpener(const UnsharpSettings& settings) : settings_(settings), exact_(settings) {
+    if (SpanOperations::isPlain()) return;
+    double_ = DoubleShare::of(settings);
+    integer_ = IntegerShare::of(settings);
+}
+
+template <typename Share>
+void LineSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, const std::uint16_t* samples,
+                              std::uint16_t* out, int count) const {
+    const std::int64_t gain = std::int64_t{settings_.strength} + 1;
+    const std::int64_t limit = settings_.limit;
+    const std::uint32_t mask = settings_.sampleMask();
+    const std::uint32_t* const entering = columns + settings_.box - 1;
+    const std::uint32_t* const leaving = columns - 1;
+    std::uint64_t sum = 0;
+    for (const std::uint32_t* column = leaving; column != entering; ++column) sum += *column;
+    for (int i = 0; i < count; ++i) {
+        sum += entering[i];
+        sum -= leaving[i];
+        const std::int64_t value = static_cast<std::int64_t>(samples[i] & mask) * gain - share(sum);
+        out[i] = static_cast<std::uint16_t>(std::clamp<std::int64_t>(value, 0, limit) | (samples[i] & ~mask));
+    }
+}
+
+void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
+                            int count) const {
+    if (!integer_) {
+        if (double_) return sharpenBy(*double_, columns, samples, out, count);
+        return sharpenBy(exact_, columns, samples, out, count);
+    }
+    const SharpenedRun run{
+        columns,  samples, out, count, static_cast<int>(settings_.box), settings_.sampleMask(), settings_.strength + 1,
+        *integer_};
+#if defined(ZOL_USE_HIGHWAY)
+    if (SpanOperations::usesVectors()) return unsharpvectors::chosen().sharpen(run);
+#endif
+    sharpenRest(run, 0, sumBeforeFirst(run));
+}
+
+}  // namespace zolcs
