@@ -4,93 +4,127 @@
 
 #include <opencv2/core.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
-#include <map>
-#include <set>
+#include <ctime>
+#include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zolbench {
 
 namespace {
 
+/// Turns of a pair. Enough for a median that a busy moment does not move.
+constexpr int turns = 31;
+/// What one side's turn lasts at least: short work is repeated, so that no clock and no cold cache decides.
+constexpr double shortestTurn = 0.004;
+
 struct Pair {
     std::string title;
     double bar;
-    std::string ours;
-    std::string other;
+    Side ours;
+    Side other;
+    std::vector<double> ourSeconds;
+    std::vector<double> otherSeconds;
 };
 
-std::vector<Pair>& pairs() {
-    static std::vector<Pair> list;
+/// Addresses stay: the benchmarks hold them.
+std::deque<Pair>& pairs() {
+    static std::deque<Pair> list;
     return list;
 }
 
-void registerOnce(const Side& side) {
-    static std::set<std::string> known;
-    if (!known.insert(side.name).second) return;
-    const auto measure = [run = side.run](benchmark::State& state) {
-        run();  // makes its data and warms the caches
-        for (auto _ : state) run();
-    };
-    // A fixed number of iterations: a slow moment at the start would else leave a side with a single, cold one.
-    benchmark::RegisterBenchmark(side.name.c_str(), measure)->Unit(benchmark::kMillisecond)->Iterations(20);
+/// Processor time of this thread: what other programs take does not count.
+double now() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-/// Prints as usual and keeps the medians.
-class MedianReporter : public benchmark::ConsoleReporter {
-public:
-    MedianReporter() : ConsoleReporter(OO_None) {}
+/// Seconds for one run, of `count` in a row.
+double measure(const Side& side, int count) {
+    const double begin = now();
+    for (int i = 0; i < count; ++i) side.run();
+    return (now() - begin) / count;
+}
 
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
+/// Runs until caches, pages and clock are warm, and tells how many runs make a turn.
+int warmUp(const Side& side) {
+    side.run();  // makes its data
+    double fastest = measure(side, 1);
+    for (double spent = 0.0; spent < 5 * shortestTurn;) {
+        const double seconds = measure(side, 1);
+        fastest = std::min(fastest, seconds);
+        spent += std::max(seconds, 1e-6);
     }
+    return std::clamp(static_cast<int>(std::ceil(shortestTurn / std::max(fastest, 1e-6))), 1, 1000);
+}
 
-    std::map<std::string, double> medians;
-};
+void run(benchmark::State& state, Pair& pair) {
+    const int ourCount = warmUp(pair.ours);
+    const int otherCount = warmUp(pair.other);
+    bool oursFirst = true;
+    for (auto _ : state) {
+        double seconds = oursFirst ? measure(pair.ours, ourCount) : 0.0;
+        pair.otherSeconds.push_back(measure(pair.other, otherCount));
+        if (!oursFirst) seconds = measure(pair.ours, ourCount);
+        pair.ourSeconds.push_back(seconds);
+        state.SetIterationTime(seconds);
+        oursFirst = !oursFirst;
+    }
+}
 
-void printTable(const std::map<std::string, double>& medians) {
-    std::printf("\n%-62s %8s %8s\n", "median time / median time", "ratio", "bar");
+/// The value below which `part` of the values lie.
+double quantile(std::vector<double> values, double part) {
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(std::lround(part * static_cast<double>(values.size() - 1)))];
+}
+
+void printTable() {
+    std::printf("\n%-62s %9s %9s %7s %13s %6s\n", "processor time, medians", "ours/ms", "other/ms", "ratio",
+                "quartiles", "bar");
+    int met = 0;
+    int missed = 0;
     for (const Pair& pair : pairs()) {
-        const auto ours = medians.find(pair.ours);
-        const auto other = medians.find(pair.other);
-        if (ours == medians.end() || other == medians.end()) continue;
-        const double ratio = ours->second / other->second;
-        std::printf("%-62s %8.2f ", pair.title.c_str(), ratio);
-        if (pair.bar > 0.0) {
-            std::printf("%8.2f%s\n", pair.bar, ratio <= pair.bar ? "" : "  MISSED");
-        } else {
-            std::printf("%8s\n", "-");
+        if (pair.ourSeconds.empty()) continue;
+        std::vector<double> ratios;
+        for (std::size_t i = 0; i < pair.ourSeconds.size(); ++i) {
+            ratios.push_back(pair.ourSeconds[i] / pair.otherSeconds[i]);
         }
+        const double ours = quantile(pair.ourSeconds, 0.5);
+        const double other = quantile(pair.otherSeconds, 0.5);
+        std::printf("%-62s %9.3f %9.3f %7.2f %5.2f to %5.2f", pair.title.c_str(), ours * 1e3, other * 1e3, ours / other,
+                    quantile(ratios, 0.25), quantile(ratios, 0.75));
+        if (pair.bar > 0.0) {
+            const bool isMet = ours / other <= pair.bar;
+            ++(isMet ? met : missed);
+            std::printf(" %6.2f  %s", pair.bar, isMet ? "met" : "MISSED");
+        }
+        std::printf("\n");
     }
+    std::printf("%d bars met, %d missed\n", met, missed);
 }
 
 }  // namespace
 
 void compare(const std::string& title, double bar, const Side& ours, const Side& other) {
-    registerOnce(ours);
-    registerOnce(other);
-    pairs().push_back({title, bar, ours.name, other.name});
+    Pair& pair = pairs().emplace_back(Pair{title, bar, ours, other, {}, {}});
+    benchmark::RegisterBenchmark(title.c_str(), [&pair](benchmark::State& state) { run(state, pair); })
+        ->Unit(benchmark::kMillisecond)
+        ->UseManualTime()
+        ->Iterations(turns);
 }
 
 }  // namespace zolbench
 
 int main(int argc, char** argv) {
-    // Defaults first, so that the command line can change them. Sides take turns: a slow moment hits both.
-    std::vector<std::string> defaults{"--benchmark_repetitions=15", "--benchmark_report_aggregates_only=true",
-                                      "--benchmark_enable_random_interleaving=true"};
-    std::vector<char*> arguments{argv[0]};
-    for (std::string& argument : defaults) arguments.push_back(argument.data());
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     cv::setNumThreads(1);
-    zolbench::MedianReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    zolbench::printTable(reporter.medians);
+    benchmark::RunSpecifiedBenchmarks();
+    zolbench::printTable();
     return 0;
 }

@@ -6,15 +6,14 @@
 
 namespace zolbench {
 
-/// Registers a pair. The table shows the median time of `ours` divided by that of `other`, and `bar`, the ratio that
-/// must not be exceeded (0: none is set).
-///
-/// The two sides run under the names "CASE/zolwebcs" and "CASE/OTHERNAME"; a side that has been registered under the
-/// same name before runs once and serves several pairs.
+/// One of the two things that are compared. Its name has the form "CASE/zolwebcs" or "CASE/OTHERNAME".
 struct Side {
     std::string name;
     std::function<void()> run;
 };
+
+/// Registers a pair. The two sides take turns; the table shows the median time of `ours` divided by that of `other`,
+/// how far the ratios of the single turns spread, and `bar`, the ratio that must not be exceeded (0: none is set).
 void compare(const std::string& title, double bar, const Side& ours, const Side& other);
 
 /// Called by every *_bench.cpp through an object of static storage.

@@ -11,6 +11,7 @@
 namespace {
 
 using zolcs::BitPlane;
+using zolcs::BitSummary;
 
 /// Exactly as many bytes as the plane needs, so that a sanitizer sees every read beyond them.
 std::unique_ptr<unsigned char[]> bytesFor(int columns, int rows) {
@@ -46,61 +47,97 @@ TEST(BitPlaneTest, BitsAreFoundLowestFirstWithoutRowPadding) {
     }
 }
 
-TEST(BitPlaneTest, ContentOfABoxIsNeverWrong) {
+/// Lines of all directions and steps over planes that are nearly blank: a piece without a bit in the summary has none,
+/// and the summary is worth having.
+TEST(BitPlaneTest, ASummaryNeverMissesABit) {
     zoltest::Random random(12);
-    int none = 0;
-    int all = 0;
-    for (int i = 0; i < 400; ++i) {
-        const int columns = random.integer(1, 300);
-        const int rows = random.integer(1, 200);
-        const int left = random.integer(-5, 5);
-        const int top = random.integer(-5, 5);
+    int blank = 0;
+    int told = 0;
+    for (int i = 0; i < 600; ++i) {
+        const bool large = random.chance(0.1);
+        const int columns = random.integer(1, large ? 4000 : 300);
+        const int rows = random.integer(1, large ? 60 : 300);
+        const int left = random.integer(-50, 50);
+        const int top = random.integer(-50, 50);
         const auto data = bytesFor(columns, rows);
-        const bool invert = random.chance(0.5);
-        const int boxes = random.integer(0, 2);
-        for (int b = 0; b < boxes; ++b) {
-            const int x0 = random.integer(0, columns - 1);
-            const int x1 = random.integer(x0, columns - 1);
-            const int y0 = random.integer(0, rows - 1);
-            const int y1 = random.integer(y0, rows - 1);
-            for (int y = y0; y <= y1; ++y) {
-                for (int x = x0; x <= x1; ++x) {
-                    setBit(data.get(), y * columns + x);
-                }
-            }
+        for (int b = random.integer(0, 3); b > 0; --b) {
+            const int row = random.integer(0, rows - 1);
+            const int first = random.integer(0, columns - 1);
+            const int last = std::min(first + random.integer(0, 9), columns - 1);
+            for (int x = first; x <= last; ++x) setBit(data.get(), row * columns + x);
         }
-        if (invert) {
-            std::for_each_n(data.get(), (columns * rows + 7) / 8, [](unsigned char& byte) { byte ^= 0xFF; });
-        }
-        const int firstIndex = random.integer(0, 3);
-        BitPlane plane(data.get(), left, top, columns, rows, firstIndex);
-        if (i % 4 != 0) plane.summarise();
-        for (int q = 0; q < 30; ++q) {
-            const int x0 = random.integer(-10, columns + 10);
-            const int x1 = random.integer(x0, columns + 10);
-            const int y0 = random.integer(-10, rows + 10);
-            const int y1 = random.integer(y0, rows + 10);
-            bool some = false;
-            bool every = true;
-            for (int y = y0; y <= y1; ++y) {
-                for (int x = x0; x <= x1; ++x) {
-                    const bool set = plane.isSet(x, y);
-                    some = some || set;
-                    every = every && set;
+        const BitPlane plane(data.get(), left, top, columns, rows);
+        const double reach = random.chance(0.2) ? 40.0 : 2.0;
+        const auto step = [&] { return static_cast<zolcs::Fixed16>(random.real(-reach, reach) * 65536.0); };
+        zolcs::SourceLine line{0, 0, step(), step()};
+        const BitSummary summary = random.chance(0.95) ? BitSummary(plane, line.du, line.dv) : BitSummary();
+        for (int q = 0; q < 10; ++q) {
+            // Through a point of the plane.
+            const int through = random.integer(0, 1200);
+            line.u = (left + random.integer(0, columns - 1)) * zolcs::fixed16One + random.integer(0, 65535) -
+                     through * line.du;
+            line.v =
+                (top + random.integer(0, rows - 1)) * zolcs::fixed16One + random.integer(0, 65535) - through * line.dv;
+            const auto isOn = [&](int x) {
+                const auto column = zolcs::pixelOf(line.uAt(x)) - left;
+                const auto row = zolcs::pixelOf(line.vAt(x)) - top;
+                return column >= -1 && column <= columns && row >= -1 && row <= rows;
+            };
+            int begin = through;
+            int end = through + 1;
+            while (isOn(begin - 1)) --begin;
+            while (isOn(end)) ++end;
+            for (; begin < end; begin += BitSummary::mostPieces * BitSummary::pieceColumns) {
+                const int pieces = std::min((end - begin + BitSummary::pieceColumns - 1) / BitSummary::pieceColumns,
+                                            BitSummary::mostPieces);
+                const std::uint64_t maySet = summary.mayBeSet(line, begin, pieces);
+                if (pieces < 64) {
+                    ASSERT_EQ(maySet >> pieces, 0U);
                 }
-            }
-            const BitPlane::Content content = plane.contentOf(x0, y0, x1, y1);
-            if (content == BitPlane::Content::None) {
-                ++none;
-                ASSERT_FALSE(some);
-            } else if (content == BitPlane::Content::All) {
-                ++all;
-                ASSERT_TRUE(every);
+                for (int p = 0; p < pieces; ++p) {
+                    bool set = false;
+                    for (int k = 0; k < BitSummary::pieceColumns; ++k) {
+                        const int x = begin + p * BitSummary::pieceColumns + k;
+                        set = set || plane.isSet(zolcs::pixelOf(line.uAt(x)), zolcs::pixelOf(line.vAt(x))) ||
+                              plane.isSet(zolcs::roundedPixel(line.uAt(x)), zolcs::roundedPixel(line.vAt(x)));
+                    }
+                    if (set) {
+                        ASSERT_NE(maySet >> p & 1, 0U);
+                    } else {
+                        ++blank;
+                        if ((maySet >> p & 1) == 0) ++told;
+                    }
+                }
             }
         }
     }
-    EXPECT_GT(none, 500);
-    EXPECT_GT(all, 100);
+    EXPECT_GT(blank, 10000);
+    EXPECT_GT(told, blank / 2);
+}
+
+TEST(BitPlaneTest, BitsFromAnywhere) {
+    zoltest::Random random(14);
+    const auto data = bytesFor(31, 7);
+    for (int k = 0; k < 31 * 7; ++k) {
+        if (random.chance(0.5)) setBit(data.get(), k);
+    }
+    const BitPlane plane(data.get(), 0, 0, 31, 7);
+    for (int index = 0; index < 31 * 7; ++index) {
+        for (int i = 0; i < 64; ++i) {
+            const int k = index + i;
+            const bool expected = k < 31 * 7 && bitAt(data.get(), 31, k % 31, k / 31);
+            ASSERT_EQ((plane.bitsFrom(index) >> i & 1) != 0, expected) << index << ' ' << i;
+        }
+    }
+}
+
+TEST(BitPlaneTest, RowsThatLieInWholeWords) {
+    const auto data = bytesFor(10, 20);
+    EXPECT_EQ(BitPlane(data.get(), 0, 3, 10, 20).lastRowInWords(), 3 + 18);  // 25 bytes: 6 words, 19 rows
+    EXPECT_EQ(BitPlane(data.get(), 0, 3, 8, 4).lastRowInWords(), 3 + 3);     // a word
+    EXPECT_EQ(BitPlane(data.get(), 0, 3, 8, 3).lastRowInWords(), 3 - 1);     // 3 bytes
+    EXPECT_EQ(BitPlane(data.get(), 0, 3, 8, 4, 1).lastRowInWords(), 3 - 1);  // bits that do not count
+    EXPECT_EQ(BitPlane().lastRowInWords(), -1);
 }
 
 TEST(BitPlaneTest, RunsOfARowAreThoseOfItsBits) {
@@ -147,11 +184,9 @@ TEST(BitPlaneTest, BlankPlanesOfEverySize) {
 
 TEST(BitPlaneTest, BitsBelowTheFirstIndexCountAsNotSet) {
     unsigned char data[] = {0xFF, 0xFF};
-    BitPlane plane(data, 0, 0, 4, 4, 1);
-    plane.summarise();
+    const BitPlane plane(data, 0, 0, 4, 4, 1);
     EXPECT_FALSE(plane.isSet(0, 0));
     EXPECT_TRUE(plane.isSet(1, 0));
-    EXPECT_EQ(plane.contentOf(0, 0, 3, 3), BitPlane::Content::Mixed);
     std::vector<std::pair<std::int64_t, std::int64_t>> runs;
     plane.visitRuns(0, 0, 3, [&](std::int64_t first, std::int64_t last) { runs.emplace_back(first, last); });
     EXPECT_EQ(runs, (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 3}}));
@@ -173,7 +208,6 @@ TEST(BitPlaneTest, PositionsFarAwayAreNotSet) {
     const BitPlane plane(data, -2147483649LL, -2147483649LL, 8, 1);
     EXPECT_TRUE(plane.isSet(-2147483649LL, -2147483649LL));
     EXPECT_FALSE(plane.isSet(0, 0));
-    EXPECT_EQ(plane.contentOf(0, 0, 100, 100), BitPlane::Content::None);
 }
 
 }  // namespace

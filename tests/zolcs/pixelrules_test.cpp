@@ -80,6 +80,38 @@ zolcs::Stepping straightStepping(zoltest::Random& random, int width, int height)
     return zolcs::makeStepping(matrix, width, height, random.integer(1, 400), random.integer(1, 400));
 }
 
+/// A stepping of any direction.
+zolcs::Stepping turnedStepping(zoltest::Random& random, int width, int height) {
+    const double a = random.real(-2.0, 2.0);
+    const double b = random.real(-2.0, 2.0);
+    const int displayWidth = random.integer(1, 1300);
+    const int displayHeight = random.integer(1, 400);
+    const double u = random.real(0.0, 1.0) * width - (a * displayWidth - b * displayHeight) / 2;
+    const double v = random.real(0.0, 1.0) * height - (b * displayWidth + a * displayHeight) / 2;
+    return zolcs::makeStepping({a, b, -b, a, u, v}, width, height, displayWidth, displayHeight);
+}
+
+/// Covers, then planes over them, must show what the runs of both show. Image pixels stay as they are.
+void expectPaintedAlike(const PixelRules& rules, const SourceLine& line, ColumnRange columns, const PixelRuns& runs) {
+    constexpr std::uint32_t image = 0xFEDCBA98;
+    const auto size = static_cast<std::size_t>(columns.end - columns.begin);
+    const auto colours = [&](const PixelRuns& drawn) {
+        std::vector<std::uint32_t> pixels(size + 1, image);
+        for (const PixelRun& run : drawn) {
+            if (run.shows == PixelRun::Shows::Image) continue;
+            std::fill(pixels.begin() + (run.begin - columns.begin), pixels.begin() + (run.end - columns.begin),
+                      run.colour);
+        }
+        return pixels;
+    };
+    PixelRuns covers;
+    rules.cutCovers(line, columns, covers);
+    for (const PixelRun& run : covers) ASSERT_NE(run.shows, PixelRun::Shows::Plane);
+    std::vector<std::uint32_t> painted = colours(covers);
+    rules.paintPlanes(line, columns, painted.data());
+    ASSERT_EQ(painted, colours(runs));
+}
+
 TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
     zoltest::Random random(31);
     PixelRuns runs;
@@ -95,19 +127,22 @@ TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
         map.hasGroupColours = random.chance(0.9);
         map.hasPlaneColours = random.chance(0.9);
         IGreyMap* given = random.chance(0.95) ? &map : nullptr;
-        const bool straight = random.chance(0.6);
-        const zolcs::Stepping stepping = straight ? straightStepping(random, width, height) : obliqueStepping(400);
+        const bool prepared = random.chance(0.8);
+        const zolcs::Stepping stepping = !prepared             ? obliqueStepping(400)
+                                         : random.chance(0.75) ? straightStepping(random, width, height)
+                                                               : turnedStepping(random, width, height);
         const PixelRules rules = PixelRules::forResampling(*source.raster, given, source.paddingData(), 77, stepping);
         const zolcs::Stepping upright = stepping.isQuarterTurn() ? stepping.transposed() : stepping;
         for (int k = 0; k < 12; ++k) {
             auto [line, columns] = randomLine(random, width, height);
-            if (straight) {
+            if (prepared) {
                 const int y = random.integer(0, upright.height - 1);
                 line = upright.line(y);
                 columns = {upright.span(y).begin(), upright.span(y).end()};
             }
             rules.cut(line, columns, runs);
             expectWellFormed(runs, columns);
+            if (!columns.empty()) expectPaintedAlike(rules, line, columns, runs);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
                     for (const unsigned stored : {0x0123U, 0x5123U}) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -69,30 +70,53 @@ TEST_F(SpanOperationsTest, OffsetsOfEveryLength) {
     });
 }
 
-TEST_F(SpanOperationsTest, OffsetsThroughSinglePrecision) {
+/// Bits of every second row of a plane, at random places in it.
+TEST_F(SpanOperationsTest, BitsOfPieces) {
+    constexpr int columns = zolcs::SpanBits::pieceColumns;
     zoltest::Random random(24);
+    std::vector<unsigned char> words(1 << 16);
+    for (unsigned char& byte : words) byte = static_cast<unsigned char>(random.bits());
+    const auto count = static_cast<std::uint32_t>(words.size() * 8);
     int roundedUp = 0;
     forEachVariant([&] {
-        for (int count = 0; count <= 200; ++count) {
+        for (int i = 0; i < 300; ++i) {
             // Steps of a few 65536ths close to a pixel's end: single precision rounds some of them up.
-            const SpanPositions positions{static_cast<std::uint32_t>(random.integer(1, 32000)) * 65536U -
-                                              static_cast<std::uint32_t>(random.integer(0, 400)),
-                                          static_cast<std::uint32_t>(random.integer(1, 32000)) * 65536U -
-                                              static_cast<std::uint32_t>(random.integer(0, 400)),
-                                          static_cast<std::uint32_t>(random.integer(0, 3)),
-                                          static_cast<std::uint32_t>(random.integer(0, 3)), random.integer(1, 60000)};
-            std::vector<std::int32_t> out(static_cast<std::size_t>(count) + 3, -1);
-            SpanOperations::chosen().roundedOffsets(positions, count, out.data() + 1);
-            ASSERT_EQ(out.front(), -1);
-            ASSERT_EQ(out.back(), -1);
-            for (int i = 0; i < count; ++i) {
-                const std::uint32_t u = positions.u + static_cast<std::uint32_t>(i) * positions.du;
-                const std::uint32_t v = positions.v + static_cast<std::uint32_t>(i) * positions.dv;
-                const auto column = static_cast<std::uint32_t>(static_cast<int>(static_cast<float>(u) * 1.5258789e-5F));
-                const auto row = static_cast<std::uint32_t>(static_cast<int>(static_cast<float>(v) * 1.5258789e-5F));
-                ASSERT_EQ(out[static_cast<std::size_t>(i) + 1],
-                          static_cast<std::int32_t>(row * static_cast<std::uint32_t>(positions.pitch) + column));
-                roundedUp += column != u >> 16U ? 1 : 0;
+            const bool slow = random.chance(0.5);
+            const auto start = [&](int most) {
+                return static_cast<std::uint32_t>(random.integer(1, most)) * 65536U -
+                       static_cast<std::uint32_t>(random.integer(0, 400));
+            };
+            const auto step = [&] {
+                return static_cast<std::uint32_t>(slow ? random.integer(0, 3) : random.integer(0, 40000));
+            };
+            const int pitch = random.integer(1, 1500);
+            const SpanPositions positions{start(20000), start(300), step(), step(), pitch};
+            const zolcs::SpanBits bits{words.data(), random.integer(-3000, 3000), count};
+            const std::uint64_t pieces = random.bits() & random.bits();
+            const bool rounded = random.chance(0.7);
+            const SpanOperations& operations = SpanOperations::chosen();
+            std::array<std::uint16_t, 64> set;
+            set.fill(0xABCD);
+            (rounded ? operations.testRoundedBits : operations.testBits)(positions, bits, pieces, set.data());
+            for (std::size_t piece = 0; piece < 64; ++piece) {
+                if ((pieces >> piece & 1) == 0) {
+                    ASSERT_EQ(set[piece], 0xABCD);
+                    continue;
+                }
+                for (std::size_t k = 0; k < columns; ++k) {
+                    const auto at = static_cast<std::uint32_t>(piece * columns + k);
+                    const std::uint32_t u = positions.u + at * positions.du;
+                    const std::uint32_t v = positions.v + at * positions.dv;
+                    const auto pixel = [&](std::uint32_t coordinate) {
+                        return rounded ? static_cast<std::int64_t>(static_cast<float>(coordinate) * 1.5258789e-5F)
+                                       : static_cast<std::int64_t>(coordinate >> 16U);
+                    };
+                    const std::int64_t index = pixel(v) * pitch + pixel(u) - bits.first;
+                    if (rounded && pixel(u) != u >> 16U) ++roundedUp;
+                    if (index < 0 || index >= count) continue;  // asked for, but undefined
+                    const auto byte = words[static_cast<std::size_t>(index / 8)];
+                    ASSERT_EQ(set[piece] >> k & 1, byte >> (index % 8) & 1);
+                }
             }
         }
     });

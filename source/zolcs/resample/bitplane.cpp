@@ -1,5 +1,7 @@
 #include "zolcs/resample/bitplane.h"
 
+#include <array>
+
 namespace zolcs {
 
 BitPlane::BitPlane(const unsigned char* data, std::int64_t left, std::int64_t top, std::int64_t columns,
@@ -12,100 +14,133 @@ BitPlane::BitPlane(const unsigned char* data, std::int64_t left, std::int64_t to
       firstIndex_(firstIndex),
       bytes_((columns_ * rows_ + 7) >> 3) {}
 
-std::uint64_t BitPlane::fewBitsFrom(std::int64_t index, std::int64_t count) const {
-    const unsigned char* from = data_ + (index >> 3);
-    const int shift = static_cast<int>(index & 7);
-    const std::int64_t bytes = (shift + count + 7) >> 3;
+std::uint64_t BitPlane::lastWord(std::int64_t k) const {
     std::uint64_t bits = 0;
-    for (std::int64_t i = std::min<std::int64_t>(bytes, 8); i-- > 0;) bits = bits << 8 | from[i];
-    bits >>= shift;
-    if (bytes > 8) bits |= static_cast<std::uint64_t>(from[8]) << (64 - shift);
-    if (count < wordBits) bits &= (std::uint64_t{1} << count) - 1;
-    if (index < firstIndex_) {
-        const std::int64_t ignored = firstIndex_ - index;
-        bits = ignored < wordBits ? bits >> ignored << ignored : 0;
-    }
+    for (std::int64_t i = std::min(k * 8 + 8, bytes_); i-- > k * 8;) bits = bits << 8 | data_[i];
     return bits;
 }
 
 bool BitPlane::isBlank() const {
     const std::int64_t bits = columns_ * rows_;
-    constexpr std::int64_t block = 64 * wordBits;
-    std::int64_t index = 0;
-    for (; index < bits; index += block) {
+    // Some at a time, so that the loop over them need not look.
+    constexpr std::int64_t block = 4096;
+    for (std::int64_t begin = firstIndex_; begin < bits; begin += block) {
         std::uint64_t some = 0;
-        const std::int64_t end = std::min(index + block, bits);
-        for (std::int64_t word = index; word < end; word += wordBits) {
-            some |= bitsFrom(word, std::min(wordBits, bits - word));
-        }
+        visitWords(begin, std::min(begin + block, bits), [&](std::int64_t, std::uint64_t word) { some |= word; });
         if (some != 0) return false;
     }
     return true;
 }
 
-void BitPlane::summariseTileRow(std::int64_t tileRow, std::int64_t words, std::vector<std::uint64_t>& scratch) {
-    const auto count = static_cast<std::size_t>(words);
-    scratch.assign(count, 0);
-    scratch.resize(2 * count, ~std::uint64_t{0});
-    std::uint64_t* some = scratch.data();
-    std::uint64_t* all = some + count;
-    const std::int64_t lastRow = std::min(rows_, (tileRow + 1) << tileShift);
-    for (std::int64_t row = tileRow << tileShift; row < lastRow; ++row) {
-        const std::int64_t start = row * columns_;
-        for (std::int64_t word = 0; word < words; ++word) {
-            const std::int64_t column = word * wordBits;
-            const std::uint64_t bits = bitsFrom(start + column, std::min(wordBits, columns_ - column));
-            some[word] |= bits;
-            all[word] &= bits;
+namespace {
+
+/// A bit for each four that are not all 0.
+std::uint64_t tilesOf(std::uint64_t bits) {
+    bits |= bits >> 2;
+    bits = (bits | bits >> 1) & 0x1111111111111111U;
+    bits = (bits | bits >> 3) & 0x0303030303030303U;
+    bits = (bits | bits >> 6) & 0x000F000F000F000FU;
+    bits = (bits | bits >> 12) & 0x000000FF000000FFU;
+    return (bits | bits >> 24) & 0xFFFFU;
+}
+
+}  // namespace
+
+BitSummary::BitSummary(const BitPlane& plane, Fixed16 du, Fixed16 dv) : du_(du), dv_(dv) {
+    static_assert(pieceColumns % (1 << tileShift) == 0, "a piece is a whole number of tiles: no step is cut");
+    constexpr Fixed16 farthest = 256 * fixed16One;
+    constexpr Fixed16 tile = fixed16One << tileShift;
+    const Fixed16 halfPieceU = std::abs(du) * (pieceColumns / 2);
+    const Fixed16 halfPieceV = std::abs(dv) * (pieceColumns / 2);
+    if (plane.columns() <= 0 || plane.rows() <= 0 || halfPieceU > farthest || halfPieceV > farthest) return;
+    // In tiles; two pixels more, since positions are cut and rounded.
+    const std::int64_t reachU = (halfPieceU + 2 * fixed16One + tile - 1) / tile;
+    const std::int64_t reachV = (halfPieceV + 2 * fixed16One + tile - 1) / tile;
+    // A piece's middle may lie as far beside the plane, and the tile that tells about it as far again.
+    // On the left in whole groups of the tiles that a word of the plane gives.
+    const std::int64_t left = (reachU + 1 + tilesOfWord - 1) / tilesOfWord * tilesOfWord;
+    const std::int64_t top = reachV + 1;
+    const auto wholeTiles = [](std::int64_t pixels) { return (pixels + (1 << tileShift) - 1) >> tileShift; };
+    words_ = (left + wholeTiles(plane.columns()) + 2 * reachU + tilesOfWord + 63) / 64;
+    lines_ = top + wholeTiles(plane.rows()) + 2 * reachV + 2;
+    // Positions have to fit 31 bits; the tests read bytes.
+    if (words_ * 64 >= 0x8000 || lines_ >= 0x8000 || std::endian::native != std::endian::little) return;
+    tiles_.assign(static_cast<std::size_t>(words_ * lines_), 0);
+    gatherTiles(plane, left, top);
+    spread(reachU, reachV);
+    originU_ = plane.left() * fixed16One - (left + reachU) * tile;
+    originV_ = plane.top() * fixed16One - (top + reachV) * tile;
+}
+
+void BitSummary::gatherTiles(const BitPlane& plane, std::int64_t left, std::int64_t top) {
+    std::vector<std::uint64_t> some(static_cast<std::size_t>((plane.columns() + 63) / 64));
+    for (std::int64_t first = 0; first < plane.rows(); first += std::int64_t{1} << tileShift) {
+        std::fill(some.begin(), some.end(), 0);
+        const std::int64_t end = std::min(first + (std::int64_t{1} << tileShift), plane.rows());
+        for (std::int64_t row = first; row < end; ++row) {
+            std::int64_t index = row * plane.columns();
+            for (std::uint64_t& bits : some) {
+                bits |= plane.bitsFrom(index);
+                index += 64;
+            }
+        }
+        // The last bits belong to the next row.
+        const std::int64_t rest = plane.columns() % 64;
+        if (rest != 0) some.back() &= ~std::uint64_t{0} >> (64 - rest);
+        std::uint64_t* line = tiles_.data() + (top + (first >> tileShift)) * words_;
+        std::int64_t at = left;
+        for (std::uint64_t bits : some) {
+            line[at / 64] |= tilesOf(bits) << (at % 64);
+            at += tilesOfWord;
         }
     }
-    const auto width = static_cast<std::size_t>((columns_ + tileSize - 1) >> tileShift) + 1;
-    const TileSum* above = sums_.data() + static_cast<std::size_t>(tileRow) * width;
-    TileSum* here = sums_.data() + (static_cast<std::size_t>(tileRow) + 1) * width;
-    TileSum inRow;
-    for (std::size_t tile = 0; tile + 1 < width; ++tile) {
-        const auto column = static_cast<std::int64_t>(tile << tileShift);
-        const std::int64_t wide = std::min(tileSize, columns_ - column);
-        const std::uint64_t whole = ((std::uint64_t{1} << wide) - 1) << (column % wordBits);
-        const auto word = static_cast<std::size_t>(column / wordBits);
-        inRow.some += (some[word] & whole) != 0 ? 1 : 0;
-        inRow.full += (all[word] & whole) == whole ? 1 : 0;
-        here[tile + 1] = {above[tile + 1].some + inRow.some, above[tile + 1].full + inRow.full};
-    }
 }
 
-void BitPlane::summarise() {
-    if (columns_ <= 0 || rows_ <= 0) return;
-    const std::int64_t tileColumns = (columns_ + tileSize - 1) >> tileShift;
-    const std::int64_t tileRows = (rows_ + tileSize - 1) >> tileShift;
-    sums_.assign((static_cast<std::size_t>(tileRows) + 1) * (static_cast<std::size_t>(tileColumns) + 1), {});
-    std::vector<std::uint64_t> scratch;
-    const std::int64_t words = (columns_ + wordBits - 1) / wordBits;
-    for (std::int64_t tileRow = 0; tileRow < tileRows; ++tileRow) summariseTileRow(tileRow, words, scratch);
-}
-
-BitPlane::Content BitPlane::contentOf(std::int64_t boxLeft, std::int64_t boxTop, std::int64_t boxRight,
-                                      std::int64_t boxBottom) const {
-    const bool within = boxLeft >= left_ && boxTop >= top_ && boxRight <= right() && boxBottom <= bottom();
-    const std::int64_t firstColumn = std::max<std::int64_t>(boxLeft - left_, 0);
-    const std::int64_t firstRow = std::max<std::int64_t>(boxTop - top_, 0);
-    const std::int64_t lastColumn = std::min(boxRight - left_, columns_ - 1);
-    const std::int64_t lastRow = std::min(boxBottom - top_, rows_ - 1);
-    if (firstColumn > lastColumn || firstRow > lastRow) return Content::None;
-    if (sums_.empty()) return Content::Mixed;
-
-    const auto width = static_cast<std::size_t>((columns_ + tileSize - 1) >> tileShift) + 1;
-    const auto tileLeft = static_cast<std::size_t>(firstColumn >> tileShift);
-    const auto tileTop = static_cast<std::size_t>(firstRow >> tileShift);
-    const std::size_t tileRight = static_cast<std::size_t>(lastColumn >> tileShift) + 1;
-    const std::size_t tileBottom = static_cast<std::size_t>(lastRow >> tileShift) + 1;
-    const auto sum = [&](std::int32_t TileSum::*which) {
-        const auto at = [&](std::size_t row, std::size_t column) { return sums_[row * width + column].*which; };
-        return at(tileBottom, tileRight) - at(tileBottom, tileLeft) - at(tileTop, tileRight) + at(tileTop, tileLeft);
+void BitSummary::spread(std::int64_t reachU, std::int64_t reachV) {
+    // By doubling, rightwards and downwards; the origin makes up for that.
+    const auto inSteps = [](std::int64_t reach, const auto& spreadBy) {
+        const std::int64_t wanted = 2 * reach + 1;
+        for (std::int64_t wide = 1; wide < wanted;) {
+            const std::int64_t step = std::min(wide, wanted - wide);
+            spreadBy(step);
+            wide += step;
+        }
     };
-    if (sum(&TileSum::some) == 0) return Content::None;
-    const auto tiles = static_cast<std::int64_t>((tileRight - tileLeft) * (tileBottom - tileTop));
-    return within && sum(&TileSum::full) == tiles ? Content::All : Content::Mixed;
+    inSteps(reachU, [this](std::int64_t step) {
+        for (std::int64_t y = 0; y < lines_; ++y) {
+            std::uint64_t* line = tiles_.data() + y * words_;
+            for (std::int64_t k = words_; k-- > 1;) line[k] |= line[k] << step | line[k - 1] >> (64 - step);
+            line[0] |= line[0] << step;
+        }
+    });
+    inSteps(reachV, [this](std::int64_t step) {
+        for (std::int64_t y = lines_; y-- > step;) {
+            std::uint64_t* line = tiles_.data() + y * words_;
+            const std::uint64_t* above = line - step * words_;
+            for (std::int64_t k = 0; k < words_; ++k) line[k] |= above[k];
+        }
+    });
+}
+
+std::uint64_t BitSummary::mayBeSet(const SourceLine& line, int begin, int pieces) const {
+    const std::uint64_t all = ~std::uint64_t{0} >> (mostPieces - pieces);
+    if (tiles_.empty() || line.du != du_ || line.dv != dv_) return all;
+    const auto tilePosition = [](Fixed16 pixels) { return static_cast<std::uint32_t>(pixels >> tileShift); };
+    constexpr int middle = pieceColumns / 2;
+    const SpanPositions positions{tilePosition(line.uAt(begin + middle) - originU_),
+                                  tilePosition(line.vAt(begin + middle) - originV_),
+                                  tilePosition(line.du * pieceColumns), tilePosition(line.dv * pieceColumns),
+                                  static_cast<std::int32_t>(words_ * 64)};
+    const SpanBits bits{reinterpret_cast<const unsigned char*>(tiles_.data()), 0,
+                        static_cast<std::uint32_t>(tiles_.size() * 64)};
+    // Here each piece is one position.
+    constexpr int together = SpanBits::pieceColumns;
+    std::array<std::uint16_t, mostPieces / together> set{};
+    const int groups = (pieces + together - 1) / together;
+    SpanOperations::chosen().testBits(positions, bits, (std::uint64_t{1} << groups) - 1, set.data());
+    std::uint64_t result = 0;
+    for (std::size_t i = set.size(); i-- > 0;) result = result << together | set[i];
+    return result & all;
 }
 
 }  // namespace zolcs

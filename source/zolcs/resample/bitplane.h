@@ -2,6 +2,8 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/resample/spanoperations.h"
+#include "zolcs/resample/stepping.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,37 +17,36 @@ namespace zolcs {
 /// padding. The data belongs to the host and must hold rows * columns bits.
 class ZOLWEBCS_API BitPlane {
 public:
-    /// What a box of the plane holds; Mixed where the summary cannot tell.
-    enum class Content : std::uint8_t { None, All, Mixed };
-
     BitPlane() = default;
 
     /// A plane whose first bit lies on the image pixel (left, top). Bits below `firstIndex` count as not set.
     BitPlane(const unsigned char* data, std::int64_t left, std::int64_t top, std::int64_t columns, std::int64_t rows,
              std::int64_t firstIndex = 0);
 
+    [[nodiscard]] const unsigned char* data() const { return data_; }
     [[nodiscard]] std::int64_t columns() const { return columns_; }
+    [[nodiscard]] std::int64_t rows() const { return rows_; }
     [[nodiscard]] std::int64_t left() const { return left_; }
     [[nodiscard]] std::int64_t top() const { return top_; }
     [[nodiscard]] std::int64_t right() const { return left_ + columns_ - 1; }
     [[nodiscard]] std::int64_t bottom() const { return top_ + rows_ - 1; }
 
+    /// The last image row whose bits, and those of all rows above it, lie in 32-bit words that the data holds whole.
+    /// Above the top when bits are left out of account.
+    [[nodiscard]] std::int64_t lastRowInWords() const {
+        if (firstIndex_ != 0 || columns_ <= 0) return top_ - 1;
+        return top_ + std::min(bytes_ / 4 * 32 / columns_, rows_) - 1;
+    }
+
     /// True when no bit is set.
     [[nodiscard]] bool isBlank() const;
-
-    /// Prepares contentOf, which else cannot tell anything. Worth it for lines that cross many rows of the plane.
-    void summarise();
 
     /// The bit on an image pixel; pixels beside the plane are not set.
     [[nodiscard]] bool isSet(std::int64_t x, std::int64_t y) const {
         const std::int64_t column = x - left_;
         const std::int64_t row = y - top_;
         if (column < 0 || row < 0 || column >= columns_ || row >= rows_) return false;
-        return isSetAt(row * columns_ + column);
-    }
-
-    /// Bit number `index`, which must be one of the plane's.
-    [[nodiscard]] bool isSetAt(std::int64_t index) const {
+        const std::int64_t index = row * columns_ + column;
         return index >= firstIndex_ && (data_[index >> 3] >> (index & 7) & 1) != 0;
     }
 
@@ -54,35 +55,35 @@ public:
     template <typename Visit>
     void visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, Visit&& visit) const;
 
-    /// What the image box holds; all four bounds are inclusive. Never wrong, but Mixed near the edges of set areas.
-    [[nodiscard]] Content contentOf(std::int64_t boxLeft, std::int64_t boxTop, std::int64_t boxRight,
-                                    std::int64_t boxBottom) const;
+    /// 64 bits from bit number `index` on, the first one lowest; those beyond the data are 0.
+    [[nodiscard]] std::uint64_t bitsFrom(std::int64_t index) const {
+        const std::uint64_t low = word(index >> 6);
+        const auto shift = static_cast<unsigned>(index & 63);
+        return shift == 0 ? low : low >> shift | word((index >> 6) + 1) << (64U - shift);
+    }
 
 private:
-    /// Number of tiles above and to the left of a tile corner in which some bit, and in which every bit, is set.
-    struct TileSum {
-        std::int32_t some = 0;
-        std::int32_t full = 0;
-    };
-
-    static constexpr int tileShift = 4;
-    static constexpr std::int64_t tileSize = std::int64_t{1} << tileShift;
-    static constexpr std::int64_t wordBits = 64;
-
-    void summariseTileRow(std::int64_t tileRow, std::int64_t words, std::vector<std::uint64_t>& scratch);
-
-    /// `count` (1 to 64) bits from `index` on, the first one lowest. Bits below the first index are 0; nothing beyond
-    /// the plane's last byte is read.
-    [[nodiscard]] std::uint64_t bitsFrom(std::int64_t index, std::int64_t count) const {
-        const std::int64_t byte = index >> 3;
-        const bool wholeWord = count == wordBits && index >= firstIndex_ && byte + 9 <= bytes_;
-        if (std::endian::native != std::endian::little || !wholeWord) return fewBitsFrom(index, count);
+    /// Bits 64 k to 64 k + 63; nothing beyond the plane's last byte is read.
+    [[nodiscard]] std::uint64_t word(std::int64_t k) const {
+        if (std::endian::native != std::endian::little || k * 8 + 8 > bytes_) return lastWord(k);
         std::uint64_t bits = 0;
-        std::memcpy(&bits, data_ + byte, sizeof bits);
-        const int shift = static_cast<int>(index & 7);
-        return bits >> shift | static_cast<std::uint64_t>(data_[byte + 8]) << 1 << (63 - shift);
+        std::memcpy(&bits, data_ + k * 8, sizeof bits);
+        return bits;
     }
-    [[nodiscard]] std::uint64_t fewBitsFrom(std::int64_t index, std::int64_t count) const;
+    [[nodiscard]] std::uint64_t lastWord(std::int64_t k) const;
+
+    /// Calls visit(k, word) for the words of the bits [begin, end); other bits are 0.
+    template <typename Visit>
+    void visitWords(std::int64_t begin, std::int64_t end, const Visit& visit) const {
+        if (begin >= end) return;
+        const std::int64_t last = (end - 1) >> 6;
+        for (std::int64_t k = begin >> 6; k <= last; ++k) {
+            std::uint64_t bits = word(k);
+            if (k * 64 < begin) bits &= ~std::uint64_t{0} << (begin - k * 64);
+            if (k == last) bits &= ~std::uint64_t{0} >> (last * 64 + 64 - end);
+            visit(k, bits);
+        }
+    }
 
     const unsigned char* data_ = nullptr;
     std::int64_t left_ = 0;
@@ -91,33 +92,65 @@ private:
     std::int64_t rows_ = 0;
     std::int64_t firstIndex_ = 0;
     std::int64_t bytes_ = 0;
-    std::vector<TileSum> sums_;  ///< (tile rows + 1) x (tile columns + 1); empty until summarised
 };
 
 template <typename Visit>
 void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, Visit&& visit) const {
     const std::int64_t row = y - top_;
     if (row < 0 || row >= rows_) return;
-    const std::int64_t end = std::min(toX - left_ + 1, columns_);
-    std::int64_t open = -1;  // the column at which a run has begun
-    for (std::int64_t column = std::max<std::int64_t>(fromX - left_, 0); column < end; column += wordBits) {
-        const std::int64_t count = std::min(wordBits, end - column);
-        std::uint64_t bits = bitsFrom(row * columns_ + column, count);
-        if (bits == (open < 0 ? 0 : ~std::uint64_t{0})) continue;
-        std::int64_t at = 0;
-        while (at < count) {
-            const bool set = (bits & 1) != 0;
-            const int same = std::countr_zero(set ? ~bits : bits);
-            if (set && open < 0) open = column + at;
-            if (!set && open >= 0) {
-                visit(left_ + open, left_ + column + at - 1);
+    const std::int64_t end = row * columns_ + std::min(toX - left_ + 1, columns_);
+    const std::int64_t begin = std::max(row * columns_ + std::max<std::int64_t>(fromX - left_, 0), firstIndex_);
+    const std::int64_t columnZero = row * columns_ - left_;
+    std::int64_t open = -1;  // the bit at which a run has begun
+    std::uint64_t carry = 0;
+    visitWords(begin, end, [&](std::int64_t k, std::uint64_t bits) {
+        std::uint64_t edges = bits ^ (bits << 1 | carry);
+        carry = bits >> 63;
+        for (; edges != 0; edges &= edges - 1) {
+            const std::int64_t edge = k * 64 + std::countr_zero(edges);
+            if (open < 0) {
+                open = edge;
+            } else {
+                visit(open - columnZero, edge - columnZero - 1);
                 open = -1;
             }
-            at += same;
-            bits = same < wordBits ? bits >> same : 0;
         }
-    }
-    if (open >= 0) visit(left_ + open, left_ + end - 1);
+    });
+    if (open >= 0) visit(open - columnZero, end - columnZero - 1);
 }
+
+/// Tells for pieces of oblique lines whether a plane can be set there: bits of tiles, spread as far as a piece reaches.
+class ZOLWEBCS_API BitSummary {
+public:
+    /// Columns of a piece.
+    static constexpr int pieceColumns = SpanBits::pieceColumns;
+    /// Pieces that are told about at a time.
+    static constexpr int mostPieces = 64;
+
+    /// Knows nothing: everything may be set.
+    BitSummary() = default;
+
+    /// For lines of these steps; of others it knows nothing.
+    BitSummary(const BitPlane& plane, Fixed16 du, Fixed16 dv);
+
+    /// Bit i is 0 only when no column of piece i shows a set bit, be its position exact or rounded to single precision.
+    /// The pieces follow one another from column `begin` on; each of them must have a column on the plane.
+    [[nodiscard]] std::uint64_t mayBeSet(const SourceLine& line, int begin, int pieces) const;
+
+private:
+    void gatherTiles(const BitPlane& plane, std::int64_t left, std::int64_t top);
+    void spread(std::int64_t reachU, std::int64_t reachV);
+
+    static constexpr int tileShift = 2;
+    static constexpr int tilesOfWord = 64 >> tileShift;
+
+    std::vector<std::uint64_t> tiles_;  ///< lines of tile bits; empty when nothing is known
+    std::int64_t words_ = 0;            ///< of a line
+    std::int64_t lines_ = 0;
+    Fixed16 originU_ = 0;  ///< source position of the first tile bit, as it is asked for
+    Fixed16 originV_ = 0;
+    Fixed16 du_ = 0;
+    Fixed16 dv_ = 0;
+};
 
 }  // namespace zolcs

@@ -177,7 +177,7 @@ void PixelRules::addShutterGeometry(CCsRaster& source, std::uint32_t colour) {
 }
 
 void PixelRules::addBits(const BitPlane& plane, bool roundedPositions, PixelRun::Shows shows, std::uint32_t colour) {
-    if (!plane.isBlank()) layers_.push_back({Kind::Bits, shows, colour, plane, roundedPositions});
+    if (!plane.isBlank()) layers_.push_back({Kind::Bits, shows, colour, plane, {}, roundedPositions});
 }
 
 void PixelRules::ColumnLookup::build(const Stepping& upright, bool roundedPositions) {
@@ -214,34 +214,48 @@ void PixelRules::prepareFor(const Stepping& stepping) {
         exactColumns_.build(upright, false);
         roundedColumns_.build(upright, true);
     } else {
-        for (Layer& layer : layers_) layer.plane.summarise();
+        for (Layer& layer : layers_) layer.summary = BitSummary(layer.plane, stepping.stepXu, stepping.stepXv);
     }
 }
 
 void PixelRules::cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
     runs.reset(columns);
-    if (columns.empty()) return;
+    for (const Layer& layer : layers_) cutLayer(line, columns, layer, runs);
+}
+
+void PixelRules::cutCovers(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
+    runs.reset(columns);
     for (const Layer& layer : layers_) {
-        switch (layer.kind) {
-            case Kind::Rectangle:
-                cutRectangle(line, columns, layer, runs);
-                break;
-            case Kind::Circle:
-                cutCircle(line, columns, layer, runs);
-                break;
-            case Kind::Polygon:
-                cutPolygon(line, columns, layer, runs);
-                break;
-            case Kind::Bits:
-                if (isPrepared(line)) {
-                    cutBitsUpright(line, columns, layer, runs);
-                } else {
-                    cutBits(line, columns, layer, runs);
-                }
-                break;
-        }
-        runs.merge();
+        if (layer.shows == PixelRun::Shows::Covered) cutLayer(line, columns, layer, runs);
     }
+}
+
+void PixelRules::paintPlanes(const SourceLine& line, ColumnRange columns, std::uint32_t* out) const {
+    for (const Layer& layer : layers_) {
+        if (layer.shows != PixelRun::Shows::Plane) continue;
+        visitBits(line, columns, layer, [&](ColumnRange run) {
+            std::fill(out + (run.begin - columns.begin), out + (run.end - columns.begin), layer.colour);
+        });
+    }
+}
+
+void PixelRules::cutLayer(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    if (columns.empty()) return;
+    switch (layer.kind) {
+        case Kind::Rectangle:
+            cutRectangle(line, columns, layer, runs);
+            break;
+        case Kind::Circle:
+            cutCircle(line, columns, layer, runs);
+            break;
+        case Kind::Polygon:
+            cutPolygon(line, columns, layer, runs);
+            break;
+        case Kind::Bits:
+            cutBits(line, columns, layer, runs);
+            break;
+    }
+    runs.merge();
 }
 
 void PixelRules::cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
@@ -362,8 +376,24 @@ void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const L
     clearUntil(columns.end);
 }
 
-void PixelRules::cutBitsUpright(const SourceLine& line, ColumnRange columns, const Layer& layer,
-                                PixelRuns& runs) const {
+void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    visitBits(line, columns, layer, [&](ColumnRange run) { runs.add(layer.run(run.begin, run.end)); });
+    if (isPrepared(line) && exactColumns_.mirrored) runs.reverseLayer();
+}
+
+template <typename Visit>
+void PixelRules::visitBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const {
+    if (columns.empty()) return;
+    if (isPrepared(line)) {
+        visitPreparedBits(line, columns, layer, visit);
+    } else {
+        visitObliqueBits(line, columns, layer, visit);
+    }
+}
+
+template <typename Visit>
+void PixelRules::visitPreparedBits(const SourceLine& line, ColumnRange columns, const Layer& layer,
+                                   const Visit& visit) const {
     const ColumnLookup& lookup = layer.roundedPositions ? roundedColumns_ : exactColumns_;
     const auto bitAt = [&](Fixed16 position) {
         return layer.roundedPositions ? roundedPixel(position) : pixelOf(position);
@@ -371,90 +401,86 @@ void PixelRules::cutBitsUpright(const SourceLine& line, ColumnRange columns, con
     const auto [from, to] = std::minmax({bitAt(line.uAt(columns.begin)), bitAt(line.uAt(columns.end - 1))});
     layer.plane.visitRuns(bitAt(line.v), from, to, [&](std::int64_t first, std::int64_t last) {
         const ColumnRange shown = common(columns, lookup.columnsOf(first, last));
-        if (!shown.empty()) runs.add(layer.run(shown.begin, shown.end));
+        if (!shown.empty()) visit(shown);
     });
-    if (lookup.mirrored) runs.reverseLayer();
 }
 
-void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
+template <typename Visit>
+void PixelRules::visitObliqueBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) {
     const BitPlane& plane = layer.plane;
     const std::int64_t slack = layer.roundedPositions ? 1 : 0;
-    const auto over = [&](Fixed16 start, Fixed16 step, std::int64_t low, std::int64_t high, ColumnRange within) {
-        return columnsBetween(start, step, (low - slack) * fixed16One, (high + slack + 1) * fixed16One - 1, within);
-    };
-    columns = over(line.u, line.du, plane.left(), plane.right(), columns);
-    columns = over(line.v, line.dv, plane.top(), plane.bottom(), columns);
-
-    cutBitsInPieces<4 * mostTested>(line, columns, layer, runs);
-}
-
-/// Cuts pieces of so many columns: as a whole where the plane's summary can tell, else in smaller ones, at last by
-/// bits.
-template <int Columns>
-void PixelRules::cutBitsInPieces(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
-    const BitPlane& plane = layer.plane;
-    const std::int64_t slack = layer.roundedPositions ? 1 : 0;
-    for (int begin = columns.begin; begin < columns.end; begin += Columns) {
-        const ColumnRange piece{begin, std::min(begin + Columns, columns.end)};
-        const auto [lowU, highU] = std::minmax({line.uAt(piece.begin), line.uAt(piece.end - 1)});
-        const auto [lowV, highV] = std::minmax({line.vAt(piece.begin), line.vAt(piece.end - 1)});
-        const std::int64_t left = pixelOf(lowU) - slack;
-        const std::int64_t top = pixelOf(lowV) - slack;
-        const std::int64_t right = pixelOf(highU) + slack;
-        const std::int64_t bottom = pixelOf(highV) + slack;
-        const BitPlane::Content content = plane.contentOf(left, top, right, bottom);
-        if (content == BitPlane::Content::None) continue;
-        if (content == BitPlane::Content::All) {
-            runs.add(layer.run(piece.begin, piece.end));
-            continue;
-        }
-        if constexpr (Columns > mostTested) {
-            cutBitsInPieces<mostTested>(line, piece, layer, runs);
-        } else {
-            constexpr Fixed16 most = std::numeric_limits<std::int32_t>::max();
-            const bool within =
-                left >= plane.left() && top >= plane.top() && right <= plane.right() && bottom <= plane.bottom();
-            const bool fits =
-                highU <= most && highV <= most && (plane.bottom() + 1) * plane.columns() + plane.right() <= most;
-            (within && fits ? testBitsTogether : testBitsOneByOne)(line, piece, layer, runs);
+    columns = columnsBetween(line.u, line.du, (plane.left() - slack) * fixed16One,
+                             (plane.right() + slack + 1) * fixed16One - 1, columns);
+    columns = columnsBetween(line.v, line.dv, (plane.top() - slack) * fixed16One,
+                             (plane.bottom() + slack + 1) * fixed16One - 1, columns);
+    const ColumnRange together = columnsOfWords(line, columns, layer);
+    constexpr int piece = BitSummary::pieceColumns;
+    std::array<std::uint16_t, BitSummary::mostPieces> set{};
+    for (int begin = columns.begin; begin < columns.end; begin += BitSummary::mostPieces * piece) {
+        const ColumnRange part{begin, std::min(begin + BitSummary::mostPieces * piece, columns.end)};
+        std::uint64_t maySet = layer.summary.mayBeSet(line, begin, (part.end - begin + piece - 1) / piece);
+        testBits(line, part, layer, maySet, set.data());
+        for (; maySet != 0; maySet &= maySet - 1) {
+            const int at = std::countr_zero(maySet);
+            const ColumnRange tested{begin + at * piece, std::min(begin + (at + 1) * piece, part.end)};
+            const bool atOnce = tested.begin >= together.begin && tested.end <= together.end;
+            unsigned bits = atOnce ? set[static_cast<std::size_t>(at)] : testBitsOneByOne(line, tested, layer);
+            if (tested.end - tested.begin < piece) bits &= (1U << (tested.end - tested.begin)) - 1U;
+            for (int x = tested.begin; bits != 0;) {
+                const int clear = std::countr_zero(bits);
+                bits >>= clear;
+                const int run = std::countr_one(bits);
+                bits >>= run;
+                visit(ColumnRange{x + clear, x + clear + run});
+                x += clear + run;
+            }
         }
     }
 }
 
-void PixelRules::testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
-    for (int x = columns.begin; x < columns.end; ++x) {
-        const Fixed16 u = line.uAt(x);
-        const Fixed16 v = line.vAt(x);
-        const bool set = layer.roundedPositions ? layer.plane.isSet(roundedPixel(u), roundedPixel(v))
-                                                : layer.plane.isSet(pixelOf(u), pixelOf(v));
-        if (set) runs.add(layer.run(x, x + 1));
-    }
+/// The columns whose bits may be tested together: they lie on the plane, in whole words, at positions and with bit
+/// numbers of 31 bits.
+ColumnRange PixelRules::columnsOfWords(const SourceLine& line, ColumnRange columns, const Layer& layer) {
+    const BitPlane& plane = layer.plane;
+    const std::int64_t slack = layer.roundedPositions ? 1 : 0;
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    const Fixed16 endU = (plane.right() + 1 - slack) * fixed16One;
+    const Fixed16 endV = (plane.lastRowInWords() + 1 - slack) * fixed16One;
+    const bool fits = endU < most && endV < most && plane.rows() * plane.columns() < most &&
+                      (plane.bottom() + 1) * plane.columns() + plane.right() < most;
+    if (!fits) return {columns.begin, columns.begin};
+    columns = columnsBetween(line.u, line.du, std::max<Fixed16>(plane.left() * fixed16One, 0), endU - 1, columns);
+    return columnsBetween(line.v, line.dv, std::max<Fixed16>(plane.top() * fixed16One, 0), endV - 1, columns);
 }
 
-/// For columns that lie within the plane, at positions that fit 31 bits.
-void PixelRules::testBitsTogether(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) {
+/// Tests pieces of columns; the results hold only where columnsOfWords says that they can.
+void PixelRules::testBits(const SourceLine& line, ColumnRange columns, const Layer& layer, std::uint64_t pieces,
+                          std::uint16_t* set) {
     const BitPlane& plane = layer.plane;
+    const std::int64_t bits = (plane.lastRowInWords() - plane.top() + 1) * plane.columns();
+    if (bits <= 0) return;
     const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(columns.begin)),
                                   static_cast<std::uint32_t>(line.vAt(columns.begin)),
                                   static_cast<std::uint32_t>(line.du), static_cast<std::uint32_t>(line.dv),
                                   static_cast<std::int32_t>(plane.columns())};
-    std::array<std::int32_t, mostTested> indices;
     const SpanOperations& operations = SpanOperations::chosen();
-    const int count = columns.end - columns.begin;
-    (layer.roundedPositions ? operations.roundedOffsets : operations.offsets)(positions, count, indices.data());
+    const auto test = layer.roundedPositions ? operations.testRoundedBits : operations.testBits;
     const std::int64_t first = plane.top() * plane.columns() + plane.left();
-    std::uint64_t set = 0;
-    for (int i = 0; i < count; ++i) {
-        if (plane.isSetAt(indices[static_cast<std::size_t>(i)] - first)) set |= std::uint64_t{1} << i;
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    test(positions, {plane.data(), static_cast<std::int32_t>(first), static_cast<std::uint32_t>(std::min(bits, most))},
+         pieces, set);
+}
+
+/// Bit i tells whether column columns.begin + i, of a single piece, shows a set bit.
+std::uint16_t PixelRules::testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer) {
+    const auto bitAt = [&](Fixed16 position) {
+        return layer.roundedPositions ? roundedPixel(position) : pixelOf(position);
+    };
+    unsigned set = 0;
+    for (int x = columns.begin; x < columns.end; ++x) {
+        if (layer.plane.isSet(bitAt(line.uAt(x)), bitAt(line.vAt(x)))) set |= 1U << (x - columns.begin);
     }
-    for (int x = columns.begin; set != 0;) {
-        const int clear = std::countr_zero(set);
-        set >>= clear;
-        const int run = std::countr_one(set);
-        set = run < 64 ? set >> run : 0;
-        runs.add(layer.run(x + clear, x + clear + run));
-        x += clear + run;
-    }
+    return static_cast<std::uint16_t>(set);
 }
 
 }  // namespace zolcs

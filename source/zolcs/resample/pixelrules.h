@@ -90,6 +90,13 @@ public:
     /// Cuts the columns of a line into runs. Every column's position must lie on the source.
     void cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const;
 
+    /// The same without the overlay planes.
+    void cutCovers(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const;
+
+    /// Paints the overlay planes over a line of pixels that show everything else. The figures of a plane are many short
+    /// runs, for which this is faster than cutting. `out` is the pixel of columns.begin.
+    void paintPlanes(const SourceLine& line, ColumnRange columns, std::uint32_t* out) const;
+
 private:
     /// A shutter's circle: decided pixel by pixel only close to its edge.
     struct Circle {
@@ -111,9 +118,6 @@ private:
         int width = 0;
     };
 
-    /// Bits of an oblique line that are tested at a time when the plane's summary cannot tell.
-    static constexpr int mostTested = 32;
-
     enum class Kind : std::uint8_t { Rectangle, Circle, Polygon, Bits };
 
     /// One rule; later layers take precedence over earlier ones.
@@ -122,6 +126,7 @@ private:
         PixelRun::Shows shows = PixelRun::Shows::Covered;
         std::uint32_t colour = 0;
         BitPlane plane;
+        BitSummary summary;
         bool roundedPositions = false;  ///< positions go through single precision before they choose a bit
 
         [[nodiscard]] PixelRun run(int begin, int end) const { return {begin, end, shows, colour}; }
@@ -136,12 +141,21 @@ private:
     void cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
     void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    static void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
-    template <int Columns>
-    static void cutBitsInPieces(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
-    static void testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
-    static void testBitsTogether(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs);
-    void cutBitsUpright(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutLayer(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+
+    /// Call visit(run) for the columns that show set bits: from left to right, or from right to left for prepared lines
+    /// of a mirrored view.
+    template <typename Visit>
+    void visitBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const;
+    template <typename Visit>
+    void visitPreparedBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const;
+    template <typename Visit>
+    static void visitObliqueBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit);
+    static ColumnRange columnsOfWords(const SourceLine& line, ColumnRange columns, const Layer& layer);
+    static void testBits(const SourceLine& line, ColumnRange columns, const Layer& layer, std::uint64_t pieces,
+                         std::uint16_t* set);
+    static std::uint16_t testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer);
 
     [[nodiscard]] bool isInsideCircle(Fixed16 u, Fixed16 v) const;
 

@@ -74,7 +74,7 @@ private:
     const Convert& convert_;
 };
 
-/// Lays overlays, shutters and padding over another filler; pixels that they hide are not fetched.
+/// Lays overlays, shutters and padding over another filler; pixels that shutters or padding hide are not fetched.
 template <typename Inner>
 class RuledFiller {
 public:
@@ -86,7 +86,7 @@ public:
     void expect(ColumnRange columns) { inner_.expect(columns); }
 
     bool fill(const SourceLine& line, ColumnRange columns, std::uint32_t* out) {
-        rules_.cut(line, columns, runs_);
+        rules_.cutCovers(line, columns, runs_);
         for (auto run = runs_.begin(); run != runs_.end();) {
             if (run->shows != PixelRun::Shows::Image) {
                 paint(line, *run, out + (run->begin - columns.begin));
@@ -105,6 +105,7 @@ public:
             }
             ++run;
         }
+        rules_.paintPlanes(line, columns, out);
         return true;
     }
 
@@ -112,7 +113,7 @@ private:
     static bool isShort(const PixelRun& run) { return run.end - run.begin < 32; }
 
     void paint(const SourceLine& line, const PixelRun& run, std::uint32_t* out) const {
-        if (run.shows == PixelRun::Shows::Covered && rules_.embeddedColours() != nullptr) {
+        if (rules_.embeddedColours() != nullptr) {
             fillBelowEmbedded(line, run, out);
         } else {
             std::fill_n(out, run.end - run.begin, run.colour);

@@ -3,7 +3,9 @@
 #include "zolcs/resample/spanvectors.h"
 #include "zolcs/resample/stepping.h"
 
+#include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstring>
 
 #if defined(__SSE2__) || defined(_M_X64)
@@ -14,23 +16,45 @@ namespace zolcs {
 
 namespace {
 
-template <typename PixelOf>
-void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, PixelOf&& pixelOf) {
-    std::uint32_t u = positions.u;
-    std::uint32_t v = positions.v;
+struct ExactPixel {
+    std::uint32_t operator()(std::uint32_t coordinate) const { return coordinate >> 16U; }
+};
+
+struct RoundedPixel {
+    std::uint32_t operator()(std::uint32_t coordinate) const {
+        return static_cast<std::uint32_t>(roundedPixel(coordinate));
+    }
+};
+
+/// Calls use(i, offset) for the positions from `begin` on.
+template <typename PixelOf, typename Use>
+void visitOffsets(const SpanPositions& positions, int begin, int count, const Use& use) {
+    std::uint32_t u = positions.u + static_cast<std::uint32_t>(begin) * positions.du;
+    std::uint32_t v = positions.v + static_cast<std::uint32_t>(begin) * positions.dv;
     const auto pitch = static_cast<std::uint32_t>(positions.pitch);
     for (int i = 0; i < count; ++i, u += positions.du, v += positions.dv) {
-        out[i] = static_cast<std::int32_t>(pixelOf(v) * pitch + pixelOf(u));
+        use(i, PixelOf()(v) * pitch + PixelOf()(u));
     }
 }
 
 void portableOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
-    fillOffsets(positions, count, out, [](std::uint32_t coordinate) { return coordinate >> 16U; });
+    visitOffsets<ExactPixel>(positions, 0, count,
+                             [out](int i, std::uint32_t offset) { out[i] = static_cast<std::int32_t>(offset); });
 }
 
-void portableRoundedOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
-    fillOffsets(positions, count, out,
-                [](std::uint32_t coordinate) { return static_cast<std::uint32_t>(roundedPixel(coordinate)); });
+template <typename PixelOf>
+void portableTestBits(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces, std::uint16_t* set) {
+    for (; pieces != 0; pieces &= pieces - 1) {
+        const int piece = std::countr_zero(pieces);
+        std::uint32_t found = 0;
+        const auto test = [&](int i, std::uint32_t offset) {
+            const std::uint32_t index = std::min(offset - static_cast<std::uint32_t>(bits.first), bits.count - 1);
+            const std::uint32_t bit = bits.words[index >> 3U] >> (index & 7U) & 1U;
+            found |= bit << i;
+        };
+        visitOffsets<PixelOf>(positions, piece * SpanBits::pieceColumns, SpanBits::pieceColumns, test);
+        set[piece] = static_cast<std::uint16_t>(found);
+    }
 }
 
 void portableGather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
@@ -43,7 +67,8 @@ void portableTranspose32(const std::uint32_t* tile, const TileShape& shape, std:
     }
 }
 
-constexpr SpanOperations portable{portableOffsets, portableRoundedOffsets, portableGather32, portableTranspose32};
+constexpr SpanOperations portable{portableOffsets, portableGather32, portableTestBits<ExactPixel>,
+                                  portableTestBits<RoundedPixel>, portableTranspose32};
 
 enum class Mode : std::uint8_t { Best, Plain, Portable };
 

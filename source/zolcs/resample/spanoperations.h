@@ -20,6 +20,16 @@ struct SpanPositions {
     std::int32_t pitch;  ///< of the source, in pixels
 };
 
+/// Bits in words of 32, the lowest first. Offset `first` of the positions has bit number 0.
+struct SpanBits {
+    /// Neighbouring columns that are tested together.
+    static constexpr int pieceColumns = 16;
+
+    const unsigned char* words;
+    std::int32_t first;
+    std::uint32_t count;  ///< of the bits in whole words; whatever lies beside them is undefined but may be asked for
+};
+
 /// A tile of which the lines become columns.
 struct TileShape {
     std::ptrdiff_t tilePitch;
@@ -32,10 +42,13 @@ struct TileShape {
 struct SpanOperations {
     /// Offsets of the source pixels at `count` positions.
     void (*offsets)(const SpanPositions& positions, int count, std::int32_t* out);
-    /// The same with u and v rounded to single precision before their whole pixels are taken.
-    void (*roundedOffsets)(const SpanPositions& positions, int count, std::int32_t* out);
     /// out[i] = source[offsets[i]].
     void (*gather32)(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
+    /// For each bit p of `pieces`: bit i of set[p] is the bit at position p * pieceColumns + i.
+    void (*testBits)(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces, std::uint16_t* set);
+    /// The same with u and v rounded to single precision before their whole pixels are taken.
+    void (*testRoundedBits)(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces,
+                            std::uint16_t* set);
     /// out[y * outPitch + x] = tile[x * tilePitch + y].
     void (*transpose32)(const std::uint32_t* tile, const TileShape& shape, std::uint32_t* out);
 

@@ -7,16 +7,49 @@
 
 #include "zolcs/resample/spanvectors.h"
 
+#include <bit>
+#include <cstring>
+
 HWY_BEFORE_NAMESPACE();
 namespace zolcs::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// `pixelOf` makes whole pixels of a vector of coordinates.
+using U32 = hn::CappedTag<std::uint32_t, 16>;
+using I32 = hn::RebindToSigned<U32>;
+
+/// Bit i of the result is lane i of the mask.
+template <typename M>
+HWY_INLINE std::uint64_t maskBits(M mask) {
+    std::uint8_t bytes[8] = {};
+    hn::StoreMaskBits(U32(), mask, bytes);
+    return bytes[0] | static_cast<std::uint64_t>(bytes[1]) << 8U;
+}
+
+/// Whole pixels of a vector of coordinates.
+struct ExactPixels {
+    template <typename V>
+    HWY_INLINE V operator()(V coordinates) const {
+        return hn::ShiftRight<16>(coordinates);
+    }
+};
+
+/// The same through single precision.
+struct RoundedPixels {
+    template <typename V>
+    HWY_INLINE V operator()(V coordinates) const {
+        const U32 d;
+        const I32 di;
+        const hn::RebindToFloat<U32> df;
+        const auto position = hn::Mul(hn::ConvertTo(df, hn::BitCast(di, coordinates)), hn::Set(df, 1.5258789e-5F));
+        return hn::BitCast(d, hn::ConvertTo(di, position));
+    }
+};
+
 template <typename PixelOf>
-void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, PixelOf&& pixelOf) {
-    const hn::CappedTag<std::uint32_t, 16> d;
-    const hn::RebindToSigned<decltype(d)> di;
+void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
+    const U32 d;
+    const I32 di;
     const int lanes = static_cast<int>(hn::Lanes(d));
     const auto index = hn::Iota(d, 0);
     auto u = hn::Add(hn::Set(d, positions.u), hn::Mul(index, hn::Set(d, positions.du)));
@@ -24,6 +57,7 @@ void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, P
     const auto uStep = hn::Set(d, positions.du * static_cast<std::uint32_t>(lanes));
     const auto vStep = hn::Set(d, positions.dv * static_cast<std::uint32_t>(lanes));
     const auto pitch = hn::Set(d, static_cast<std::uint32_t>(positions.pitch));
+    const PixelOf pixelOf;
     const auto offset = [&] { return hn::BitCast(di, hn::Add(hn::Mul(pixelOf(v), pitch), pixelOf(u))); };
     int i = 0;
     for (; i + lanes <= count; i += lanes) {
@@ -38,18 +72,45 @@ void fillOffsets(const SpanPositions& positions, int count, std::int32_t* out, P
     }
 }
 
-void offsets(const SpanPositions& positions, int count, std::int32_t* out) {
-    fillOffsets(positions, count, out, [](auto coordinates) { return hn::ShiftRight<16>(coordinates); });
-}
-
-void roundedOffsets(const SpanPositions& positions, int count, std::int32_t* out) {
-    fillOffsets(positions, count, out, [](auto coordinates) {
-        const hn::CappedTag<std::uint32_t, 16> d;
-        const hn::RebindToSigned<decltype(d)> di;
-        const hn::RebindToFloat<decltype(d)> df;
-        const auto position = hn::Mul(hn::ConvertTo(df, hn::BitCast(di, coordinates)), hn::Set(df, 1.5258789e-5F));
-        return hn::BitCast(d, hn::ConvertTo(di, position));
-    });
+template <typename PixelOf>
+void testBits(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces, std::uint16_t* set) {
+    constexpr int columns = SpanBits::pieceColumns;
+    const U32 d;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    const auto index = hn::Iota(d, 0);
+    const auto alongU = hn::Mul(index, hn::Set(d, positions.du));
+    const auto alongV = hn::Mul(index, hn::Set(d, positions.dv));
+    const auto pitch = hn::Set(d, static_cast<std::uint32_t>(positions.pitch));
+    const auto first = hn::Set(d, static_cast<std::uint32_t>(bits.first));
+    const auto last = hn::Set(d, bits.count - 1);
+    const PixelOf pixelOf;
+    // One step after the other for all pieces: so no load waits for what was stored just before.
+    HWY_ALIGN std::uint32_t indices[64 * columns];
+    HWY_ALIGN std::uint32_t words[64 * columns];
+    int count = 0;
+    for (std::uint64_t rest = pieces; rest != 0; rest &= rest - 1) {
+        const int begin = std::countr_zero(rest) * columns;
+        for (int i = begin; i < begin + columns; i += lanes, count += lanes) {
+            const auto at = static_cast<std::uint32_t>(i);
+            const auto u = hn::Add(hn::Set(d, positions.u + at * positions.du), alongU);
+            const auto v = hn::Add(hn::Set(d, positions.v + at * positions.dv), alongV);
+            const auto bit = hn::Sub(hn::Add(hn::Mul(pixelOf(v), pitch), pixelOf(u)), first);
+            hn::Store(hn::Min(bit, last), d, indices + count);
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        std::memcpy(words + i, bits.words + static_cast<std::size_t>(indices[i] >> 5U) * 4, sizeof words[i]);
+    }
+    int i = 0;
+    for (std::uint64_t rest = pieces; rest != 0; rest &= rest - 1) {
+        std::uint64_t piece = 0;
+        for (int at = 0; at < columns; at += lanes, i += lanes) {
+            const auto shift = hn::And(hn::Load(d, indices + i), hn::Set(d, 31));
+            const auto bit = hn::And(hn::Load(d, words + i), hn::Shl(hn::Set(d, 1), shift));
+            piece |= maskBits(hn::Ne(bit, hn::Zero(d))) << at;
+        }
+        set[std::countr_zero(rest)] = static_cast<std::uint16_t>(piece);
+    }
 }
 
 void gather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
@@ -144,7 +205,8 @@ void transpose32(const std::uint32_t* tile, const TileShape& shape, std::uint32_
 }
 
 const SpanOperations* operations() {
-    static constexpr SpanOperations table{offsets, roundedOffsets, gather32, transpose32};
+    static constexpr SpanOperations table{offsets<ExactPixels>, gather32, testBits<ExactPixels>,
+                                          testBits<RoundedPixels>, transpose32};
     return &table;
 }
 
