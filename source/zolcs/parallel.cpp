@@ -42,13 +42,20 @@ private:
 
 int maximumThreads() { return omp_get_max_threads(); }
 
+/// Threads of a team of which `workers` work. Threads that wait for each other keep their processors busy, unless there
+/// are more of them than processors: then they sleep at once. Where every processor would wait, one more thread that
+/// does nothing is thus worth its start: on a machine that does other things too, a processor that is busy waiting
+/// keeps the very thread from running that it waits for, for several milliseconds.
+int teamOf(int workers) { return workers < omp_get_num_procs() ? workers : workers + 1; }
+
 /// Calls work() on up to `threads` threads at the same time, at least once.
 template <typename Work>
 void onThreads(int threads, Work work) {
     const int dynamic = omp_get_dynamic();
     omp_set_dynamic(0);
-#pragma omp parallel num_threads(threads)
-    work();
+    std::atomic<int> arrived{0};
+#pragma omp parallel num_threads(teamOf(threads))
+    if (arrived++ < threads) work();
     omp_set_dynamic(dynamic);
 }
 

@@ -270,8 +270,15 @@ int GreyMap::mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool 
     if (!mapping.coversDestination(area)) {
         CCsImageUtils::fillDisplayedRasterWithShutterPresentationValue(src, dst, images.destination(), trafo, segment);
     }
-    mapping.run(area);
+    mapping.run(area, shownWindow(), kind_.entries);
     return 255;
+}
+
+Window GreyMap::shownWindow() const {
+    if (!nonLinearSet_ || !exactNonLinearWindow_) return window_;
+    // The even steps of an exact window begin and end with what the depth leaves of it.
+    const auto width = static_cast<std::int32_t>(windowedCount_);
+    return {static_cast<std::int32_t>(windowedStart_) + width / 2, width};
 }
 
 bool GreyMap::mayAccelerate(const CCsRaster& src, bool wholeImageAllowed, const unsigned char* pixelPadding) const {

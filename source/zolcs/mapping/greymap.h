@@ -110,6 +110,8 @@ private:
     int buildWindowed();
     int mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool wholeImageAllowed,
                   unsigned char* pixelPadding, CCs2dTrafo* trafo);
+    /// The window that the table shows if it is linear.
+    [[nodiscard]] Window shownWindow() const;
     [[nodiscard]] bool mayAccelerate(const CCsRaster& src, bool wholeImageAllowed,
                                      const unsigned char* pixelPadding) const;
     /// A table with an entry for every 16-bit value; null when memory is exhausted. `extended` keeps what it needs.

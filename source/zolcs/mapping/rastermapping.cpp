@@ -19,6 +19,10 @@ constexpr std::int64_t maximumRowPixels = std::int64_t{1} << 28;
 /// A thread is not worth its start for fewer pixels.
 constexpr std::int64_t minimumBandPixels = std::int64_t{1} << 17;
 
+/// From so many pixels on it is worth finding out whether the table can be computed; and their destination would only
+/// push everything else out of the cache before anybody reads it.
+constexpr std::int64_t minimumComputedPixels = std::int64_t{1} << 20;
+
 }  // namespace
 
 TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const std::uint32_t* embeddedColours) {
@@ -56,8 +60,9 @@ bool RasterMapping::coversDestination(const RECT& area) const {
            area.bottom == height_;
 }
 
-void RasterMapping::run(const RECT& area) const {
+void RasterMapping::run(const RECT& area, const Window& window, std::size_t depth) {
     if (area.left >= area.right) return;
+    if (mayCompute(area)) ramp_ = findGreyRamp({table_, valueCount}, window, depth);
     const std::int64_t rowsPerBand = minimumBandPixels / (area.right - area.left) + 1;
     parallelRows(
         static_cast<int>(area.top), static_cast<int>(area.bottom),
@@ -66,7 +71,7 @@ void RasterMapping::run(const RECT& area) const {
 
 void RasterMapping::mapBand(const RECT& area, int top, int bottom) const {
     if (rules_.positionsAreFree() && std::max(sourcePitch_, destinationPitch_) <= maximumRowPixels) {
-        lookUp(area.left, top, area.right - area.left, bottom - top);
+        show(area.left, top, area.right - area.left, bottom - top);
         return;
     }
     PixelRuns runs;
@@ -81,7 +86,7 @@ void RasterMapping::mapRow(int y, const PixelRuns& runs) const {
         switch (run.shows) {
             case PixelRun::Shows::Image:
                 for (std::int64_t x = run.begin; x < run.end; x += maximumRowPixels) {
-                    lookUp(x, y, std::min(run.end - x, maximumRowPixels), 1);
+                    show(x, y, std::min(run.end - x, maximumRowPixels), 1);
                 }
                 break;
             case PixelRun::Shows::Covered:
@@ -91,6 +96,33 @@ void RasterMapping::mapRow(int y, const PixelRuns& runs) const {
                 std::fill(destinationAt(run.begin, y), destinationAt(run.end, y), run.colour);
                 break;
         }
+    }
+}
+
+bool RasterMapping::mayCompute(const RECT& area) const {
+    const std::int64_t pixels = (std::int64_t{area.right} - area.left) * (std::int64_t{area.bottom} - area.top);
+    const bool aligned = reinterpret_cast<std::uintptr_t>(source_) % sizeof(std::uint16_t) == 0 &&
+                         reinterpret_cast<std::uintptr_t>(destination_) % sizeof(std::uint32_t) == 0;
+    return aligned && pixels >= minimumComputedPixels;
+}
+
+void RasterMapping::show(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const {
+    if (ramp_.has_value()) {
+        compute(x, y, columns, rows);
+    } else {
+        lookUp(x, y, columns, rows);
+    }
+}
+
+void RasterMapping::compute(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const {
+    // Single rows are pieces between what shutters and planes show, whose stores go through the cache.
+    const bool bypassCache = rows > 1;
+    if (sourcePitch_ == columns && destinationPitch_ == columns) {
+        columns *= rows;
+        rows = 1;
+    }
+    for (const std::int64_t bottom = y + rows; y < bottom; ++y) {
+        fillGreyRamp(*ramp_, sourceAt(x, y), destinationAt(x, y), static_cast<std::size_t>(columns), bypassCache);
     }
 }
 

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "zolcs/ccsimage.h"
+#include "zolcs/mapping/greyramp.h"
 #include "zolcs/mapping/storedtable.h"
 #include "zolcs/resample/pixelrules.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace zolcs::mapping {
@@ -28,12 +30,17 @@ public:
     /// True when mapping a clipped area leaves no byte of the destination's lines as it was.
     [[nodiscard]] bool coversDestination(const RECT& area) const;
 
-    /// Maps a clipped area, its rows in parallel.
-    void run(const RECT& area) const;
+    /// Maps a clipped area, its rows in parallel. `window` and `depth` are what the table was probably built from:
+    /// where it is linear and shows plain greys, a large area is computed instead of looked up, with the same result.
+    void run(const RECT& area, const Window& window, std::size_t depth);
 
 private:
     void mapBand(const RECT& area, int top, int bottom) const;
     void mapRow(int y, const PixelRuns& runs) const;
+    [[nodiscard]] bool mayCompute(const RECT& area) const;
+    /// Shows image values only.
+    void show(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const;
+    void compute(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const;
     void lookUp(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const;
     void cover(int y, const PixelRun& run) const;
     [[nodiscard]] const std::uint16_t* sourceAt(std::int64_t x, std::int64_t y) const;
@@ -41,6 +48,7 @@ private:
 
     const PixelRules& rules_;
     const std::uint32_t* table_;
+    std::optional<GreyRamp> ramp_;  ///< gives what the table holds
     const unsigned char* source_;
     unsigned char* destination_;
     std::int64_t sourcePitch_;
