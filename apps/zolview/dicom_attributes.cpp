@@ -1,7 +1,9 @@
 #include "dicom_attributes.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <string_view>
 
 namespace zolview {
@@ -15,7 +17,18 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::optional<double> parse(std::string_view text) {
+void addGroups(DcmItem& dataset, const DcmTagKey& groups, int frame, std::vector<DcmItem*>& items) {
+    DcmItem* item = nullptr;
+    if (dataset.findAndGetSequenceItem(groups, item, frame).bad() || item == nullptr) return;
+    for (unsigned long i = 0; i < item->card(); ++i) {
+        auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(item->getElement(i));
+        if (sequence != nullptr && sequence->card() > 0) items.push_back(sequence->getItem(0));
+    }
+}
+
+}  // namespace
+
+std::optional<double> parseDecimal(std::string_view text) {
     if (text.starts_with('+')) text.remove_prefix(1);
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -23,20 +36,9 @@ std::optional<double> parse(std::string_view text) {
     return value;
 }
 
-void addFirstFrameGroups(DcmItem& dataset, const DcmTagKey& groups, std::vector<DcmItem*>& items) {
-    DcmItem* frame = nullptr;
-    if (dataset.findAndGetSequenceItem(groups, frame, 0).bad() || frame == nullptr) return;
-    for (unsigned long i = 0; i < frame->card(); ++i) {
-        auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(frame->getElement(i));
-        if (sequence != nullptr && sequence->card() > 0) items.push_back(sequence->getItem(0));
-    }
-}
-
-}  // namespace
-
-Attributes::Attributes(DcmItem& dataset) : items_{&dataset} {
-    addFirstFrameGroups(dataset, DCM_PerFrameFunctionalGroupsSequence, items_);
-    addFirstFrameGroups(dataset, DCM_SharedFunctionalGroupsSequence, items_);
+Attributes::Attributes(DcmItem& dataset, int frame) : items_{&dataset} {
+    addGroups(dataset, DCM_PerFrameFunctionalGroupsSequence, frame, items_);
+    addGroups(dataset, DCM_SharedFunctionalGroupsSequence, 0, items_);
 }
 
 DcmItem* Attributes::find(const DcmTagKey& tag) const {
@@ -70,7 +72,7 @@ std::vector<std::string> Attributes::texts(const DcmTagKey& tag) const {
 std::vector<double> Attributes::numbers(const DcmTagKey& tag) const {
     std::vector<double> out;
     for (const std::string& value : texts(tag)) {
-        const std::optional<double> number = parse(value);
+        const std::optional<double> number = parseDecimal(value);
         if (!number) return {};
         out.push_back(*number);
     }
@@ -92,12 +94,42 @@ std::optional<std::uint16_t> Attributes::word(const DcmTagKey& tag) const {
     return std::nullopt;
 }
 
-bool Attributes::hasItems(const DcmTagKey& tag) const {
+std::vector<std::uint16_t> Attributes::words(const DcmTagKey& tag) const {
+    DcmItem* const item = find(tag);
+    DcmElement* element = nullptr;
+    if (item == nullptr || item->findAndGetElement(tag, element).bad()) return {};
+    std::vector<std::uint16_t> out;
+    const std::size_t length = element->getLength();
+    Uint8* bytes = nullptr;
+    if (element->ident() == EVR_OB && element->getUint8Array(bytes).good() && bytes != nullptr) {
+        for (std::size_t i = 0; i + 1 < length; i += 2)
+            out.push_back(static_cast<std::uint16_t>(bytes[i] | (bytes[i + 1] << 8)));
+        return out;
+    }
+    Uint16* words = nullptr;
+    if (element->getUint16Array(words).good() && words != nullptr) return {words, words + length / 2};
+    Sint16* numbers = nullptr;
+    if (element->getSint16Array(numbers).good() && numbers != nullptr)
+        std::transform(numbers, numbers + length / 2, std::back_inserter(out),
+                       [](Sint16 number) { return static_cast<std::uint16_t>(number); });
+    return out;
+}
+
+bool Attributes::isSigned(const DcmTagKey& tag) const {
+    DcmItem* const item = find(tag);
+    DcmElement* element = nullptr;
+    return item != nullptr && item->findAndGetElement(tag, element).good() && element->ident() == EVR_SS;
+}
+
+std::vector<DcmItem*> Attributes::items(const DcmTagKey& tag) const {
+    std::vector<DcmItem*> out;
     for (DcmItem* const item : items_) {
         DcmSequenceOfItems* sequence = nullptr;
-        if (item->findAndGetSequence(tag, sequence).good() && sequence != nullptr && sequence->card() > 0) return true;
+        if (item->findAndGetSequence(tag, sequence).bad() || sequence == nullptr) continue;
+        for (unsigned long i = 0; i < sequence->card(); ++i) out.push_back(sequence->getItem(i));
+        return out;
     }
-    return false;
+    return out;
 }
 
 }  // namespace zolview

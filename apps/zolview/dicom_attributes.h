@@ -7,15 +7,20 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zolview {
 
-/// Attributes of the first frame: those of the data set itself, and where it has none of that name, those of the
-/// functional groups of its first frame.
+/// A finite number in DICOM's notation, without blanks; null for anything else.
+std::optional<double> parseDecimal(std::string_view text);
+
+/// Attributes of one frame: those of the data set itself, and where it has none of that name, those of the frame's
+/// functional groups.
 class Attributes {
 public:
-    explicit Attributes(DcmItem& dataset);
+    /// Frames count from 0.
+    explicit Attributes(DcmItem& dataset, int frame = 0);
 
     /// The attribute is there and has a value.
     [[nodiscard]] bool has(const DcmTagKey& tag) const;
@@ -38,8 +43,15 @@ public:
     /// The first value as an unsigned 16-bit number, 0 where absent.
     [[nodiscard]] int count(const DcmTagKey& tag) const { return word(tag).value_or(0); }
 
-    /// Items of a sequence.
-    [[nodiscard]] bool hasItems(const DcmTagKey& tag) const;
+    /// All values as 16-bit words, whether they are declared bytes (two to a word, the first one low), words, signed
+    /// or not; empty where absent.
+    [[nodiscard]] std::vector<std::uint16_t> words(const DcmTagKey& tag) const;
+
+    /// The values are declared as signed 16-bit numbers.
+    [[nodiscard]] bool isSigned(const DcmTagKey& tag) const;
+
+    /// The items of a sequence.
+    [[nodiscard]] std::vector<DcmItem*> items(const DcmTagKey& tag) const;
 
 private:
     /// The first of the items that has a value for the tag, or null.

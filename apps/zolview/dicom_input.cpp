@@ -1,20 +1,23 @@
 #include "dicom_input.h"
 
+#include "colour_conversion.h"
 #include "dicom_attributes.h"
+#include "dicom_frame.h"
 #include "dicom_geometry.h"
+#include "dicom_luts.h"
 #include "dicom_overlays.h"
+#include "dicom_palette.h"
 #include "sample_conversion.h"
-#include "windowing.h"
+#include "zolipp/zolipp.h"
 
-#include <dcmtk/dcmdata/dccodec.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmjpeg/djdecode.h>
 #include <dcmtk/dcmjpls/djdecode.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
+#include <limits>
 
 namespace zolview {
 
@@ -26,8 +29,9 @@ public:
     Codecs() {
         OFLog::configure(OFLogger::OFF_LOG_LEVEL);
         DcmRLEDecoderRegistration::registerCodecs();
-        DJDecoderRegistration::registerCodecs();
-        DJLSDecoderRegistration::registerCodecs();
+        // Colours as red, green and blue where the data set says what they are, and pixel after pixel.
+        DJDecoderRegistration::registerCodecs(EDC_photometricInterpretation, EUC_default, EPC_colorByPixel);
+        DJLSDecoderRegistration::registerCodecs(EJLSUC_default, EJLSPC_colorByPixel);
     }
     Codecs(const Codecs&) = delete;
     Codecs& operator=(const Codecs&) = delete;
@@ -49,13 +53,26 @@ void refuseUnless(bool accepted, const std::string& otherwise) {
     if (!accepted) throw Refusal(otherwise);
 }
 
-void checkKind(const Attributes& attributes) {
+/// What the pixels of an image are.
+enum class PixelKind { Grey, Palette, Colour };
+
+PixelKind readKind(const Attributes& attributes) {
     const std::string photometric = attributes.text(DCM_PhotometricInterpretation);
     refuseUnless(attributes.has(DCM_PixelData), "contains no image (it is a " + sopClassName(attributes) + ")");
-    refuseUnless(attributes.count(DCM_SamplesPerPixel) <= 1 && photometric != "PALETTE COLOR",
-                 "is a colour image (" + photometric + "), which zolview cannot show yet");
-    refuseUnless(photometric == "MONOCHROME1" || photometric == "MONOCHROME2",
-                 "has the photometric interpretation '" + photometric + "', which zolview cannot show");
+    const int samples = std::max(attributes.count(DCM_SamplesPerPixel), 1);
+    PixelKind kind = PixelKind::Grey;
+    if (photometric == "PALETTE COLOR") {
+        kind = PixelKind::Palette;
+    } else if (photometric == "RGB" || photometric == "YBR_FULL" || photometric == "YBR_FULL_422" ||
+               photometric == "YBR_RCT" || photometric == "YBR_ICT") {
+        kind = PixelKind::Colour;
+    } else {
+        refuseUnless(photometric == "MONOCHROME1" || photometric == "MONOCHROME2",
+                     "has the photometric interpretation '" + photometric + "', which zolview cannot show");
+    }
+    refuseUnless(samples == (kind == PixelKind::Colour ? 3 : 1),
+                 "has " + std::to_string(samples) + " samples a pixel, which does not go with " + photometric);
+    return kind;
 }
 
 void readSize(const Attributes& attributes, StoredImage& image) {
@@ -87,34 +104,53 @@ PixelFormat readFormat(const Attributes& attributes) {
     return format;
 }
 
-/// The first frame's pixels, a word each.
-std::vector<std::uint16_t> readWords(DcmDataset& dataset, const StoredImage& image, const PixelFormat& format) {
-    const DcmXfer syntax(dataset.getOriginalXfer());
-    if (syntax.isEncapsulated() && !DcmCodecList::canChangeCoding(syntax.getXfer(), EXS_LittleEndianExplicit))
-        throw Refusal("is compressed as " + std::string(syntax.getXferName()) + ", which zolview cannot read yet");
+int readFrames(const Attributes& attributes) {
+    const double frames = attributes.number(DCM_NumberOfFrames).value_or(1.0);
+    return frames >= 1.0 && frames <= std::numeric_limits<int>::max() ? static_cast<int>(frames) : 1;
+}
 
-    DcmElement* element = nullptr;
-    dataset.findAndGetElement(DCM_PixelData, element);
-    auto* const pixelData = dynamic_cast<DcmPixelData*>(element);
-    if (pixelData == nullptr) throw Refusal("has Pixel Data that cannot be read");
+FrameShape readShape(const Attributes& attributes, const StoredImage& image, const PixelFormat& format) {
+    FrameShape shape;
+    shape.width = image.width;
+    shape.height = image.height;
+    shape.samples = std::max(attributes.count(DCM_SamplesPerPixel), 1);
+    shape.bitsAllocated = format.bitsAllocated;
+    shape.photometric = attributes.text(DCM_PhotometricInterpretation);
+    shape.planar = attributes.count(DCM_PlanarConfiguration) == 1;
+    shape.frames = readFrames(attributes);
+    return shape;
+}
 
+ColourLayout layoutOf(const Frame& frame, const StoredImage& image) {
+    ColourLayout layout;
+    layout.planar = frame.planar;
+    // Only where two pixels share their colour are there fewer than three words for each.
     const std::size_t pixels = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-    const std::size_t needed = pixels * (format.bitsAllocated == 8 ? 1 : 2);
-    if (!syntax.isEncapsulated() && pixelData->getLength(syntax.getXfer()) < needed)
-        throw Refusal("is truncated: its Pixel Data has " + std::to_string(pixelData->getLength(syntax.getXfer())) +
-                      " of " + std::to_string(needed) + " bytes");
+    if (frame.photometric == "RGB") {
+        layout.model = ColourModel::Rgb;
+    } else if (frame.photometric == "YBR_FULL" || frame.words.size() == pixels * 3) {
+        layout.model = ColourModel::YbrFull;
+    } else {
+        refuseUnless(image.width % 2 == 0, "has YBR_FULL_422 pixels in rows of an odd length, which cannot be");
+        layout.model = ColourModel::YbrFull422;
+    }
+    return layout;
+}
 
-    std::vector<Uint8> bytes(needed + needed % 2);
-    Uint32 fragment = 0;
-    OFString colourModel;
-    const OFCondition read = pixelData->getUncompressedFrame(&dataset, 0, fragment, bytes.data(),
-                                                             static_cast<Uint32>(bytes.size()), colourModel);
-    if (read.bad()) throw Refusal("has Pixel Data that cannot be decoded (" + std::string(read.text()) + ")");
-
-    if (format.bitsAllocated == 8) return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(pixels)};
-    std::vector<std::uint16_t> words(pixels);
-    std::memcpy(words.data(), bytes.data(), needed);
-    return words;
+/// The palette's colours for all words, looked up pixel by pixel. A grey map's palette would do for 256 colours; an
+/// image's may have 65536.
+void convertPalette(StoredImage& image, const std::vector<std::uint16_t>& words, const PixelFormat& format,
+                    const PaletteTables& tables, const std::optional<PaddingRange>& padding) {
+    std::vector<std::uint32_t> colours(deepLevels);
+    for (std::size_t word = 0; word < colours.size(); ++word) {
+        const int stored = format.value(static_cast<std::uint16_t>(word));
+        const bool isPadding = padding && stored >= padding->low && stored <= padding->high;
+        colours[word] = isPadding ? 0 : tables.colour(stored);
+    }
+    image.rgb8.resize(words.size());
+    const IppiSize size{image.width, image.height};
+    ZOLippiLUTPalette_16u32u_C1R(words.data(), image.width * 2, image.rgb8.data(), image.width * 4, size,
+                                 colours.data(), 16);
 }
 
 std::optional<PaddingRange> readPadding(const Attributes& attributes, const PixelFormat& format) {
@@ -126,41 +162,6 @@ std::optional<PaddingRange> readPadding(const Attributes& attributes, const Pixe
     const int one = asStored(*value);
     const int other = asStored(attributes.word(DCM_PixelPaddingRangeLimit).value_or(*value));
     return PaddingRange{std::min(one, other), std::max(one, other)};
-}
-
-void readRescale(const Attributes& attributes, StoredImage& image) {
-    refuseUnless(!attributes.hasItems(DCM_ModalityLUTSequence),
-                 "needs a Modality LUT Sequence, which zolview cannot apply yet");
-    const double slope = attributes.number(DCM_RescaleSlope).value_or(1.0);
-    const double intercept = attributes.number(DCM_RescaleIntercept).value_or(0.0);
-    if (std::abs(slope) < 1e-9 || std::abs(slope) > 1e9 || std::abs(intercept) > 1e9) {
-        image.notes.emplace_back("the rescale slope or intercept makes no sense; shown without them");
-        return;
-    }
-    image.slope = slope;
-    image.intercept = intercept;
-}
-
-void readWindow(const Attributes& attributes, StoredImage& image) {
-    const std::string function = attributes.text(DCM_VOILUTFunction);
-    if (function == "SIGMOID") image.function = WindowFunction::Sigmoid;
-    if (function == "LINEAR_EXACT") image.function = WindowFunction::LinearExact;
-
-    const std::optional<double> centre = attributes.number(DCM_WindowCenter);
-    const std::optional<double> width = attributes.number(DCM_WindowWidth);
-    if (centre && width) {
-        const Window window{*centre, *width};
-        if (isUsable(window, image.function)) {
-            image.window = window;
-        } else {
-            image.notes.push_back("the file's window has a width of " + attributes.texts(DCM_WindowWidth).front() +
-                                  "; shown with the full range of values instead");
-        }
-    } else if (attributes.has(DCM_WindowCenter) || attributes.has(DCM_WindowWidth)) {
-        image.notes.emplace_back("the file's window cannot be read; shown with the full range of values instead");
-    } else {
-        image.needsWindow = attributes.hasItems(DCM_VOILUTSequence);
-    }
 }
 
 /// Whichever attribute gives the shape of a pixel: the spacings are measured, and give its size too; the ratio is what
@@ -249,30 +250,73 @@ std::vector<std::pair<std::string, std::string>> DicomFile::summary() const {
     out.emplace_back("photometric", attributes.text(DCM_PhotometricInterpretation));
     out.emplace_back("bits", attributes.text(DCM_BitsStored) + " stored in " + attributes.text(DCM_BitsAllocated) +
                                  (attributes.count(DCM_PixelRepresentation) == 1 ? ", signed" : ", unsigned"));
-    const std::string frames = attributes.text(DCM_NumberOfFrames);
-    if (!frames.empty() && frames != "1") out.emplace_back("frames", frames + " (the first one is shown)");
+    const int frames = readFrames(attributes);
+    if (frames != 1) out.emplace_back("frames", std::to_string(frames));
     return out;
 }
 
-StoredImage DicomFile::image() const {
+StoredImage DicomFile::image(int frame) const {
     DcmDataset& dataset = *parts_->file.getDataset();
-    const Attributes attributes(dataset);
+    const Attributes attributes(dataset, frame - 1);
     StoredImage image;
-    checkKind(attributes);
+    const PixelKind kind = readKind(attributes);
     readSize(attributes, image);
     const PixelFormat format = readFormat(attributes);
-    readRescale(attributes, image);
-    readWindow(attributes, image);
+    const FrameShape shape = readShape(attributes, image, format);
+    refuseUnless(frame >= 1 && frame <= shape.frames, "has " + std::to_string(shape.frames) +
+                                                          (shape.frames == 1 ? " frame" : " frames") +
+                                                          "; there is no frame " + std::to_string(frame));
     readPixelShape(attributes, image);
-    // MONOCHROME1 and the presentation shape INVERSE say the same thing; an image that has both is inverted once.
-    image.inverted = attributes.text(DCM_PhotometricInterpretation) == "MONOCHROME1" ||
-                     attributes.text(DCM_PresentationLUTShape) == "INVERSE";
     readShutters(attributes, image);
 
-    const std::vector<std::uint16_t> words = readWords(dataset, image, format);
-    readOverlays(image, dataset, words, format);
-    convertSamples(image, words, format, readPadding(attributes, format), embeddedBits(image));
+    const Frame pixels = readFrame(dataset, shape, frame - 1);
+    if (kind == PixelKind::Colour) {
+        refuseUnless(!format.isSigned, "has signed colours, which cannot be");
+        convertColours(image, pixels.words, format, layoutOf(pixels, image));
+        readOverlays(image, dataset, frame - 1, {}, format);
+        return image;
+    }
+    const std::optional<PaddingRange> padding = readPadding(attributes, format);
+    if (kind == PixelKind::Palette) {
+        convertPalette(image, pixels.words, format, readPaletteTables(attributes, format.isSigned), padding);
+        readOverlays(image, dataset, frame - 1, pixels.words, format);
+        return image;
+    }
+    readOverlays(image, dataset, frame - 1, pixels.words, format);
+    convertSamples(image, pixels.words, format, padding, embeddedBits(image));
+    // MONOCHROME1 and the presentation shape INVERSE say the same thing; an image that has both is inverted once.
+    image.inverted = shape.photometric == "MONOCHROME1";
+    if (const auto modality = readModality(attributes, format.isSigned, image.notes)) apply(image, *modality);
+    if (const auto presentation = readPresentation(attributes)) {
+        image.presentation = presentation->table;
+        image.inverted = image.inverted || presentation->inverse;
+    }
+    image.voi = readVoi(attributes, outputMayBeNegative(image));
+    chooseFirstVoi(image);
     return image;
+}
+
+DisplayTables DicomFile::tables(bool signedStored, bool signedOutput) const {
+    DcmDataset& dataset = *parts_->file.getDataset();
+    const Attributes attributes(dataset);
+    DisplayTables tables;
+    std::vector<std::string> notes;
+    tables.modality = readModality(attributes, signedStored, notes);
+    if (!notes.empty()) throw Refusal("has a rescale slope or intercept that makes no sense");
+    tables.voi = readVoi(attributes, signedOutput);
+    // Presentation states keep theirs in a sequence, an item for each group of images.
+    for (DcmItem* const item : attributes.items(DCM_SoftcopyVOILUTSequence)) {
+        std::vector<VoiChoice> more = readVoi(Attributes(*item), signedOutput);
+        tables.voi.insert(tables.voi.end(), more.begin(), more.end());
+    }
+    tables.presentation = readPresentation(attributes);
+    return tables;
+}
+
+Palette DicomFile::palette() const {
+    const Attributes attributes(*parts_->file.getDataset());
+    refuseUnless(attributes.has(DCM_RedPaletteColorLookupTableDescriptor), "contains no palette");
+    return toPalette(readPaletteTables(attributes, false));
 }
 
 }  // namespace zolview

@@ -31,8 +31,9 @@ std::vector<unsigned char> overlayBytes(DcmItem& dataset, const DcmTagKey& tag) 
 
 class GroupReader {
 public:
-    GroupReader(StoredImage& image, DcmItem& dataset, std::span<const std::uint16_t> words, const PixelFormat& format)
-        : image_(image), dataset_(dataset), attributes_(dataset), words_(words), format_(format) {}
+    GroupReader(StoredImage& image, DcmItem& dataset, int frame, std::span<const std::uint16_t> words,
+                const PixelFormat& format)
+        : image_(image), dataset_(dataset), attributes_(dataset), frame_(frame), words_(words), format_(format) {}
 
     void read(std::uint16_t group) {
         group_ = group;
@@ -60,8 +61,8 @@ private:
         const int rows = attributes_.count(tag(0x0010));
         const int columns = attributes_.count(tag(0x0011));
         if (rows == 0 || columns == 0) return note("has no rows or no columns; not drawn");
-        // A plane of several frames belongs to the image frames from its Image Frame Origin on; we show frame 1.
-        if (attributes_.number(tag(0x0051)).value_or(1.0) > 1.0) return note("belongs to a later frame; not drawn");
+        const std::optional<int> part = partForFrame();
+        if (!part) return note("belongs to other frames; not drawn");
 
         std::vector<double> origin = attributes_.numbers(tag(0x0050));
         if (origin.size() < 2) {
@@ -69,20 +70,34 @@ private:
             origin = {1.0, 1.0};
         }
         const std::vector<unsigned char> bytes = overlayBytes(dataset_, tag(0x3000));
-        if (bytes.size() * 8 < static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns))
+        const std::size_t bits = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
+        const std::size_t firstBit = bits * static_cast<std::size_t>(*part);
+        if (bytes.size() * 8 < firstBit + bits)
             note("is shorter than its rows and columns need; the missing part is empty");
-        std::optional<OverlayPlane> plane =
-            placePlane(fromRowColumn(origin[0], origin[1]), rows, columns, bytes, 0, image_.width, image_.height);
+        std::optional<OverlayPlane> plane = placePlane(fromRowColumn(origin[0], origin[1]), rows, columns, bytes,
+                                                       firstBit, image_.width, image_.height);
         if (!plane) return note("lies outside the image");
         plane->kind = kind;
         image_.overlays.push_back(std::move(*plane));
     }
 
+    /// Which of its parts a plane has for the frame: of a plane of several frames, which go with the image's frames
+    /// from its Image Frame Origin on, one of these. A plane that says nothing about frames goes with all of them.
+    [[nodiscard]] std::optional<int> partForFrame() const {
+        const std::optional<double> count = attributes_.number(tag(0x0015));
+        const std::optional<double> origin = attributes_.number(tag(0x0051));
+        if (!count && !origin) return 0;
+        const double part = frame_ + 1 - origin.value_or(1.0);
+        constexpr double most = 1e6;
+        if (part < 0.0 || part >= std::min(count.value_or(1.0), most)) return std::nullopt;
+        return static_cast<int>(part);
+    }
+
     void readEmbedded(PlaneKind kind) {
         const int bit = attributes_.count(tag(0x0102));
-        if (bit >= format_.bitsAllocated || ((format_.valueBits() >> bit) & 1) != 0)
+        if (words_.empty() || bit >= format_.bitsAllocated || ((format_.valueBits() >> bit) & 1) != 0)
             return note("is said to be in bit " + std::to_string(bit) + " of the pixels, which is not free; not drawn");
-        if (bit >= 12) {
+        if (bit >= 12 && format_.bitsStored <= 12 && !image_.isColour()) {
             image_.embedded.push_back({bit, kind});
             return;
         }
@@ -94,6 +109,7 @@ private:
     StoredImage& image_;
     DcmItem& dataset_;
     Attributes attributes_;
+    int frame_;
     std::span<const std::uint16_t> words_;
     PixelFormat format_;
     std::uint16_t group_ = 0;
@@ -101,9 +117,9 @@ private:
 
 }  // namespace
 
-void readOverlays(StoredImage& image, DcmItem& dataset, std::span<const std::uint16_t> words,
+void readOverlays(StoredImage& image, DcmItem& dataset, int frame, std::span<const std::uint16_t> words,
                   const PixelFormat& format) {
-    GroupReader reader(image, dataset, words, format);
+    GroupReader reader(image, dataset, frame, words, format);
     for (int group = 0x6000; group <= 0x601E; group += 2) reader.read(static_cast<std::uint16_t>(group));
 }
 

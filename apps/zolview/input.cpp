@@ -1,6 +1,8 @@
 #include "input.h"
 
 #include "dicom_input.h"
+#include "grey_transform.h"
+#include "lut_choice.h"
 #include "phantom.h"
 
 #include <sstream>
@@ -56,28 +58,103 @@ void addOverlays(Lines& lines, const StoredImage& image) {
         lines.add("overlay", kind(plane.kind), ", in bit ", plane.bit, " of the pixels");
 }
 
-void addImage(Lines& lines, const StoredImage& image) {
-    const auto output = [&image](int level) { return image.slope * (level + image.lowest) + image.intercept; };
-    lines.add("values", "stored ", image.minLevel + image.lowest, " to ", image.maxLevel + image.lowest, ", output ",
-              output(image.minLevel), " to ", output(image.maxLevel));
-    lines.add("pixel height to width", image.ratioYx);
-    if (image.window) {
-        lines.add("window", "centre ", image.window->centre, ", width ", image.window->width,
-                  functionName(image.function));
-    } else {
-        lines.add("window", image.needsWindow ? "none, but a VOI LUT" : "none; shown with the full range of values");
+std::string inQuotes(const std::string& name) { return name.empty() ? "" : ", \"" + name + "\""; }
+
+void addTable(Lines& lines, const std::string& what, const LookupTable& table, const std::string& name) {
+    lines.add(what, "table of ", table.entries.size(), " entries from ", table.first, ", ", table.bits, " bits",
+              inQuotes(name));
+}
+
+void addVoi(Lines& lines, const std::vector<VoiChoice>& choices) {
+    if (choices.empty()) lines.add("voi", "none; shown with the full range of values");
+    int number = 0;
+    for (const VoiChoice& choice : choices) {
+        const std::string what = "voi " + std::to_string(++number);
+        if (!choice.flaw.empty()) {
+            lines.add(what, choice.table ? "table" : "window", ", cannot be applied: ", choice.flaw,
+                      inQuotes(choice.name));
+        } else if (choice.table) {
+            addTable(lines, what, *choice.table, choice.name);
+        } else {
+            lines.add(what, "window, centre ", choice.window.centre, ", width ", choice.window.width,
+                      functionName(choice.function), inQuotes(choice.name));
+        }
     }
+}
+
+void addGrey(Lines& lines, const StoredImage& image) {
+    const GreyTransform transform(image, {});
+    lines.add("values", "stored ", image.minLevel + image.lowest, " to ", image.maxLevel + image.lowest, ", output ",
+              transform.output(image.minLevel), " to ", transform.output(image.maxLevel));
+    if (image.modality) addTable(lines, "modality", *image.modality, "");
+    addVoi(lines, image.voi);
+    if (image.presentation) addTable(lines, "presentation", *image.presentation, "");
     lines.add("low values", image.inverted ? "white" : "black");
     if (!image.padding.empty()) lines.add("padding", "some values are no part of the picture and stay black");
+}
+
+void addImage(Lines& lines, const StoredImage& image) {
+    lines.add("pixel height to width", image.ratioYx);
+    if (!image.isColour()) addGrey(lines, image);
     addShutters(lines, image.shutters);
     addOverlays(lines, image);
     for (const std::string& note : image.notes) lines.add("note", note);
 }
 
+/// Does something with a file other than the input, whose name goes with whatever is refused.
+template <typename Action>
+auto withFile(const std::string& file, Action action) {
+    try {
+        return action();
+    } catch (const Refusal& refusal) {
+        throw FileRefusal(file, refusal.what());
+    }
+}
+
+DisplayTables loadTables(const std::string& file, const StoredImage& image) {
+    return DicomFile(file).tables(image.lowest < 0, outputMayBeNegative(image));
+}
+
+template <typename Part>
+const Part& wanted(const std::optional<Part>& part, const std::string& name) {
+    if (!part) throw Refusal("has no " + name);
+    return *part;
+}
+
+void useTables(StoredImage& image, const LoadOptions& options) {
+    if (!options.modalityFile.empty())
+        withFile(options.modalityFile, [&] {
+            apply(image, wanted(loadTables(options.modalityFile, image).modality, "Modality LUT and no rescale slope"));
+        });
+    if (!options.voiFile.empty())
+        withFile(options.voiFile, [&] {
+            image.voi = loadTables(options.voiFile, image).voi;
+            if (image.voi.empty()) throw Refusal("has no window and no VOI LUT");
+            chooseVoi(image, options.voi.value_or(1));
+        });
+    if (!options.presentationFile.empty())
+        withFile(options.presentationFile, [&] {
+            apply(image,
+                  wanted(loadTables(options.presentationFile, image).presentation, "Presentation LUT and no shape"));
+        });
+}
+
 }  // namespace
 
-StoredImage loadInput(const std::string& input) {
-    return input == phantomWord ? makePhantom() : DicomFile(input).image();
+StoredImage loadInput(const std::string& input, const LoadOptions& options) {
+    if (input == phantomWord && options.frame != 1) throw Refusal("has one frame only");
+    StoredImage image = input == phantomWord ? makePhantom() : DicomFile(input).image(options.frame);
+    const bool wantsGrey =
+        options.voi || !options.modalityFile.empty() || !options.voiFile.empty() || !options.presentationFile.empty();
+    if (image.isColour() && wantsGrey) throw Refusal("is a colour image, which has no windows and tables to choose");
+    useTables(image, options);
+    if (options.voi && options.voiFile.empty()) chooseVoi(image, *options.voi);
+    return image;
+}
+
+Palette loadPalette(const std::string& nameOrFile) {
+    if (const auto palette = wellKnownPalette(nameOrFile)) return *palette;
+    return DicomFile(nameOrFile).palette();
 }
 
 std::string describeInput(const std::string& input) {

@@ -20,12 +20,14 @@ constexpr int exitUsage = 2;
 
 constexpr const char* description = R"(zolview shows medical images: a DICOM file in, a PNG picture or a PDF page out.
 
-INPUT is a DICOM file (grey, up to 12 significant bits; uncompressed, RLE, JPEG or JPEG-LS; of several
-frames the first) or the word 'phantom', a built-in test picture that needs no file.
+INPUT is a DICOM file (grey or colour, up to 16 bits a sample; uncompressed, RLE, JPEG, JPEG-LS or JPEG 2000)
+or the word 'phantom', a built-in test picture that needs no file.
 
   zolview render phantom -o phantom.png
   zolview render ct.dcm -o bone.png --window 300/1500 --size 1024x1024
   zolview render chest.dcm -o part.png --zoom 3 --pan -200,100
+  zolview render mammogram.dcm -o softer.png --voi 3
+  zolview render pet.dcm -o hot.png --frame 12 --palette HOT_IRON
   zolview render phantom -o marked.png --annotate figures.json
   zolview print ct.dcm -o ct.pdf --landscape --true-size
   zolview info ct.dcm)";
@@ -57,12 +59,34 @@ void addAnnotationOptions(CLI::App& command, RenderOptions& options, std::string
         ->needs(annotate);
 }
 
+/// Which image, and by which tables.
+void addLoadOptions(CLI::App& command, LoadOptions& load) {
+    command.add_option("--frame", load.frame, "Of several frames the one with this number, from 1")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("N");
+    command.add_option("--voi", load.voi, "The window or VOI LUT with this number on the list of 'zolview info'")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("N")
+        ->excludes("--window");
+    const auto addFile = [&command](const char* name, std::string& file, const char* help) {
+        command.add_option(name, file, help)->type_name("FILE.dcm");
+    };
+    addFile("--modality-lut", load.modalityFile, "Take the Modality LUT, or slope and intercept, from another file");
+    addFile("--voi-lut", load.voiFile, "Take the windows and VOI LUTs from another file, such as a presentation state");
+    addFile("--presentation-lut", load.presentationFile, "Take the Presentation LUT, or its shape, from another file");
+}
+
 /// What concerns the image, wherever it is shown.
-void addImageOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile) {
+void addImageOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile, std::string& palette) {
     addParsed(command, "--window",
               "Values from black to white, in the image's units such as HU (default: the file's, or else all)",
               "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers, the width 1 or more", parseWindow,
               [&options](Window window) { options.window = window; });
+    command
+        .add_option("--palette", palette,
+                    "Show grey in colours: HOT_IRON, PET, HOT_METAL_BLUE, PET_20_STEP, SPRING, SUMMER, FALL, WINTER, "
+                    "or the palette of a file")
+        ->type_name("NAME|FILE.dcm");
     command
         .add_option_function<std::string>(
             "--flip",
@@ -119,17 +143,18 @@ void tell(const std::string& input, const std::vector<std::string>& notes) {
     for (const std::string& note : notes) std::cerr << "zolview: " << input << ": " << note << '\n';
 }
 
-void renderToFile(const std::string& input, const std::string& output, const RenderOptions& options) {
-    const StoredImage image = loadInput(input);
+void renderToFile(const std::string& input, const LoadOptions& load, const std::string& output,
+                  const RenderOptions& options) {
+    const StoredImage image = loadInput(input, load);
     std::vector<std::string> notes = image.notes;
     const Picture picture = render(image, options, notes);
     tell(input, notes);
     writePng(picture, output);
 }
 
-void printToFile(const std::string& input, const std::string& output, const RenderOptions& options,
-                 const PrintOptions& page) {
-    const StoredImage image = loadInput(input);
+void printToFile(const std::string& input, const LoadOptions& load, const std::string& output,
+                 const RenderOptions& options, const PrintOptions& page) {
+    const StoredImage image = loadInput(input, load);
     std::vector<std::string> notes = image.notes;
     printPdf(image, options, page, output, notes);
     tell(input, notes);
@@ -148,6 +173,8 @@ template <typename Action>
 int attempt(const std::string& file, Action action) {
     try {
         action();
+    } catch (const FileRefusal& refusal) {
+        return fail(exitRefused, refusal.file() + ": " + refusal.what());
     } catch (const Refusal& refusal) {
         return fail(exitRefused, file + ": " + refusal.what());
     } catch (const std::bad_alloc&) {
@@ -164,6 +191,8 @@ int main(int argc, char** argv) {
     std::string input;
     std::string output;
     std::string annotationFile;
+    std::string palette;
+    LoadOptions load;
     RenderOptions options;
     PrintOptions page;
 
@@ -181,7 +210,10 @@ int main(int argc, char** argv) {
     renderCommand.footer(footer);
     addViewOptions(renderCommand, options);
     addPageOptions(printCommand, page);
-    for (CLI::App* const command : {&renderCommand, &printCommand}) addImageOptions(*command, options, annotationFile);
+    for (CLI::App* const command : {&renderCommand, &printCommand}) {
+        addImageOptions(*command, options, annotationFile, palette);
+        addLoadOptions(*command, load);
+    }
 
     try {
         app.parse(argc, argv);
@@ -194,11 +226,15 @@ int main(int argc, char** argv) {
         const int status = attempt(annotationFile, [&] { options.annotations = readAnnotations(annotationFile); });
         if (status != 0) return status;
     }
+    if (!palette.empty()) {
+        const int status = attempt(palette, [&] { options.palette = loadPalette(palette); });
+        if (status != 0) return status;
+    }
     return attempt(input, [&] {
         if (renderCommand.parsed()) {
-            renderToFile(input, output, options);
+            renderToFile(input, load, output, options);
         } else if (printCommand.parsed()) {
-            printToFile(input, output, options, page);
+            printToFile(input, load, output, options, page);
         } else {
             std::cout << describeInput(input);
         }

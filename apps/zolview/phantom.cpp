@@ -167,7 +167,8 @@ StoredImage makePhantom() {
     image.samples.assign(static_cast<std::size_t>(phantomWidth) * phantomHeight, background);
     image.padding = BitPlane(phantomWidth, phantomHeight);
     image.maxLevel = white;
-    image.window = Window{rasterLevels / 2.0, rasterLevels};
+    image.voi = {{"", Window{rasterLevels / 2.0, rasterLevels}, WindowFunction::Linear, {}, {}}};
+    image.window = image.voi.front().window;
 
     Canvas canvas(image);
     const auto whiteDot = [&canvas](int x, int y) { canvas.set(x, y, white); };

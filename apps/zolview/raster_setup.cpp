@@ -1,5 +1,6 @@
 #include "raster_setup.h"
 
+#include "colour_map.h"
 #include "image_pixels.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
@@ -47,13 +48,29 @@ BitPlane hiddenPixels(const StoredImage& image) {
     return hidden;
 }
 
+int rasterType(const StoredImage& image) {
+    if (image.isColour()) return CCS_RGB8;
+    return image.levels == deepLevels ? CCS_GREY16 : CCS_GREY12;
+}
+
+/// The pixels of a colour raster under the set bits of a plane, which lies inside it.
+void paintBits(const ImagePixels<std::uint32_t>& pixels, const BitPlane& bits, Point origin, std::uint32_t colour) {
+    for (int y = 0; y < bits.height(); ++y)
+        for (int x = 0; x < bits.width(); ++x)
+            if (bits.get(x, y)) pixels.row(origin.y + y)[origin.x + x] = colour;
+}
+
 }  // namespace
 
-RasterSetup::RasterSetup(const StoredImage& image, bool withShutters, bool withOverlays)
-    : raster_(image.width, image.height, CCS_GREY12, image.ratioYx, true, false), padding_(image.padding) {
+RasterSetup::RasterSetup(const StoredImage& image, const RenderOptions& options)
+    : raster_(image.width, image.height, rasterType(image), image.ratioYx, true, false), padding_(image.padding) {
+    if (image.isColour()) {
+        showColours(image, options);
+        return;
+    }
     copySamples(image);
-    if (withShutters) setShutters(image);
-    if (withOverlays) setOverlays(image);
+    if (options.shutters) setShutters(image);
+    if (options.overlays) setOverlays(image);
 }
 
 void RasterSetup::copySamples(const StoredImage& image) {
@@ -61,17 +78,42 @@ void RasterSetup::copySamples(const StoredImage& image) {
     ImagePixels<std::uint16_t>(raster_).forEach([&sample](std::uint16_t& pixel) { pixel = *sample++; });
 }
 
+void RasterSetup::showColours(const StoredImage& image, const RenderOptions& options) {
+    mapColours(image, options.window, raster_);
+    const ImagePixels<std::uint32_t> pixels(raster_);
+    if (options.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
+    if (options.shutters && image.shutters.any()) {
+        const std::uint32_t grey = (image.shutters.presentationValue >> 8) * 0x010101U;
+        paintBits(pixels, hiddenPixels(image), {0, 0}, grey);
+    }
+    if (!options.overlays) return;
+    // The first plane lies on top, as it does on grey images.
+    for (auto plane = image.overlays.rbegin(); plane != image.overlays.rend(); ++plane)
+        paintBits(pixels, plane->bits, plane->origin, colourOf(plane->kind));
+}
+
+bool RasterSetup::firstPixelIsPadding() const {
+    const auto covers = [](const OverlayPlane& plane) { return plane.origin == Point{} && plane.bits.get(0, 0); };
+    return !padding_.empty() && padding_.get(0, 0) && std::none_of(planes_.begin(), planes_.end(), covers);
+}
+
 void RasterSetup::burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted) {
+    overlay.setDicomPrintFlag(true);
+    if (raster_.getType() != CCS_RGB8) return burnInGrey(map, overlay, trafo, font, inverted);
+    constexpr unsigned long white = 0xFFFFFF;
+    if (raster_.burnInOverlay(map, &overlay, &trafo, font, white) != 255) throw Refusal("not enough memory to burn in");
+}
+
+void RasterSetup::burnInGrey(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted) {
     // Merging takes any value beyond the level's bits for a line.
-    constexpr std::uint16_t levelBits = rasterLevels - 1;
-    constexpr unsigned int depth = 12;
+    const unsigned int depth = raster_.getType() == CCS_GREY16 ? 16 : 12;
+    const std::uint32_t levelBits = (1U << depth) - 1U;
     std::vector<std::uint16_t> planes;
-    ImagePixels<std::uint16_t>(raster_).forEach([&planes](std::uint16_t& sample) {
+    ImagePixels<std::uint16_t>(raster_).forEach([&planes, levelBits](std::uint16_t& sample) {
         planes.push_back(static_cast<std::uint16_t>(sample & ~levelBits));
         sample = static_cast<std::uint16_t>(sample & levelBits);
     });
-    overlay.setDicomPrintFlag(true);
-    if (raster_.burnInOverlay(map, &overlay, depth, &trafo, font, depth - 1, inverted) != 255)
+    if (raster_.burnInOverlay(map, &overlay, depth, &trafo, font, static_cast<int>(depth) - 1, inverted) != 255)
         throw Refusal("not enough memory to burn in");
     auto plane = planes.begin();
     ImagePixels<std::uint16_t>(raster_).forEach(

@@ -1,6 +1,7 @@
 // A stored image as the library's raster, with all that belongs to it.
 #pragma once
 
+#include "render_options.h"
 #include "stored_image.h"
 #include "zolcs/ccsraster.h"
 
@@ -13,29 +14,35 @@ namespace zolview {
 inline constexpr unsigned int graphicsColour = 0xFFC000;  // amber
 inline constexpr unsigned int regionColour = 0x00D0FF;    // cyan
 
-/// The raster of an image, with its shutters and overlay planes as far as they are wanted. Owns the bit planes to which
-/// the raster's records refer.
+/// The raster of an image, with its shutters and overlay planes as far as they are wanted: as the library's own for
+/// grey images, in the pixels of colour images, for which it has none. Owns the bit planes to which the raster's
+/// records refer.
 class RasterSetup {
 public:
-    RasterSetup(const StoredImage& image, bool withShutters, bool withOverlays);
+    /// Of a colour image, the raster has display colours, in which `options` are already done.
+    RasterSetup(const StoredImage& image, const RenderOptions& options);
 
     [[nodiscard]] CCsRaster& raster() { return raster_; }
     /// The padding bits, null where there are none.
     [[nodiscard]] unsigned char* padding() { return padding_.empty() ? nullptr : padding_.data(); }
+    /// The first pixel is padding, and no overlay plane lies on it.
+    [[nodiscard]] bool firstPixelIsPadding() const;
     /// Sixteen colours by the bits 12 to 15 of a pixel.
     [[nodiscard]] unsigned int* embeddedColours() { return embeddedColours_.data(); }
     /// Sixteen colours by a plane's position.
     [[nodiscard]] unsigned int* planeColours() { return planeColours_.data(); }
 
     /// Writes an overlay into the pixels: lines in the highest level and shadows in the lowest, the other way round
-    /// when `inverted`, so that lines are white on the screen. Embedded planes stay what they are. The transformation
-    /// brings the image onto itself.
+    /// when `inverted`, so that lines are white on the screen; in colour images, lines are white. Embedded planes stay
+    /// what they are. The transformation brings the image onto itself.
     void burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
 
 private:
     void copySamples(const StoredImage& image);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
+    void showColours(const StoredImage& image, const RenderOptions& options);
+    void burnInGrey(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
 
     CCsRaster raster_;
     BitPlane padding_;

@@ -1,12 +1,13 @@
 #include "render.h"
 
 #include "annotation_overlay.h"
+#include "colour_map.h"
 #include "fonts.h"
+#include "grey_map.h"
 #include "host_window.h"
 #include "image_pixels.h"
 #include "raster_setup.h"
 #include "report_log.h"
-#include "windowing.h"
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccscolorman.h"
 #include "zolcs/ccsframe.h"
@@ -14,6 +15,7 @@
 #include "zolcs/ccsnearest.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -28,18 +30,6 @@ constexpr unsigned char marker = 1;
 bool isQuarterTurn(double degrees) {
     const double turn = std::fmod(std::abs(degrees), 180.0);
     return std::abs(turn - 90.0) < 1.0;
-}
-
-RasterWindow chooseWindow(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes) {
-    const std::optional<Window> window = options.window ? options.window : image.window;
-    if (!window && image.needsWindow)
-        throw Refusal(
-            "needs a VOI LUT Sequence, which zolview cannot apply yet; --window CENTRE/WIDTH shows it without");
-    if (!window) return fullRange(image);
-    const RasterWindow chosen = toRasterWindow(image, *window, image.function);
-    if (chosen.sigmoidReplaced)
-        notes.emplace_back("the sigmoid window lies beyond the stored values; shown as a straight line");
-    return chosen;
 }
 
 /// The view in its documented order: flip, rotate, zoom, pan.
@@ -72,18 +62,23 @@ CCs2dTrafo makeView(const CCsRaster& raster, const CCsFrame& frame, const Render
     return view;
 }
 
-std::unique_ptr<IGreyMap> makeMap(const RasterWindow& window, CCsColorMapT& palette, RasterSetup& setup) {
-    std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Grey12));
-    auto* const grey = dynamic_cast<IGreyMap*>(map.get());
-    if (grey == nullptr) throw Refusal("not enough memory");
-    std::unique_ptr<IGreyMap> out(grey);
-    static_cast<void>(map.release());
-    if (window.sigmoid) out->enableSigmoid();
-    out->setOverlayColors(setup.embeddedColours(), setup.planeColours());
-    out->setColorMapIndex(&palette);
-    out->setWindow(static_cast<unsigned int>(window.centre), window.width);
-    return out;
+/// The palette in which a grey image is shown, with black and white exchanged where that is wanted.
+CCsColorMan makePalette(const std::optional<Palette>& colours, bool inverted) {
+    CCsColorMan palette;
+    if (colours) {
+        std::array<RGBQUAD, 256> quads{};
+        std::transform(colours->begin(), colours->end(), quads.begin(), [](std::uint32_t pixel) {
+            return RGBQUAD{static_cast<BYTE>(pixel & 0xFFU), static_cast<BYTE>((pixel >> 8U) & 0xFFU),
+                           static_cast<BYTE>((pixel >> 16U) & 0xFFU), 0};
+        });
+        palette.convertToColor(quads.data());
+    }
+    if (inverted) palette.invertPalette();
+    return palette;
 }
+
+/// The grey of what lies outside the image, as a display pixel.
+unsigned long backgroundPixel(int grey) { return static_cast<unsigned long>(grey) * 0x010101UL; }
 
 /// One value for each pixel of the frame: whether the resampler took it for background.
 std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, IMap& map) {
@@ -97,7 +92,7 @@ std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo&
 void fillBackground(CCsFrame& frame, const std::vector<bool>& background, int grey) {
     auto isBackground = background.begin();
     ImagePixels<std::uint32_t>(frame).forEach([&](std::uint32_t& pixel) {
-        if (*isBackground++) pixel = static_cast<std::uint32_t>(grey) * 0x010101U;
+        if (*isBackground++) pixel = static_cast<std::uint32_t>(backgroundPixel(grey));
     });
 }
 
@@ -110,6 +105,12 @@ void resample(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IMap& map, 
     CCsNearest().nearestGrey12IndexMap(setup.raster(), frame, view, &map, setup.padding(), 0);
     ReportLog::check();
     if (background != 0) fillBackground(frame, outside, background);
+}
+
+/// A raster of display colours, in which shutters, planes and padding are already done.
+void resampleColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, int background) {
+    CCsNearest().nearestRgb8Rgb8(raster, frame, view, backgroundPixel(background));
+    ReportLog::check();
 }
 
 /// Large enough to be read on the whole image, in pixels of the image.
@@ -127,6 +128,46 @@ void burnIn(RasterSetup& setup, CCs2dTrafo& view, IMap& map, const std::vector<A
     const Font font(burnInFontHeight(raster), Font::Edges::Hard);
     setup.burnIn(map, *overlay.group(), onto, font.handle(), inverted);
     ReportLog::check();
+}
+
+/// The raster of 16-bit greys as it is shown. It is mapped as a whole before it is resampled, since the table that
+/// resampling is given by a map repeats entries of the first 12 bits further up.
+void drawDeepGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map, int background) {
+    CCsRaster& raster = setup.raster();
+    const int width = raster.getWidth();
+    const int height = raster.getHeight();
+    CCsRaster shown(width, height, CCS_RGB8, raster.getRatioYx(), true, false);
+    if (map.mapRaster(raster, shown, {0, 0, width, height}, true, setup.padding(), nullptr) != 255)
+        throw Refusal("the values could not be mapped");
+    ReportLog::check();
+    // Mapping never takes the first pixel for padding.
+    if (setup.firstPixelIsPadding()) *ImagePixels<std::uint32_t>(shown).row(0) = 0;
+    resampleColours(shown, frame, view, background);
+}
+
+void drawGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const StoredImage& image,
+              const RenderOptions& options) {
+    const std::unique_ptr<IGreyMap> map = makeGreyMap(GreyTransform(image, options.window));
+    CCsColorMan palette = makePalette(options.palette, image.inverted != options.invert);
+    CCsColorMapT colours;
+    palette.getColorMap(colours);
+    map->setOverlayColors(setup.embeddedColours(), setup.planeColours());
+    map->setColorMapIndex(&colours);
+
+    // What is burnt in is part of the image, which --invert turns round as a whole.
+    if (options.burnIn)
+        burnIn(setup, view, *map, options.annotations, fallsFromWhite(*map, image.levels) != options.invert);
+    if (image.levels == deepLevels) {
+        drawDeepGrey(setup, frame, view, *map, options.background);
+    } else {
+        resample(setup, frame, view, *map, options.background);
+    }
+}
+
+void drawColours(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const StoredImage& image,
+                 const RenderOptions& options) {
+    if (options.burnIn) burnIn(setup, view, *makeColourMap(image, options.window), options.annotations, false);
+    resampleColours(setup.raster(), frame, view, options.background);
 }
 
 void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window, CCsOverlay* annotations) {
@@ -164,19 +205,15 @@ Refusal noMemory(const StoredImage& image, Size size) {
 
 CCs2dTrafo drawImage(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes,
                      CCsFrame& frame) {
-    const RasterWindow window = chooseWindow(image, options, notes);
-    RasterSetup setup(image, options.shutters, options.overlays);
+    RasterSetup setup(image, options);
+    ReportLog::check();
     CCs2dTrafo view = makeView(setup.raster(), frame, options);
-
-    const bool inverted = image.inverted != window.reversed;
-    CCsColorMan palette;
-    if (inverted != options.invert) palette.invertPalette();
-    CCsColorMapT colours;
-    palette.getColorMap(colours);
-    const std::unique_ptr<IGreyMap> map = makeMap(window, colours, setup);
-
-    if (options.burnIn) burnIn(setup, view, *map, options.annotations, inverted);
-    resample(setup, frame, view, *map, options.background);
+    if (image.isColour()) {
+        if (options.palette) notes.emplace_back("has its own colours; the palette is not used");
+        drawColours(setup, frame, view, image, options);
+    } else {
+        drawGrey(setup, frame, view, image, options);
+    }
     return view;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "annotations.h"
+#include "palette.h"
 #include "stored_image.h"
 
 #include <optional>
@@ -43,6 +44,8 @@ struct RenderOptions {
     /// Pixels of the picture, to the right and down.
     Pan pan;
     bool invert = false;
+    /// In which grey images are shown, in place of greys.
+    std::optional<Palette> palette;
     bool overlays = true;
     bool shutters = true;
     /// Grey of what lies outside the image, 0 to 255.

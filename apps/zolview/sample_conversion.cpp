@@ -1,8 +1,6 @@
 #include "sample_conversion.h"
 
 #include <algorithm>
-#include <bit>
-#include <string>
 
 namespace zolview {
 
@@ -48,14 +46,9 @@ void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, co
                     std::optional<PaddingRange> padding, std::uint16_t embeddedBits) {
     const Extremes extremes = findExtremes(words, format, padding);
     const int range = extremes.high - extremes.low;
-    if (format.bitsStored > 12 && range >= rasterLevels) {
-        const auto bits = std::bit_width(static_cast<unsigned int>(range));
-        throw Refusal("its values range from " + std::to_string(extremes.low) + " to " + std::to_string(extremes.high) +
-                      ", which needs " + std::to_string(bits) + " bits; zolview shows up to 12");
-    }
-
     // Up to 12 bits the levels do not depend on the pixels, so that pictures of one series compare level by level.
-    if (format.bitsStored > 12) {
+    image.levels = format.bitsStored > 12 && range >= rasterLevels ? deepLevels : rasterLevels;
+    if (format.bitsStored > 12 && image.levels == rasterLevels) {
         image.lowest = extremes.low;
     } else {
         image.lowest = format.isSigned ? -(1 << (format.bitsStored - 1)) : 0;
@@ -69,7 +62,7 @@ void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, co
         const int value = format.value(words[i]);
         if (isPadding(padding, value)) image.padding.setBit(i);
         // Padding may lie outside the levels; its own are never shown.
-        const int level = std::clamp(value - image.lowest, 0, rasterLevels - 1);
+        const int level = std::clamp(value - image.lowest, 0, image.levels - 1);
         image.samples[i] = static_cast<std::uint16_t>(level | (words[i] & embeddedBits));
     }
 }

@@ -1,4 +1,4 @@
-// From the words of Pixel Data to the raster's 12-bit levels.
+// From the words of Pixel Data to the raster's levels.
 #pragma once
 
 #include "stored_image.h"
@@ -28,9 +28,10 @@ struct PaddingRange {
     int high = 0;
 };
 
-/// Fills samples, lowest, minLevel, maxLevel and padding of an image whose width and height are set; `words` holds
-/// width * height words. Up to 12 bits stored, every storable value has a level; above, the values that occur must fit,
-/// padding aside. `embeddedBits` are carried over into the samples (bits 12 to 15). Refuses what needs more levels.
+/// Fills samples, levels, lowest, minLevel, maxLevel and padding of an image whose width and height are set; `words`
+/// holds width * height words. Up to 12 bits stored, every storable value has one of 4096 levels; above, the values
+/// that occur have, padding aside, where they fit, and every storable value has one of 65536 where not. `embeddedBits`
+/// (bits 12 to 15, none above 12 bits stored) are carried over into the samples.
 void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
                     std::optional<PaddingRange> padding, std::uint16_t embeddedBits);
 

@@ -3,6 +3,8 @@
 
 #include "bit_plane.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -21,8 +23,9 @@ public:
 inline constexpr int maxSide = 32767;
 /// Keeps every buffer of one picture below half a gigabyte.
 inline constexpr std::int64_t maxPixels = std::int64_t{1} << 26;
-/// Levels of the raster: 12 bits.
+/// Levels of the raster: 12 bits, and 16 for images that need more.
 inline constexpr int rasterLevels = 4096;
+inline constexpr int deepLevels = 65536;
 
 struct Point {
     int x = 0;
@@ -82,6 +85,29 @@ struct Window {
     bool operator==(const Window&) const = default;
 };
 
+/// DICOM's look-up table. Inputs before the first and behind the last entry take these entries.
+struct LookupTable {
+    int first = 0;  ///< the input of the first entry
+    int bits = 16;  ///< of an entry: outputs reach from 0 to 2^bits - 1
+    std::vector<std::uint16_t> entries;
+
+    [[nodiscard]] int last() const { return first + static_cast<int>(entries.size()) - 1; }
+    [[nodiscard]] int top() const { return (1 << bits) - 1; }
+    [[nodiscard]] std::uint16_t at(int input) const {
+        return entries[static_cast<std::size_t>(std::clamp(input, first, last()) - first)];
+    }
+};
+
+/// One of the ways in which a file wants its values of interest shown: a window, or a table in its place.
+struct VoiChoice {
+    std::string name;
+    Window window;
+    WindowFunction function = WindowFunction::Linear;
+    std::optional<LookupTable> table;
+    /// Why it cannot be applied; empty where it can.
+    std::string flaw;
+};
+
 struct StoredImage {
     int width = 0;
     int height = 0;
@@ -92,12 +118,23 @@ struct StoredImage {
     /// The spacing is that on a detector or film, which magnifies, not one calibrated to the body.
     bool spacingIsUncalibrated = false;
 
-    /// Row by row: the level in bits 0 to 11, embedded planes above.
+    /// Grey images, row by row: the level, embedded planes above its 12 bits.
     std::vector<std::uint16_t> samples;
-    /// The stored value that became level 0: stored = level + lowest, output = slope * stored + intercept.
+    /// rasterLevels, or deepLevels where embedded planes have no place.
+    int levels = rasterLevels;
+    /// Colour images, in place of all that concerns grey: pixels of 8 bits a channel as 0x00RRGGBB, or of 12 bits a
+    /// channel as 0x0000RRRRGGGGBBBB.
+    std::vector<std::uint32_t> rgb8;
+    std::vector<std::uint64_t> rgb12;
+
+    [[nodiscard]] bool isColour() const { return !rgb8.empty() || !rgb12.empty(); }
+
+    /// The stored value that became level 0: stored = level + lowest. The output is that of the modality table, or
+    /// slope * stored + intercept.
     int lowest = 0;
     double slope = 1.0;
     double intercept = 0.0;
+    std::optional<LookupTable> modality;
     /// Smallest and largest level, padding aside.
     int minLevel = 0;
     int maxLevel = 0;
@@ -105,12 +142,16 @@ struct StoredImage {
     /// Empty, or a set bit for each pixel that is no part of the picture.
     BitPlane padding;
 
-    /// The low end of the window is white.
-    bool inverted = false;
+    /// All that the file offers, numbered from 1.
+    std::vector<VoiChoice> voi;
+    /// What is chosen of it: a window with its function, or a table; neither for the full range of values.
     std::optional<Window> window;
     WindowFunction function = WindowFunction::Linear;
-    /// The image comes with a VOI LUT and no window: it can be shown only with a window from elsewhere.
-    bool needsWindow = false;
+    std::optional<LookupTable> voiTable;
+    /// From what the window or table gives, spread over all entries, to grey.
+    std::optional<LookupTable> presentation;
+    /// The low end of the window is white.
+    bool inverted = false;
 
     Shutters shutters;
     std::vector<OverlayPlane> overlays;

@@ -6,9 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
-#include <numbers>
 
 namespace {
 
@@ -84,6 +82,15 @@ TEST(Render, OverlaysShowInTheirColoursAndAboveTheShutters) {
     const Picture plain = show(image, bare);
     for (int x = 0; x < 8; ++x) EXPECT_EQ(plain.at(x, 1), grey(128)) << x;
     EXPECT_EQ(plain.at(8, 1), grey(0));
+}
+
+TEST(Render, EmbeddedPlanesThatAreNotShownLeaveTheirPixels) {
+    StoredImage image = makeImage(2, 1, [](int x, int) { return x == 0 ? 0x3000 + 3008 : 3008; });
+    image.embedded = {{12, PlaneKind::Graphics}, {13, PlaneKind::Graphics}};
+    RenderOptions bare;
+    bare.overlays = false;
+    EXPECT_EQ(show(image, bare).at(0, 0), grey(188));
+    EXPECT_EQ(show(image, bare).at(1, 0), grey(188));
 }
 
 TEST(Render, GraphicsLieAboveRegionsInTheSamePixel) {
@@ -330,65 +337,6 @@ TEST(Render, NegativeSlopesShowHighLevelsDark) {
     image.intercept = 4095.0;
     EXPECT_EQ(show(image, {}).at(0, 0), grey(255));
     EXPECT_EQ(show(image, {}).at(1, 0), grey(0));
-}
-
-/// Every level once.
-StoredImage everyLevel() {
-    return makeImage(64, 64, [](int x, int y) { return y * 64 + x; });
-}
-
-TEST(Render, LinearWindowsAgreeWithDicomWithinOneGrey) {
-    StoredImage image = everyLevel();
-    image.lowest = -1024;
-    image.intercept = -100.0;
-    for (const Window window : {Window{40.0, 400.0}, Window{-500.0, 1600.0}, Window{0.0, 2.0}, Window{1000.0, 50.0}}) {
-        RenderOptions options;
-        options.window = window;
-        const Picture picture = show(image, options);
-        for (int level = 0; level < 4096; ++level) {
-            const double value = level - 1024.0 - 100.0;
-            const double position = (value - (window.centre - 0.5)) / (window.width - 1.0) + 0.5;
-            const double expected = std::clamp(position, 0.0, 1.0) * 255.0;
-            ASSERT_NEAR(static_cast<int>(picture.at(level % 64, level / 64) & 0xFF), expected, 1.0) << level;
-        }
-    }
-}
-
-TEST(Render, SigmoidsAgreeWithDicomWithinOneGrey) {
-    StoredImage image = everyLevel();
-    image.slope = 2.0;
-    image.intercept = -100.0;
-    image.function = WindowFunction::Sigmoid;
-    for (const Window window : {Window{4000.0, 1600.0}, Window{748.0, 400.0}, Window{7900.0, 300.0}}) {
-        image.window = window;
-        const Picture picture = show(image, {});
-        for (int level = 0; level < 4096; ++level) {
-            const double value = 2.0 * level - 100.0;
-            const double expected = 255.0 / (1.0 + std::exp(-4.0 * (value - window.centre) / window.width));
-            ASSERT_NEAR(static_cast<int>(picture.at(level % 64, level / 64) & 0xFF), expected, 1.0) << level;
-        }
-    }
-}
-
-TEST(Render, SigmoidBeyondTheLevelsIsSaidToBeALine) {
-    StoredImage image = everyLevel();
-    image.function = WindowFunction::Sigmoid;
-    image.window = Window{6000.0, 1000.0};
-    std::vector<std::string> notes;
-    const Picture picture = render(image, {}, notes);
-    EXPECT_EQ(notes.size(), 1U);
-    EXPECT_EQ(picture.at(63, 63), grey(0));
-}
-
-TEST(Render, ImagesWithAVoiLutOnlyNeedAWindow) {
-    StoredImage image = everyLevel();
-    image.window.reset();
-    image.needsWindow = true;
-    std::vector<std::string> notes;
-    EXPECT_THROW(render(image, {}, notes), Refusal);
-    RenderOptions options;
-    options.window = Window{2048.0, 4096.0};
-    EXPECT_EQ(show(image, options).at(63, 63), grey(255));
 }
 
 TEST(Render, ExtremeViewsStayWithinThePicture) {

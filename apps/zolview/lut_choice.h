@@ -1,0 +1,36 @@
+// Which of the windows and tables at hand an image is shown with.
+#pragma once
+
+#include "stored_image.h"
+
+#include <optional>
+
+namespace zolview {
+
+/// How stored values become output.
+struct Modality {
+    double slope = 1.0;
+    double intercept = 0.0;
+    std::optional<LookupTable> table;
+};
+
+/// How grey is presented: through a table, or straight or the other way round.
+struct Presentation {
+    std::optional<LookupTable> table;
+    bool inverse = false;
+};
+
+/// Give the image another modality or presentation in place of its own.
+void apply(StoredImage& image, const Modality& modality);
+void apply(StoredImage& image, const Presentation& presentation);
+
+/// Whether output values below 0 can occur, so that a table for them may begin there.
+bool outputMayBeNegative(const StoredImage& image);
+
+/// Chooses for an image, counted from 1. Refuses a number that is not on its list, and a flawed choice.
+void chooseVoi(StoredImage& image, int number);
+
+/// The first choice. A flawed window gives the full range of values and a note; a flawed table is refused.
+void chooseFirstVoi(StoredImage& image);
+
+}  // namespace zolview
