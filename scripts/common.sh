@@ -12,7 +12,8 @@ die() {
 
 # Demo and test share one build tree, so that the test framework is needed to configure it.
 build_packages=(g++ cmake ninja-build ccache pkg-config libcairo2-dev libpango1.0-dev libfontconfig-dev libboost-dev
-    libhwy-dev libdcmtk-dev libcli11-dev libpng-dev nlohmann-json3-dev libopenjp2-7-dev libgtest-dev libgmock-dev fonts-dejavu-core)
+    libhwy-dev libdcmtk-dev libcli11-dev libpng-dev nlohmann-json3-dev libopenjp2-7-dev libgtest-dev libgmock-dev
+    fonts-dejavu-core fonts-noto-core fonts-noto-cjk)
 test_packages=(poppler-utils)
 cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 lint_packages=(clang clang-format clang-tidy)

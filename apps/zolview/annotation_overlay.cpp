@@ -1,5 +1,6 @@
 #include "annotation_overlay.h"
 
+#include "fonts.h"
 #include "zolcs/ccsline.h"
 #include "zolcs/ccstext.h"
 
@@ -45,6 +46,21 @@ CCsPointDouble aroundCentre(const Annotation& annotation, double along, double a
             centre.y + (along * std::sin(angle) + across * std::cos(angle)) * aspect};
 }
 
+/// From the end to the tip, out to one end of the head, and over the tip to the other one.
+Points arrowOf(const Annotation& annotation, double aspect) {
+    const Position& end = annotation.points[0];
+    const Position& tip = annotation.points[1];
+    // Straight lengths and angles, in units of x.
+    const double back = std::atan2((end.y - tip.y) / aspect, end.x - tip.x);
+    const double length = std::hypot(end.x - tip.x, (end.y - tip.y) / aspect);
+    const double head = annotation.length > 0.0 ? annotation.length : length / 5.0;
+    constexpr double spread = 25.0 * std::numbers::pi / 180.0;
+    const auto barb = [&](double angle) {
+        return CCsPointDouble(tip.x + head * std::cos(angle), tip.y + head * std::sin(angle) * aspect);
+    };
+    return {toPoint(end), toPoint(tip), barb(back - spread), toPoint(tip), barb(back + spread)};
+}
+
 bool isRound(FigureKind kind) { return kind == FigureKind::Circle || kind == FigureKind::Ellipse; }
 
 bool isClosed(const Annotation& annotation) {
@@ -59,6 +75,7 @@ Points verticesOf(const Annotation& annotation, double aspect) {
     if (annotation.kind == FigureKind::Square)
         return rectangleOf(first, {first.x + annotation.length, first.y + annotation.length * aspect});
 
+    if (annotation.kind == FigureKind::Arrow) return arrowOf(annotation, aspect);
     Points out;
     if (isRound(annotation.kind)) {
         const double across = annotation.kind == FigureKind::Circle ? annotation.length : annotation.across;
@@ -110,37 +127,49 @@ int alignmentCode(Alignment alignment) {
     return 0;
 }
 
-/// A text whose halo can be left out, and is seen on a printer, too.
+/// A text in whatever script, whose halo can be left out and is seen on a printer, too.
 class Label : public CCsText {
 public:
+    /// `words` must live as long as this.
     Label(CCs2dTrafo* trafo, const Annotation& annotation, const std::wstring& words)
         : CCsText(trafo, annotation.points[0].x, annotation.points[0].y, words.c_str(),
-                  alignmentCode(annotation.alignment), annotation.space == CoordinateSpace::Normalised) {
+                  alignmentCode(annotation.alignment), annotation.space == CoordinateSpace::Normalised),
+          words_(words) {
         shadow = annotation.shadow ? 1 : 0;
     }
 
     using CCsText::render;
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override {
-        // The library's own halo is one dot wide, which is next to nothing there. Copies so close still read as one
-        // text.
-        if (mode == printerMode && shadow != 0) {
-            const int reach = std::max(GetDeviceCaps(dc, LOGPIXELSY) / 200, 1);
-            POINT origin{};
-            GetViewportOrgEx(dc, &origin);
-            shadow = 0;
-            for (const auto& [dx, dy] :
-                 {std::pair(-1, -1), {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}) {
-                SetViewportOrgEx(dc, origin.x + dx * reach, origin.y + dy * reach, nullptr);
-                CCsText::render(imageTrafo, outputTrafo, 0, dc, mode, width, height, offsetX, offsetY);
-            }
-            SetViewportOrgEx(dc, origin.x, origin.y, nullptr);
+        const CoveringFont font(dc, words_);
+        const auto draw = [&] {
             CCsText::render(imageTrafo, outputTrafo, color, dc, mode, width, height, offsetX, offsetY);
-            shadow = 1;
-            return;
+        };
+        const auto halo = shadow;
+        if (mode == printerMode && halo != 0) {
+            shadow = 0;
+            BeginPath(dc);
+            draw();
+            EndPath(dc);
+            strokeHalo(dc);
         }
-        CCsText::render(imageTrafo, outputTrafo, color, dc, mode, width, height, offsetX, offsetY);
+        draw();
+        shadow = halo;
     }
+
+private:
+    /// The library's own halo is one dot wide, which is next to nothing on paper, and leaves eight more texts in the
+    /// document. This one is an outline beneath the letters.
+    static void strokeHalo(HDC dc) {
+        const int reach = std::max(GetDeviceCaps(dc, LOGPIXELSY) / 150, 1);
+        HPEN pen = CreatePen(PS_SOLID, 2 * reach, RGB(0, 0, 0));
+        const HGDIOBJ before = SelectObject(dc, pen);
+        StrokePath(dc);
+        if (before != nullptr) SelectObject(dc, before);
+        DeleteObject(pen);
+    }
+
+    const std::wstring& words_;
 };
 
 /// The code points of valid UTF-8, which is what JSON strings are made of.

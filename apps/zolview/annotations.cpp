@@ -46,16 +46,17 @@ struct Rules {
     std::vector<std::string> keys;  ///< beside those that all figures have
 };
 
-const std::array<Word<Rules>, 9>& figures() {
-    static const std::array<Word<Rules>, 9> all{{
+const std::array<Word<Rules>, 10>& figures() {
+    static const std::array<Word<Rules>, 10> all{{
         {"line", {FigureKind::Line, 2, 2, {"pen", "shadow"}}},
+        {"arrow", {FigureKind::Arrow, 2, 2, {"pen", "shadow", "head"}}},
         {"angle", {FigureKind::Angle, 3, 3, {"pen", "shadow"}}},
         {"polyline", {FigureKind::Polyline, 2, mostPoints, {"pen", "shadow", "closed", "filled"}}},
         {"rectangle", {FigureKind::Rectangle, 2, 2, {"pen", "shadow", "filled"}}},
         {"square", {FigureKind::Square, 1, 1, {"pen", "shadow", "filled", "side"}}},
         {"circle", {FigureKind::Circle, 1, 1, {"pen", "shadow", "filled", "radius"}}},
         {"ellipse", {FigureKind::Ellipse, 1, 1, {"pen", "shadow", "filled", "radii", "turn"}}},
-        {"curve", {FigureKind::Curve, 3, mostPoints, {"pen", "shadow"}}},
+        {"curve", {FigureKind::Curve, 3, mostPoints, {"pen", "shadow", "closed"}}},
         {"text", {FigureKind::Text, 1, 1, {"shadow", "text", "align"}}},
     }};
     return all;
@@ -140,7 +141,7 @@ void readProperty(const std::string& key, const Json& value, Annotation& out) {
     if (key == "shadow") out.shadow = flagFrom(value, key);
     if (key == "closed") out.closed = flagFrom(value, key);
     if (key == "filled") out.filled = flagFrom(value, key);
-    if (key == "side" || key == "radius") out.length = lengthFrom(value, "\"" + key + "\"");
+    if (key == "side" || key == "radius" || key == "head") out.length = lengthFrom(value, "\"" + key + "\"");
     if (key == "radii") readRadii(value, out);
     if (key == "turn") out.degrees = coordinate(value, "\"turn\"");
     if (key == "text") out.text = textFrom(value);

@@ -8,7 +8,7 @@
 
 namespace zolview {
 
-enum class FigureKind { Line, Angle, Polyline, Rectangle, Square, Circle, Ellipse, Curve, Text };
+enum class FigureKind { Line, Arrow, Angle, Polyline, Rectangle, Square, Circle, Ellipse, Curve, Text };
 
 /// What coordinates count: columns and rows of the image, (0, 0) being the upper left corner of its first pixel; pixels
 /// of the picture; or fractions of the picture's width and height.
@@ -26,9 +26,10 @@ struct Position {
 struct Annotation {
     FigureKind kind = FigureKind::Line;
     CoordinateSpace space = CoordinateSpace::Image;
-    /// The vertices; two opposite corners of a rectangle; the upper left corner of a square; a centre; a text's anchor.
+    /// The vertices; an arrow's end and tip; two opposite corners of a rectangle; the upper left corner of a square; a
+    /// centre; a text's anchor.
     std::vector<Position> points;
-    /// Radius or side; of an ellipse the first radius.
+    /// Radius or side; of an ellipse the first radius; of an arrow each side of its head, 0 for a fifth of the arrow.
     double length = 0.0;
     /// The second radius of an ellipse, across the first one.
     double across = 0.0;

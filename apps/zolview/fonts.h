@@ -3,6 +3,8 @@
 
 #include "platform/platform.h"
 
+#include <string>
+
 namespace zolview {
 
 class Font {
@@ -23,6 +25,20 @@ public:
 
 private:
     HFONT handle_;
+};
+
+/// The font that is selected in a device context, in a face that can show a text; selected there while this lives.
+class CoveringFont {
+public:
+    CoveringFont(HDC dc, const std::wstring& text);
+    CoveringFont(const CoveringFont&) = delete;
+    CoveringFont& operator=(const CoveringFont&) = delete;
+    ~CoveringFont();
+
+private:
+    HDC dc_;
+    HFONT handle_ = nullptr;
+    HGDIOBJ before_ = nullptr;
 };
 
 }  // namespace zolview

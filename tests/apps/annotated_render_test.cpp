@@ -122,6 +122,50 @@ TEST(AnnotatedRender, ColoursShadowsAndDashes) {
     EXPECT_EQ(filled.at(30, 20), red);
 }
 
+TEST(AnnotatedRender, ArrowsPointToTheirTip) {
+    const StoredImage image = flatImage(100, 60, 2048);
+    const Picture picture = show(image, {},
+                                 R"({"figure": "arrow", "points": [[10, 30], [80, 30]], "head": 20,
+                                     "colour": "#FF0000", "shadow": false})");
+    for (int x = 10; x < 80; ++x) EXPECT_EQ(picture.at(x, 30), red) << x;
+    // Both sides of the head end 20 pixels from the tip, 25 degrees from the shaft.
+    const Box box = boxOf(picture, red);
+    EXPECT_EQ(box.left, 10);
+    EXPECT_EQ(box.right, 80);
+    EXPECT_NEAR(box.top, 30 - 8.45, 1.0);
+    EXPECT_NEAR(box.bottom, 30 + 8.45, 1.0);
+    EXPECT_EQ(picture.at(71, 26), red);
+    EXPECT_EQ(picture.at(71, 34), red);
+    EXPECT_EQ(picture.at(61, 26), mid);
+
+    // Where pixels are twice as high as wide, what looks the same has half the rows.
+    StoredImage tall = flatImage(100, 60, 2048);
+    tall.ratioYx = 2.0;
+    RenderOptions options;
+    options.size = Size{100, 120};
+    EXPECT_EQ(boxOf(show(tall, options,
+                         R"({"figure": "arrow", "points": [[50, 50], [50, 10]], "head": 20, "colour": "#FF0000",
+                             "shadow": false})"),
+                    red)
+                  .top,
+              20);
+    // Without a length of its own the head is a fifth of the arrow; an arrow without length is nothing to see.
+    const Picture plain = show(image, {},
+                               R"({"figure": "arrow", "points": [[10, 30], [60, 30]], "colour": "#FF0000",
+                                   "shadow": false})");
+    EXPECT_NEAR(boxOf(plain, red).bottom, 30 + 4.2, 1.0);
+    show(image, {}, R"({"figure": "arrow", "points": [[10, 30], [10, 30]]})");
+}
+
+TEST(AnnotatedRender, CurvesMayBeClosed) {
+    const StoredImage image = flatImage(100, 60, 2048);
+    const std::string curve =
+        R"({"figure": "curve", "points": [[20, 20], [70, 20], [70, 50], [20, 50]], "colour": "#FF0000",
+            "shadow": false)";
+    EXPECT_LE(boxOf(show(image, {}, curve + R"(, "closed": true})"), red).left, 16);
+    EXPECT_EQ(boxOf(show(image, {}, curve + "}"), red).left, 20);
+}
+
 TEST(AnnotatedRender, LaterAnnotationsLieOnTop) {
     const Picture picture = show(flatImage(64, 48, 2048), {},
                                  R"({"figure": "rectangle", "points": [[0, 0], [40, 40]], "filled": true},

@@ -63,6 +63,10 @@ TEST(Annotations, EveryProperty) {
     EXPECT_EQ(parseOne(R"({"figure": "square", "points": [[0, 0]], "side": 3})").length, 3.0);
     EXPECT_EQ(parseOne(R"({"figure": "circle", "points": [[0, 0]], "radius": 4})").length, 4.0);
 
+    EXPECT_EQ(parseOne(R"({"figure": "arrow", "points": [[0, 0], [9, 9]]})").length, 0.0);
+    EXPECT_EQ(parseOne(R"({"figure": "arrow", "points": [[0, 0], [9, 9]], "head": 5})").length, 5.0);
+    EXPECT_TRUE(parseOne(R"({"figure": "curve", "points": [[0, 0], [9, 9], [0, 9]], "closed": true})").closed);
+
     const Annotation text = parseOne(R"({"figure": "text", "points": [[0, 0]], "text": "5 µm", "align": "right"})");
     EXPECT_EQ(text.text, "5 µm");
     EXPECT_EQ(text.alignment, Alignment::Right);
@@ -90,17 +94,22 @@ TEST(Annotations, RefusesFiguresThatAreNotAsDocumented) {
         {"7", R"(annotation 1: must be {"figure": ...})"},
         {"{}", R"(annotation 1: must be {"figure": ...})"},
         {R"({"figure": "star"})",
-         "annotation 1: \"figure\" must be one of: line, angle, polyline, rectangle, square, circle, ellipse, curve, "
-         "text"},
+         "annotation 1: \"figure\" must be one of: line, arrow, angle, polyline, rectangle, square, circle, ellipse, "
+         "curve, text"},
         {R"({"figure": 5})",
-         "annotation 1: \"figure\" must be one of: line, angle, polyline, rectangle, square, circle, ellipse, curve, "
-         "text"},
+         "annotation 1: \"figure\" must be one of: line, arrow, angle, polyline, rectangle, square, circle, ellipse, "
+         "curve, text"},
         {R"({"figure": "line"})", "annotation 1 (line): needs \"points\""},
         {R"({"figure": "line", "points": [[1, 2]]})", "annotation 1 (line): \"points\" must be a list of 2 [x, y]"},
         {R"({"figure": "line", "points": [[1, 2], [1, 2], [1, 2]]})",
          "annotation 1 (line): \"points\" must be a list of 2 [x, y]"},
         {R"({"figure": "polyline", "points": [[1, 2]]})",
          "annotation 1 (polyline): \"points\" must be a list of 2 to 10000 [x, y]"},
+        {R"({"figure": "arrow", "points": [[1, 2]]})", "annotation 1 (arrow): \"points\" must be a list of 2 [x, y]"},
+        {R"({"figure": "arrow", "points": [[1, 2], [3, 4]], "head": 0})",
+         "annotation 1 (arrow): \"head\" must be a number above 0 and up to 1000000"},
+        {R"({"figure": "curve", "points": [[1, 2], [3, 4], [5, 6]], "filled": true})",
+         "annotation 1 (curve): has nothing called \"filled\""},
         {R"({"figure": "line", "points": "here"})", "annotation 1 (line): \"points\" must be a list of 2 [x, y]"},
         {R"({"figure": "line", "points": [[1, 2], [1]]})", "annotation 1 (line): a point must be [x, y]"},
         {R"({"figure": "line", "points": [[1, 2], 5]})", "annotation 1 (line): a point must be [x, y]"},
@@ -155,7 +164,7 @@ TEST(Annotations, FilesThatCannotBeRead) {
 }
 
 TEST(Annotations, TheExampleHasEveryKindAndSpace) {
-    std::vector<bool> kinds(9);
+    std::vector<bool> kinds(10);
     std::vector<bool> spaces(3);
     std::vector<bool> penStyles(5);
     for (const Annotation& annotation :
@@ -164,7 +173,7 @@ TEST(Annotations, TheExampleHasEveryKindAndSpace) {
         spaces[static_cast<std::size_t>(annotation.space)] = true;
         penStyles[static_cast<std::size_t>(annotation.penStyle)] = true;
     }
-    EXPECT_EQ(kinds, std::vector<bool>(9, true));
+    EXPECT_EQ(kinds, std::vector<bool>(10, true));
     EXPECT_EQ(spaces, std::vector<bool>(3, true));
     EXPECT_EQ(penStyles, std::vector<bool>(5, true));
 }

@@ -246,5 +246,35 @@ TEST_F(PathTest, AClosedCurveIsFilledUpToItsOutline) {
     }
 }
 
+TEST_F(PathTest, TextsAreTheOutlinesOfTheirLetters) {
+    constexpr int width = 900;
+    const auto ink = [](bool asPath) {
+        Device device(width, 60);
+        const Using font(device, CreateFontW(-40, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0,
+                                             NONANTIALIASED_QUALITY, 0, L"DejaVu Sans"));
+        SetTextColor(device, RGB(255, 255, 255));
+        SetBkMode(device, TRANSPARENT);
+        if (asPath) BeginPath(device);
+        EXPECT_TRUE(TextOutW(device, 10, 5, L"Of forty letters, none is left out: OHe", 39));
+        if (!asPath) return device.picture();
+        EXPECT_EQ(device.picture(), std::vector<std::string>(60, std::string(width, '.')));
+        EXPECT_TRUE(EndPath(device));
+        EXPECT_TRUE(FillPath(device));  // with the white brush that a new context has
+        return device.picture();
+    };
+    const auto text = ink(false);
+    const auto path = ink(true);
+    int both = 0;
+    int one = 0;
+    for (std::size_t y = 0; y < 60; ++y) {
+        for (std::size_t x = 0; x < width; ++x) {
+            both += text[y][x] == '#' && path[y][x] == '#' ? 1 : 0;
+            one += text[y][x] != path[y][x] ? 1 : 0;
+        }
+    }
+    EXPECT_GT(both, 4000);
+    EXPECT_LT(one, both / 2);  // along the edges
+}
+
 }  // namespace
 }  // namespace zoltest

@@ -33,7 +33,8 @@ struct Picture {
     bool mirrorY = false;
 };
 
-/// A piece of an outline: points joined by straight lines, or by Bezier curves (one point, then three for each piece).
+/// A piece of an outline: points joined by straight lines, or by Bezier curves (one point, then three for each piece; a
+/// piece whose control points are its ends is a straight line).
 struct Figure {
     std::vector<PointD> points;
     bool curved = false;

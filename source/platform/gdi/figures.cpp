@@ -13,6 +13,11 @@ PointD between(PointD a, PointD b, double t) { return {a.x + (b.x - a.x) * t, a.
 
 /// Appends the curve from p[0] to p[3] without its first point.
 void flattenCurve(const PointD* p, std::vector<PointD>& out) {
+    const bool straight = p[1] == p[0] && p[2] == p[3];
+    if (straight) {
+        out.push_back(p[3]);
+        return;
+    }
     const double length = distance(p[0], p[1]) + distance(p[1], p[2]) + distance(p[2], p[3]);
     constexpr double pixelsPerPiece = 4.0;
     constexpr double most = 512.0;

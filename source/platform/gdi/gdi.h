@@ -539,9 +539,9 @@ ZOLGDI_API BOOL PolyBezier(HDC dc, const POINT* points, DWORD count);
 ZOLGDI_API BOOL Rectangle(HDC dc, int left, int top, int right, int bottom);
 ZOLGDI_API BOOL Ellipse(HDC dc, int left, int top, int right, int bottom);
 
-// Between BeginPath and EndPath the calls above draw nothing: their outlines become the device context's path, in the
-// transformation of the time of the call. What draws the path consumes it and fails where there is none. Copies of
-// pixels, painted regions and texts take no part: they are drawn at once. SaveDC does not keep a path.
+// Between BeginPath and EndPath the calls above and TextOutW draw nothing: their outlines become the device context's
+// path, in the transformation of the time of the call. What draws the path consumes it and fails where there is none.
+// Copies of pixels and painted regions take no part: they are drawn at once. SaveDC does not keep a path.
 
 /// Discards a complete path; within a bracket it changes nothing.
 ZOLGDI_API BOOL BeginPath(HDC dc);

@@ -28,6 +28,13 @@ bool viewOf(LPCWSTR text, int length, std::wstring_view& view) {
     return true;
 }
 
+void appendOutlines(Path& path, const TextRun& run, bool exact) {
+    const TextLine& line = TextLine::shaped(*run.font, run.dpi, exact, run.text);
+    const Affine placement = line.placed(run.transform);
+    if (run.opaque) path.append({line.cell(placement)});
+    path.append(line.outlines(placement));
+}
+
 bool isExact(const DeviceContext& context) { return context.capabilities.technology == DT_RASPRINTER; }
 
 /// How text is turned and scaled. A mapping mode that counts upward does not turn text over.
@@ -88,7 +95,12 @@ BOOL TextOutW(HDC dc, int x, int y, LPCWSTR text, int length) {
         run.color = state.textColor;
         run.opaque = state.backgroundMode == OPAQUE;
         run.background = state.backgroundColor;
-        if (!view.empty()) canvas.text(context.clipArea(), run);
+        if (view.empty()) return TRUE;
+        if (context.path.isOpen()) {
+            zolgdi::appendOutlines(context.path, run, zolgdi::isExact(context));
+        } else {
+            canvas.text(context.clipArea(), run);
+        }
         return TRUE;
     });
 }

@@ -189,6 +189,44 @@ RECT TextLine::extent(const Affine& placement) const {
     return {first.x - 1, first.y - 1, last.x + 1, last.y + 1};
 }
 
+Figures TextLine::outlines(const Affine& placement) const {
+    Figures figures;
+    if (line_ == nullptr) return figures;
+    // A surface without limits: of one that has some, Cairo leaves out the glyphs that lie beyond them.
+    const CairoSurface surface(cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr));
+    const CairoContext cairo(cairo_create(surface.get()));
+    cairo_scale(cairo.get(), font_.stretch(), 1.0);
+    cairo_move_to(cairo.get(), 0.0, font_.ascent());
+    pango_cairo_layout_line_path(cairo.get(), line_);
+    cairo_identity_matrix(cairo.get());
+    const std::unique_ptr<cairo_path_t, ReleaseWith<&cairo_path_destroy>> path(cairo_copy_path(cairo.get()));
+    if (path->status != CAIRO_STATUS_SUCCESS) throw std::bad_alloc();
+
+    // Figures count from the middles of pixels.
+    const auto at = [&](const cairo_path_data_t& data) {
+        const PointD p = placement(data.point.x, data.point.y);
+        return PointD{p.x - 0.5, p.y - 0.5};
+    };
+    for (int i = 0; i < path->num_data; i += path->data[i].header.length) {
+        const cairo_path_data_t* const data = path->data + i;
+        if (data->header.type == CAIRO_PATH_MOVE_TO) {
+            figures.push_back({{at(data[1])}, true, false});
+        } else if (data->header.type == CAIRO_PATH_LINE_TO) {
+            auto& points = figures.back().points;
+            points.insert(points.end(), {PointD(points.back()), at(data[1]), at(data[1])});
+        } else if (data->header.type == CAIRO_PATH_CURVE_TO) {
+            auto& points = figures.back().points;
+            points.insert(points.end(), {at(data[1]), at(data[2]), at(data[3])});
+        } else {
+            figures.back().closed = true;
+        }
+    }
+    // Cairo begins another figure behind each closed one.
+    figures.erase(std::remove_if(figures.begin(), figures.end(), [](const Figure& f) { return f.points.size() < 2; }),
+                  figures.end());
+    return figures;
+}
+
 void TextLine::draw(cairo_t* cairo, const Affine& placement) const {
     if (line_ == nullptr) return;
     const cairo_matrix_t matrix{placement.m11, placement.m12, placement.m21, placement.m22, placement.dx, placement.dy};

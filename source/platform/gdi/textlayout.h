@@ -56,6 +56,8 @@ public:
     [[nodiscard]] RECT extent(const Affine& placement) const;
     /// The corners of the line's cell on the device.
     [[nodiscard]] Figure cell(const Affine& placement) const;
+    /// The glyphs' outlines on the device.
+    [[nodiscard]] Figures outlines(const Affine& placement) const;
     /// Draws the glyphs in Cairo's current source.
     void draw(cairo_t* cairo, const Affine& placement) const;
 

@@ -8,6 +8,8 @@ namespace zolgdi {
 struct PointD {
     double x = 0.0;
     double y = 0.0;
+
+    bool operator==(const PointD&) const = default;
 };
 
 /// x' = m11 x + m21 y + dx, y' = m12 x + m22 y + dy.
