@@ -87,9 +87,9 @@ TEST_F(Program, DrawsAnnotations) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     const zolview::Picture drawn = zoltest::readPng(file("p.png")).picture;
-    EXPECT_EQ(drawn.at(370, 245), 0x00D0FFU);
+    EXPECT_EQ(drawn.at(456, 232), 0x00D0FFU);
     EXPECT_EQ(render("phantom --burn-in " + example).status, 0);
-    EXPECT_EQ(zoltest::readPng(file("p.png")).picture.at(370, 245), 0xFFFFFFU);
+    EXPECT_EQ(zoltest::readPng(file("p.png")).picture.at(456, 232), 0xFFFFFFU);
     EXPECT_NE(contents(file("p.png")), plain);
 }
 
