@@ -1,10 +1,12 @@
 #include "zolcs/ccsbicubic.h"
 
+#include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/bicubic.h"
 #include "zolcs/resample/interpolation.h"
 
 namespace {
 
+using zolcs::AcceleratedMember;
 using zolcs::ColourTables;
 using zolcs::Copy;
 using zolcs::CubicGrey;
@@ -15,9 +17,9 @@ using zolcs::MemberReports;
 using zolcs::Polling;
 using zolcs::Stepping;
 
-constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) {
-    return {L"source\\zolcs\\ccsbicubic", member, lines};
-}
+constexpr const wchar_t* module = L"source\\zolcs\\ccsbicubic";
+
+constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) { return {module, member, lines}; }
 
 constexpr MemberReports grey12Grey12Reports = reportsOf(L"bicubicGrey12Grey12", {273, 324, 327, 462});
 constexpr MemberReports magicGlassReports = reportsOf(L"bicubicGrey12Grey12_ForMagicGlass", {485, 520, 523, 641});
@@ -35,6 +37,11 @@ CubicGrey greyOf(const MemberCall& call, bool keepOverlayBits) {
 CubicRgb rgbOf(const MemberCall& call) {
     return CubicRgb({{call.lock.source(), call.src.getPitch()}, call.stepping, zolcs::coarseCubicWeights()});
 }
+
+constexpr AcceleratedMember<Ipp16u> acceleratedGrey{
+    {module, L"bicubicIPPGrey12Grey12", {1603, 1621, 1702, 1706, 1718}}, zolcs::greyPrimitives, IPPI_INTER_CUBIC};
+constexpr AcceleratedMember<Ipp8u> acceleratedRgb8{
+    {module, L"bicubicIPPRgb8Rgb8", {1741, 1759, 1840, 1844, 1856}}, zolcs::colourPrimitives, IPPI_INTER_CUBIC};
 
 }  // namespace
 
@@ -121,4 +128,14 @@ int CCsBicubic::bicubicRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& tra
                                    unsigned long background) {
     return resampleRgb_(rgb8Rgb8MapReports, table != nullptr, src, dst, trafo, background,
                         [&] { return ColourTables(table, table, table); });
+}
+
+int CCsBicubic::bicubicIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
+}
+
+int CCsBicubic::bicubicIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
 }

@@ -82,6 +82,24 @@ public:
     int bicubicRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
                            unsigned long background);
 
+    // The same through the host's image primitives: the part of the image that the rectangular, circular and polygonal
+    // shutters' boxes have in common, without any other rule. Views within a degree of a quarter turn, mirrored or not,
+    // are transposed, mirrored and resized (and not turned by the rest of a degree); others are warped. The pictures
+    // are those of the plain members but for the interpolation's last digits. Everything else becomes background.
+    //
+    // 255 when the view was drawn. Otherwise 0: unreported, the destination untouched, for a raster with embedded
+    // overlay bits; reported, the destination untouched, for wrong types and when the shutters have nothing in common
+    // ("There is no common shutter region"); reported with the status as number, the destination as the primitives left
+    // it, when one of them fails ("... IPP method failed in ..."): memory that is missing, a view that shows nothing
+    // of the image at an oblique angle, an image of a single row or column there, a view that cannot be inverted; and
+    // for an exception.
+
+    /// 12-bit or 16-bit grey, with all 16 bits of each, to the same.
+    int bicubicIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
+
+    /// 8-bit colour to 8-bit colour; the background is a grey. The fourth byte is interpolated like the others.
+    int bicubicIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
+
 private:
     /// Fills the fields, saturated where 32 bits do not hold the value, and gives the stepping that the loops use.
     zolcs::Stepping adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo);

@@ -1,11 +1,13 @@
 #include "zolcs/ccsbilinear.h"
 
+#include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/bilinear.h"
 #include "zolcs/resample/capability.h"
 #include "zolcs/resample/interpolation.h"
 
 namespace {
 
+using zolcs::AcceleratedMember;
 using zolcs::BilinearGrey;
 using zolcs::BilinearPackedGrey;
 using zolcs::BilinearRgb;
@@ -18,9 +20,9 @@ using zolcs::MemberReports;
 using zolcs::Polling;
 using zolcs::Stepping;
 
-constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) {
-    return {L"source\\zolcs\\ccsbilinear", member, lines};
-}
+constexpr const wchar_t* module = L"source\\zolcs\\ccsbilinear";
+
+constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) { return {module, member, lines}; }
 
 constexpr MemberReports grey12Grey12Reports = reportsOf(L"bilinearGrey12Grey12", {208, 237, 240, 394});
 constexpr MemberReports grey12IndexMapReports = reportsOf(L"bilinearGrey12IndexMap", {431, 512, 515, 688});
@@ -39,6 +41,11 @@ BilinearGrey plainGrey(const MemberCall& call, bool keepOverlayBits) {
     const std::uint16_t keptBits = twelveBits && keepOverlayBits ? 0xF000 : 0;
     return {sourceOf<std::uint16_t>(call), mask, keptBits};
 }
+
+constexpr AcceleratedMember<Ipp16u> acceleratedGrey{
+    {module, L"bilinearIPPGrey12Grey12", {1128, 1146, 1227, 1231, 1243}}, zolcs::greyPrimitives, IPPI_INTER_LINEAR};
+constexpr AcceleratedMember<Ipp8u> acceleratedRgb8{
+    {module, L"bilinearIPPRgb8Rgb8", {1266, 1284, 1365, 1369, 1381}}, zolcs::colourPrimitives, IPPI_INTER_LINEAR};
 
 }  // namespace
 
@@ -112,4 +119,14 @@ int CCsBilinear::bilinearRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& t
 int CCsBilinear::bilinearRgb8Rgb8_ForMagicGlass(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo,
                                                 unsigned long background) {
     return resampleRgb_(magicGlassReports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+}
+
+int CCsBilinear::bilinearIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
+}
+
+int CCsBilinear::bilinearIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
 }

@@ -2,12 +2,14 @@
 
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
+#include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/member.h"
 #include "zolcs/resample/nearestfiller.h"
 #include "zolcs/resample/resample.h"
 
 namespace {
 
+using zolcs::AcceleratedMember;
 using zolcs::areGreyToDisplay;
 using zolcs::ByteTable;
 using zolcs::ColourTables;
@@ -28,9 +30,9 @@ constexpr std::uint32_t displayPixel(unsigned char red, unsigned char green, uns
     return blue | std::uint32_t{green} << 8U | std::uint32_t{red} << 16U;
 }
 
-constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) {
-    return {L"source\\zolcs\\ccsnearest", member, lines};
-}
+constexpr const wchar_t* module = L"source\\zolcs\\ccsnearest";
+
+constexpr MemberReports reportsOf(const wchar_t* member, MemberReports::Lines lines) { return {module, member, lines}; }
 
 constexpr MemberReports grey12Grey12Reports = reportsOf(L"nearestGrey12Grey12", {212, 241, 244, 305});
 constexpr MemberReports grey8Grey8Reports = reportsOf(L"nearestGrey8Grey8", {331, 352, 355, 398});
@@ -65,6 +67,11 @@ bool drawNearest(const MemberCall& call, Pixel background, const Convert& conver
     }
     return fill(zolcs::PlainFiller(zolcs::NearestKernel<SourcePixel>{source}, convert));
 }
+
+constexpr AcceleratedMember<Ipp16u> acceleratedGrey{
+    {module, L"nearestIPPGrey12Grey12", {1603, 1621, 1702, 1706, 1718}}, zolcs::greyPrimitives, IPPI_INTER_NN};
+constexpr AcceleratedMember<Ipp8u> acceleratedRgb8{
+    {module, L"nearestIPPRgb8Rgb8", {1741, 1759, 1840, 1844, 1856}}, zolcs::threeColourPrimitives, IPPI_INTER_NN};
 
 }  // namespace
 
@@ -180,4 +187,14 @@ void CCsNearest::nearestRgb8Rgb8MapSeperate(CCsImage& src, CCsImage& dst, CCs2dT
                                                          displayPixel(redBackground, greenBackground, blueBackground),
                                                          ColourTables(blueTable, greenTable, redTable));
     });
+}
+
+int CCsNearest::nearestIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
+}
+
+int CCsNearest::nearestIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
+    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
+                                 [&] { adaptTransformation_(src, dst, trafo); });
 }

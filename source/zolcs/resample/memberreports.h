@@ -4,8 +4,20 @@
 #include "zolcs/report.h"
 
 #include <cstddef>
+#include <initializer_list>
 
 namespace zolcs {
+
+/// Texts joined at compile time: reporting must not need memory.
+struct JoinedText {
+    constexpr JoinedText(const wchar_t* first, const wchar_t* second, const wchar_t* third = L"") {
+        std::size_t at = 0;
+        for (const wchar_t* text : {first, second, third}) {
+            for (; *text != 0; ++text) characters[at++] = *text;
+        }
+    }
+    wchar_t characters[128] = {};
+};
 
 /// The report sites of one resampling member. All of its members report with number 0 and give back 0.
 class MemberReports {
@@ -35,22 +47,12 @@ public:
     [[nodiscard]] int exception() const { return fail({exception_.characters, module_, lines_.exception}, 0, 0); }
 
 private:
-    /// Two texts joined at compile time: reporting must not need memory.
-    struct Text {
-        constexpr Text(const wchar_t* first, const wchar_t* second) {
-            std::size_t at = 0;
-            for (; *first != 0; ++first) characters[at++] = *first;
-            for (; *second != 0; ++second) characters[at++] = *second;
-        }
-        wchar_t characters[128] = {};
-    };
-
     const wchar_t* module_;
     Lines lines_;
-    Text source_;
-    Text destination_;
-    Text table_;
-    Text exception_;
+    JoinedText source_;
+    JoinedText destination_;
+    JoinedText table_;
+    JoinedText exception_;
 };
 
 }  // namespace zolcs
