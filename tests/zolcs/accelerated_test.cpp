@@ -1,0 +1,722 @@
+// The members of the three resamplers that draw through the image primitives.
+#include "zolcs/resample/accelerated.h"
+
+#include "reference/guarded_image.h"
+#include "support/accelerated_members.h"
+#include "support/capability_guard.h"
+#include "support/report_capture.h"
+#include "zolcs/ccsimageutils.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <iomanip>
+#include <limits>
+#include <set>
+#include <stdexcept>
+
+namespace {
+
+using zoltest::AcceleratedCase;
+using zoltest::acceleratedCases;
+using zoltest::errorReport;
+using zoltest::GuardedImage;
+using zoltest::GuardedRaster;
+using zoltest::Random;
+using zoltest::Report;
+using zoltest::ReportCapture;
+
+unsigned char* pixelAt(zoltest::GuardedMemory& memory, const CCsImage& image, int x, int y) {
+    const int index = y * image.getPitch() + x;
+    return memory.pixels() + static_cast<std::ptrdiff_t>(index) * zoltest::bytesOfType(image.getType());
+}
+
+template <typename Image>
+int sampleAt(Image& image, int x, int y, int channel) {
+    const unsigned char* pixel = pixelAt(image.memory, image, x, y);
+    return image.getType() == CCS_RGB8 ? pixel[channel] : pixel[0] | pixel[1] << 8;
+}
+
+int channelsOf(const CCsImage& image) { return image.getType() == CCS_RGB8 ? 3 : 1; }
+
+/// A smooth picture that no flip and no turn maps onto itself, steep enough everywhere for half a pixel to show, and
+/// without the background's value.
+void paint(GuardedRaster& image) {
+    for (int y = 0; y < image.getHeight(); ++y) {
+        for (int x = 0; x < image.getWidth(); ++x) {
+            unsigned char* pixel = pixelAt(image.memory, image, x, y);
+            for (int channel = 0; channel < channelsOf(image); ++channel) {
+                const double wave = std::sin(x * 0.21 + y * 0.06 + channel) + std::sin(y * 0.27 - x * 0.04);
+                const double value = 2300.0 + 700.0 * wave + 5.0 * x - 3.0 * y;  // 600 to 4200 up to 100 pixels a side
+                if (image.getType() == CCS_RGB8) {
+                    pixel[channel] = static_cast<unsigned char>(std::clamp(value / 16.0, 80.0, 255.0));
+                } else {
+                    const auto stored = static_cast<std::uint16_t>(std::clamp(value, 200.0, 4095.0));
+                    std::memcpy(pixel, &stored, sizeof stored);
+                }
+            }
+        }
+    }
+}
+
+/// How two pictures of one view differ.
+struct Difference {
+    double mean = 0.0;
+    double largest = 0.0;
+    int coverage = 0;  ///< pixels that are background in one of them only
+    int shown = 0;     ///< samples that are compared
+};
+
+template <typename Sample>
+Difference differenceOf(GuardedImage& a, const Sample& other) {
+    Difference result;
+    double sum = 0.0;
+    for (int y = 0; y < a.getHeight(); ++y) {
+        for (int x = 0; x < a.getWidth(); ++x) {
+            const auto isBackground = [](int value) { return value == zoltest::acceleratedBackground; };
+            if (isBackground(sampleAt(a, x, y, 0)) != isBackground(other(x, y, 0))) {
+                ++result.coverage;
+                continue;
+            }
+            for (int channel = 0; channel < channelsOf(a); ++channel) {
+                const double difference = std::abs(sampleAt(a, x, y, channel) - other(x, y, channel));
+                if (isBackground(sampleAt(a, x, y, 0))) continue;
+                sum += difference;
+                result.largest = std::max(result.largest, difference);
+                ++result.shown;
+            }
+        }
+    }
+    result.mean = result.shown > 0 ? sum / result.shown : 0.0;
+    return result;
+}
+
+Difference differenceOf(GuardedImage& a, GuardedImage& b) {
+    return differenceOf(a, [&](int x, int y, int channel) { return sampleAt(b, x, y, channel); });
+}
+
+/// Where plain members and primitives may decide differently: a pixel's centre on the very edge of the image.
+int edgePixels(const CCsImage& dst) { return (dst.getWidth() + dst.getHeight()) * 2; }
+
+bool agree(const AcceleratedCase& member, const Difference& difference, const CCsImage& dst) {
+    return difference.mean <= member.meanLimit && difference.largest <= member.largestLimit &&
+           difference.coverage <= edgePixels(dst);
+}
+
+struct ViewCase {
+    double degrees;
+    bool mirrored;
+    double zoom;
+    double panX;
+    double panY;
+    double sourceRatio;
+    double destinationRatio;
+    int sourceWidth;
+    int sourceHeight;
+    int width;
+    int height;
+};
+
+std::ostream& operator<<(std::ostream& out, const ViewCase& v) {
+    return out << v.degrees << " degrees" << (v.mirrored ? ", mirrored" : "") << ", zoom " << v.zoom << ", pan "
+               << v.panX << ' ' << v.panY << ", ratios " << v.sourceRatio << ' ' << v.destinationRatio << ", "
+               << v.sourceWidth << 'x' << v.sourceHeight << " to " << v.width << 'x' << v.height;
+}
+
+CCs2dTrafo trafoOf(const ViewCase& view) {
+    CCs2dTrafo trafo;
+    if (view.mirrored) trafo.mirror(CCS_HORIZONTAL);
+    trafo.rotate(view.degrees);
+    trafo.scale(view.zoom);
+    trafo.setDspPanFactor(view.panX, view.panY);
+    return trafo;
+}
+
+/// One view drawn by both members.
+struct Pictures {
+    Pictures(const AcceleratedCase& member, const ViewCase& view)
+        : src(view.sourceWidth, view.sourceHeight, member.type, view.sourceWidth + 3, view.sourceRatio),
+          accelerated(view.width, view.height, member.type, view.width + 1, view.destinationRatio),
+          plain(view.width, view.height, member.type, view.width + 2, view.destinationRatio) {
+        paint(src);
+        CCs2dTrafo first = trafoOf(view);
+        CCs2dTrafo second = trafoOf(view);
+        EXPECT_EQ(member.accelerated(src, accelerated, first), 255) << member << ' ' << view;
+        EXPECT_EQ(member.plain(src, plain, second), 255);
+    }
+
+    GuardedRaster src;
+    GuardedImage accelerated;
+    GuardedImage plain;
+};
+
+/// All angle classes with and without mirror, both kinds of pixels, odd and even sizes, in and out of the middle.
+std::vector<ViewCase> viewCases() {
+    std::vector<ViewCase> views;
+    for (const double degrees : {0.0, 90.0, 180.0, 270.0, 17.0, 200.5, 310.0}) {
+        for (const bool mirrored : {false, true}) {
+            const auto add = [&](double zoom, double pan, double ratio, double displayRatio, CSize source, CSize size) {
+                views.push_back({degrees, mirrored, zoom, pan, -0.7 * pan, ratio, displayRatio,
+                                 static_cast<int>(source.cx), static_cast<int>(source.cy), static_cast<int>(size.cx),
+                                 static_cast<int>(size.cy)});
+            };
+            add(1.0, 0.0, 1.0, 1.0, CSize(101, 83), CSize(91, 80));
+            add(1.5, 0.13, 1.7, 1.0, CSize(90, 84), CSize(77, 81));
+            add(0.7, -0.1, 0.6, 1.0, CSize(77, 96), CSize(100, 78));
+            add(1.2, 0.0, 1.0, 1.25, CSize(80, 61), CSize(70, 63));
+        }
+    }
+    return views;
+}
+
+class AcceleratedTest : public ::testing::TestWithParam<AcceleratedCase> {
+protected:
+    ReportCapture reports_;
+    zoltest::CapabilityGuard plain_{0};
+    const AcceleratedCase& member_ = GetParam();
+
+    [[nodiscard]] Report report(const std::wstring& message, long number, int line) const {
+        return errorReport(message, number, member_.module, line);
+    }
+    [[nodiscard]] Report failure(long status) const {
+        return report(L"IPP method failed in " + member_.wideName() + L" method with error ID :", status,
+                      member_.statusLine);
+    }
+    [[nodiscard]] Report nullFailure() const {
+        return report(L"NULL pointer of src/dst passed and IPP method failed in " + member_.wideName() +
+                          L" method with error ID :",
+                      -8, member_.nullLine);
+    }
+    [[nodiscard]] Report exceptionReport() const {
+        return report(L"Exception in function " + member_.wideName(), 0, member_.exceptionLine);
+    }
+
+    std::vector<Report> takeOwn() const {
+        std::vector<Report> all = ReportCapture::take();
+        std::erase_if(all, [&](const Report& r) { return r.file != member_.module; });
+        return all;
+    }
+};
+
+TEST_P(AcceleratedTest, PicturesAgreeWithThePlainMembers) {
+    double mean = 0.0;
+    double largest = 0.0;
+    for (const ViewCase& view : viewCases()) {
+        Pictures pictures(member_, view);
+        const Difference difference = differenceOf(pictures.accelerated, pictures.plain);
+        ASSERT_GT(difference.shown, 1000) << view;
+        EXPECT_TRUE(agree(member_, difference, pictures.accelerated))
+            << view << ": mean " << difference.mean << ", largest " << difference.largest << ", coverage "
+            << difference.coverage;
+        mean = std::max(mean, difference.mean);
+        largest = std::max(largest, difference.largest);
+    }
+    RecordProperty("mean", std::to_string(mean));
+    RecordProperty("largest", std::to_string(largest));
+    EXPECT_TRUE(ReportCapture::take().empty());
+}
+
+TEST_P(AcceleratedTest, TheLimitsDetectShiftsAndFlips) {
+    double least = std::numeric_limits<double>::max();
+    for (const ViewCase& view : viewCases()) {
+        Pictures pictures(member_, view);
+        const int w = view.width;
+        const int h = view.height;
+        const auto expectRejected = [&](const Difference& difference, const std::string& what) {
+            EXPECT_FALSE(agree(member_, difference, pictures.accelerated)) << what << ' ' << view;
+            least = std::min(least, difference.mean);
+        };
+        GuardedImage& plain = pictures.plain;
+        const auto flipped = [&](bool x, bool y) {
+            return differenceOf(pictures.accelerated, [&, x, y](int column, int row, int channel) {
+                return sampleAt(plain, x ? w - 1 - column : column, y ? h - 1 - row : row, channel);
+            });
+        };
+        expectRejected(flipped(true, false), "left and right exchanged");
+        expectRejected(flipped(false, true), "top and bottom exchanged");
+        expectRejected(flipped(true, true), "half a turn");
+        // The view moved by half a display pixel in each direction, drawn by the plain member.
+        for (const auto& [x, y] :
+             {std::pair{0.5, 0.0}, std::pair{-0.5, 0.0}, std::pair{0.0, 0.5}, std::pair{0.0, -0.5}}) {
+            CCs2dTrafo trafo = trafoOf(view);
+            trafo.setSizes(pictures.src, plain);
+            // A pan of 1 moves by the extent that limits the fit; measured, since quarter turns exchange it.
+            double m[6];
+            double moved[6];
+            trafo.getImgToDsp(m[0], m[1], m[2], m[3], m[4], m[5]);
+            CCs2dTrafo probe(trafo);
+            probe.translate(1.0, 1.0);
+            probe.getImgToDsp(moved[0], moved[1], moved[2], moved[3], moved[4], moved[5]);
+            trafo.translate(x / (moved[4] - m[4]), y / (moved[5] - m[5]));
+            GuardedImage shifted(w, h, member_.type, w, view.destinationRatio);
+            ASSERT_EQ(member_.plain(pictures.src, shifted, trafo), 255);
+            expectRejected(differenceOf(pictures.accelerated, shifted), "half a pixel");
+        }
+    }
+    RecordProperty("least mean of a wrong picture", std::to_string(least));
+}
+
+TEST_P(AcceleratedTest, NothingButTheDestinationsPixelsIsWritten) {
+    Random random(71);
+    for (const ViewCase& view : viewCases()) {
+        GuardedRaster src(view.sourceWidth, view.sourceHeight, member_.type, view.sourceWidth + 3, view.sourceRatio);
+        GuardedImage dst(view.width, view.height, member_.type, view.width + 3, 1.0);
+        src.memory.randomise(random);
+        dst.memory.randomise(random);
+        const std::vector<unsigned char> before = dst.memory.all();
+        const std::vector<unsigned char> source = src.memory.all();
+        CCs2dTrafo trafo = trafoOf(view);
+        ASSERT_EQ(member_.accelerated(src, dst, trafo), 255);
+        EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+        EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+        ASSERT_TRUE(src.memory.all() == source);
+        std::vector<unsigned char> after = dst.memory.all();
+        for (int y = 0; y < view.height; ++y) {
+            const std::ptrdiff_t start = pixelAt(dst.memory, dst, 0, y) - dst.memory.all().data();
+            const std::ptrdiff_t count = view.width * zoltest::bytesOfType(member_.type);
+            std::copy_n(before.begin() + start, count, after.begin() + start);
+        }
+        ASSERT_TRUE(after == before) << view;
+    }
+}
+
+TEST_P(AcceleratedTest, WhatLiesBesideTheImageIsBackground) {
+    GuardedRaster src(10, 10, member_.type, 12, 1.0);
+    paint(src);
+    for (const double degrees : {0.0, 90.0, 180.0, 270.0, 30.0}) {
+        for (const bool mirrored : {false, true}) {
+            GuardedImage dst(60, 20, member_.type, 60, 1.0);
+            std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0xEE));
+            CCs2dTrafo trafo = trafoOf({degrees, mirrored, 1.0, 0, 0, 1, 1, 10, 10, 60, 20});
+            ASSERT_EQ(member_.accelerated(src, dst, trafo), 255);
+            for (const int x : {0, 5, 59}) {
+                const unsigned char* pixel = pixelAt(dst.memory, dst, x, 10);
+                if (member_.isColour()) {
+                    for (int c = 0; c < 4; ++c) EXPECT_EQ(pixel[c], c == 3 ? 0 : zoltest::acceleratedBackground);
+                } else {
+                    EXPECT_EQ(sampleAt(dst, x, 10, 0), zoltest::acceleratedBackground);
+                }
+            }
+            EXPECT_NE(sampleAt(dst, 30, 10, 0), zoltest::acceleratedBackground);
+        }
+    }
+}
+
+TEST_P(AcceleratedTest, ShuttersNarrowTheImageToTheirCommonBox) {
+    struct Shutters {
+        bool rectangle;
+        bool circle;
+        bool polygon;
+        CRect region;
+    };
+    const std::array<Shutters, 4> kinds{
+        Shutters{true, false, false, CRect(10, 8, 60, 50)}, Shutters{false, true, false, CRect(20, 12, 52, 44)},
+        Shutters{false, false, true, CRect(15, 5, 70, 40)}, Shutters{true, true, true, CRect(20, 12, 52, 40)}};
+    std::size_t round = 0;
+    for (const ViewCase& view : viewCases()) {
+        Pictures open(member_, view);
+        const Shutters& shutters = kinds[(round + round / 4) % 4];
+        ++round;
+        GuardedRaster src(view.sourceWidth, view.sourceHeight, member_.type, view.sourceWidth, view.sourceRatio);
+        paint(src);
+        if (shutters.rectangle) src.setRectShutter(RECT{60, 50, 10, 8});  // in any order
+        if (shutters.circle) src.setCircShutter(RECT{20, 12, 52, 44});
+        if (shutters.polygon) src.setPolygonalShutter({CPoint(15, 30), CPoint(40, 5), CPoint(70, 40)});
+        unsigned char bits[1] = {0xFF};
+        CCsBitmapShutterInfo bitmap;  // does not count
+        bitmap.tag = 1;
+        bitmap.rows = 2;
+        bitmap.columns = 4;
+        bitmap.data = bits;
+        src.setBitmapShutterInfo(bitmap);
+        GuardedImage dst(view.width, view.height, member_.type, view.width, view.destinationRatio);
+        CCs2dTrafo trafo = trafoOf(view);
+        ASSERT_EQ(member_.accelerated(src, dst, trafo), 255) << view;
+        double m[6];
+        trafo.getTransformation(m[0], m[1], m[2], m[3], m[4], m[5]);
+        int shown = 0;
+        for (int i = 0; i < view.width * view.height; ++i) {
+            const int x = i % view.width;
+            const int y = i / view.width;
+            const double u = m[0] * (x + 0.5) + m[2] * (y + 0.5) + m[4];
+            const double v = m[1] * (x + 0.5) + m[3] * (y + 0.5) + m[5];
+            const double inside = std::min({u - shutters.region.left, shutters.region.right - u,
+                                            v - shutters.region.top, shutters.region.bottom - v});
+            if (std::abs(inside) < 1e-6) continue;  // either will do
+            const int expected = inside > 0 ? sampleAt(open.accelerated, x, y, 0) : int{zoltest::acceleratedBackground};
+            ASSERT_EQ(sampleAt(dst, x, y, 0), expected) << view << " at " << x << ' ' << y;
+            if (inside > 0) ++shown;
+        }
+        EXPECT_GT(shown, 100) << view;
+    }
+}
+
+TEST_P(AcceleratedTest, ShuttersWithoutACommonRegionAreReported) {
+    const auto expectReported = [&](const std::function<void(GuardedRaster&)>& setShutters) {
+        for (const double degrees : {0.0, 90.0, 45.0}) {
+            GuardedRaster src(40, 30, member_.type, 40, 1.0);
+            setShutters(src);
+            GuardedImage dst(50, 50, member_.type, 50, 1.0);
+            const std::vector<unsigned char> before = dst.memory.all();
+            CCs2dTrafo trafo;
+            trafo.rotate(degrees);
+            EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
+            EXPECT_EQ(ReportCapture::take(),
+                      std::vector<Report>{report(L"There is no common shutter region", 0, member_.regionLine)});
+            EXPECT_EQ(dst.memory.all(), before);
+            EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+        }
+    };
+    expectReported([](GuardedRaster& src) { src.setRectShutter(RECT{100, 100, 120, 120}); });
+    expectReported([](GuardedRaster& src) { src.setRectShutter(RECT{-20, 3, 0, 20}); });
+    expectReported([](GuardedRaster& src) {
+        src.setRectShutter(RECT{0, 0, 10, 10});
+        src.setCircShutter(RECT{20, 10, 30, 20});
+    });
+    expectReported([](GuardedRaster& src) {
+        src.setCircShutter(RECT{0, 0, 10, 10});
+        src.setPolygonalShutter({CPoint(20, 20), CPoint(30, 20), CPoint(25, 29)});
+    });
+}
+
+TEST_P(AcceleratedTest, RastersWithEmbeddedOverlaysAreLeftToThePlainMembers) {
+    GuardedRaster src(40, 30, member_.type, 40, 1.0);
+    src.setEmbeddedOverlayStatus(true);
+    src.setRectShutter(RECT{100, 100, 120, 120});  // not even looked at
+    GuardedImage dst(50, 50, member_.type, 50, 1.0);
+    const std::vector<unsigned char> before = dst.memory.all();
+    CCs2dTrafo trafo;
+    EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
+    EXPECT_EQ(dst.memory.all(), before);
+    EXPECT_TRUE(ReportCapture::take().empty());
+    // The transformation has been told the sizes all the same.
+    EXPECT_EQ(trafo.getSrcSize(), CSize(40, 30));
+    EXPECT_EQ(trafo.getDstSize(), CSize(50, 50));
+}
+
+TEST_P(AcceleratedTest, OtherTypesAreReported) {
+    const auto fits = [&](int type) {
+        return member_.isColour() ? type == CCS_RGB8 : type == CCS_GREY12 || type == CCS_GREY16;
+    };
+    for (int from = CCS_INDEX8; from <= CCS_GREY16; ++from) {
+        for (int to = CCS_INDEX8; to <= CCS_GREY16; ++to) {
+            GuardedRaster src(7, 5, from, 8, 1.0);
+            GuardedImage dst(9, 6, to, 10, 1.0);
+            std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0x69));
+            const std::vector<unsigned char> before = dst.memory.all();
+            CCs2dTrafo trafo;
+            const int result = member_.accelerated(src, dst, trafo);
+            const std::vector<Report> reports = ReportCapture::take();
+            SCOPED_TRACE(std::to_string(from) + " to " + std::to_string(to));
+            if (fits(from) && fits(to)) {
+                EXPECT_EQ(result, 255);
+                EXPECT_TRUE(reports.empty());
+                EXPECT_NE(dst.memory.all(), before);
+            } else {
+                EXPECT_EQ(result, 0);
+                EXPECT_EQ(reports, std::vector<Report>{report(L"Image type not supported", 0, member_.typeLine)});
+                EXPECT_EQ(dst.memory.all(), before);
+            }
+        }
+    }
+}
+
+TEST_P(AcceleratedTest, MissingMemoryIsReportedAsANullPointer) {
+    auto* manager = ZolMemMappedManager::getIntance();
+    for (const double degrees : {0.0, 90.0, 180.0, 270.0, 45.0}) {
+        GuardedImage dst(50, 40, member_.type, 50, 1.0);
+        {
+            CCsRaster deferred(30, 30, member_.type, 1.0, false, true);
+            CCs2dTrafo trafo;
+            trafo.rotate(degrees);
+            manager->setLimit(0);
+            EXPECT_EQ(member_.accelerated(deferred, dst, trafo), 0);
+            manager->setLimit(static_cast<std::size_t>(-1));
+            // On a quarter turn the transposed image has no memory either, which is the exception's report.
+            const bool transposed = degrees == 90.0 || degrees == 270.0;
+            EXPECT_EQ(takeOwn(), std::vector<Report>{transposed ? exceptionReport() : nullFailure()});
+            EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+            EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
+        }
+        GuardedRaster src(30, 30, member_.type, 30, 1.0);
+        CCsImage& image = src;
+        class NoMemory : public CCsImage {
+        public:
+            explicit NoMemory(int imageType) {
+                width = 50;
+                height = 40;
+                type = imageType;
+                pitch = 50;
+                ratioYx = 1.0;
+            }
+        } nowhere(member_.type);
+        CCs2dTrafo trafo;
+        trafo.rotate(degrees);
+        EXPECT_EQ(member_.accelerated(src, nowhere, trafo), 0);
+        EXPECT_EQ(takeOwn(), std::vector<Report>{nullFailure()});
+        EXPECT_EQ(image.GetMemBuffer()->getLockCount(), 0);
+    }
+}
+
+TEST_P(AcceleratedTest, FailedPrimitivesAreReportedWithTheirStatus) {
+    GuardedImage dst(50, 40, member_.type, 50, 1.0);
+    const auto expectStatus = [&](GuardedRaster& src, CCs2dTrafo trafo, long status) {
+        std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(1));
+        EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
+        EXPECT_EQ(takeOwn(), std::vector<Report>{failure(status)});
+        EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
+        EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+        EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+    };
+    CCs2dTrafo oblique;
+    oblique.rotate(30.0);
+    GuardedRaster column(1, 20, member_.type, 1, 1.0);
+    expectStatus(column, oblique, ippStsRectErr);
+    GuardedRaster src(20, 20, member_.type, 20, 1.0);
+    CCs2dTrafo away = oblique;
+    away.setDspPanFactor(50.0, 0.0);
+    expectStatus(src, away, ippStsWrongIntersectQuad);
+    CCs2dTrafo unbounded;
+    unbounded.setDspPanFactor(std::numeric_limits<double>::infinity(), 0.0);
+    expectStatus(src, unbounded, ippStsBadArgErr);
+    CCs2dTrafo nothing;
+    nothing.scale(std::numeric_limits<double>::quiet_NaN());
+    expectStatus(src, nothing, ippStsCoeffErr);
+    expectStatus(src, CCs2dTrafo(0, 0, 0, 0, 0, 0), ippStsResizeFactorErr);
+    GuardedRaster none(0, 0, member_.type, 1, 1.0);
+    expectStatus(none, CCs2dTrafo(), ippStsSizeErr);
+}
+
+TEST_P(AcceleratedTest, ExceptionsAreReported) {
+    class ThrowingRaster : public GuardedRaster {
+    public:
+        using GuardedRaster::GuardedRaster;
+        unsigned char* getOrigin() override { throw std::runtime_error("no pixels today"); }
+    } src(20, 20, member_.type, 20, 1.0);
+    GuardedImage dst(50, 40, member_.type, 50, 1.0);
+    const std::vector<unsigned char> before = dst.memory.all();
+    for (const double degrees : {0.0, 90.0, 45.0}) {
+        CCs2dTrafo trafo;
+        trafo.rotate(degrees);
+        EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
+        EXPECT_EQ(ReportCapture::take(), std::vector<Report>{exceptionReport()});
+        EXPECT_EQ(dst.memory.all(), before);
+    }
+}
+
+TEST_P(AcceleratedTest, ATransposedImageWithoutMemoryIsReported) {
+    auto* manager = ZolMemMappedManager::getIntance();
+    GuardedRaster src(20, 20, member_.type, 20, 1.0);
+    GuardedImage dst(50, 40, member_.type, 50, 1.0);
+    CCs2dTrafo trafo;
+    trafo.rotate(90.0);
+    manager->setLimit(0);
+    EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
+    manager->setLimit(static_cast<std::size_t>(-1));
+    EXPECT_EQ(takeOwn(), std::vector<Report>{exceptionReport()});
+    EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
+    EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
+    EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
+}
+
+TEST_P(AcceleratedTest, SourcesOfAFewPixels) {
+    for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 2}, std::pair{2, 1}, std::pair{2, 2}}) {
+        for (const double degrees : {0.0, 90.0, 180.0, 270.0}) {
+            for (const bool mirrored : {false, true}) {
+                GuardedRaster src(width, height, member_.type, width, 1.0);
+                paint(src);
+                for (int i = 0; i < width * height; ++i) {
+                    std::memcpy(pixelAt(src.memory, src, i % width, i / width), "\xAB\x0B\x11", 2);
+                }
+                GuardedImage dst(9, 7, member_.type, 9, 1.0);
+                CCs2dTrafo trafo = trafoOf({degrees, mirrored, 1.0, 0, 0, 1, 1, width, height, 9, 7});
+                EXPECT_EQ(member_.accelerated(src, dst, trafo), 255);
+                EXPECT_EQ(sampleAt(dst, 4, 3, 0), member_.isColour() ? 0xAB : 0xBAB) << degrees;
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Members, AcceleratedTest, ::testing::ValuesIn(acceleratedCases()),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST(AcceleratedReportLines, AreDistinctWithinAModule) {
+    std::set<std::pair<std::wstring, int>> lines;
+    for (const AcceleratedCase& member : acceleratedCases()) {
+        for (const int line :
+             {member.typeLine, member.regionLine, member.nullLine, member.statusLine, member.exceptionLine}) {
+            EXPECT_TRUE(lines.emplace(member.module, line).second) << member << ' ' << line;
+        }
+    }
+}
+
+/// Primitives that note how they are called, and fail when told to.
+class Recorder {
+public:
+    static std::vector<std::string>& calls() {
+        static std::vector<std::string> list;
+        return list;
+    }
+    static std::string& failing() {
+        static std::string name;
+        return name;
+    }
+
+    static IppStatus note(const std::string& name, const std::string& arguments) {
+        calls().push_back(name + ' ' + arguments);
+        return name == failing() ? -7 : 0;
+    }
+
+    template <typename... Numbers>
+    static std::string list(Numbers... numbers) {
+        std::ostringstream out;
+        out << std::setprecision(10);
+        ((out << numbers << ' '), ...);
+        std::string text = out.str();
+        text.pop_back();
+        return text;
+    }
+
+    static IppStatus resize(const Ipp16u*, IppiSize size, int, IppiRect region, Ipp16u*, int, IppiSize to,
+                            double xFactor, double yFactor, double x, double y, int interpolation) {
+        return note("resize", list(size.width, size.height, region.x, region.y, region.width, region.height, to.width,
+                                   to.height, std::round(xFactor * 1e6) / 1e6, std::round(yFactor * 1e6) / 1e6,
+                                   std::round(x * 1e6) / 1e6, std::round(y * 1e6) / 1e6, interpolation));
+    }
+    static IppStatus mirror(Ipp16u*, int step, IppiSize size, IppiAxis axis) {
+        return note("mirror", list(step, size.width, size.height, axis));
+    }
+    static IppStatus transpose(const Ipp16u*, int from, Ipp16u*, int to, IppiSize size) {
+        return note("transpose", list(from, to, size.width, size.height));
+    }
+    static IppStatus warp(const Ipp16u*, IppiSize size, int, IppiRect region, Ipp16u*, int, IppiRect to,
+                          const double coefficients[][3], int interpolation) {
+        return note("warp", list(size.width, size.height, region.x, region.y, region.width, region.height, to.x, to.y,
+                                 to.width, to.height, std::round(coefficients[0][0] * 1e6) / 1e6,
+                                 std::round(coefficients[0][1] * 1e6) / 1e6, std::round(coefficients[1][0] * 1e6) / 1e6,
+                                 std::round(coefficients[1][1] * 1e6) / 1e6, interpolation));
+    }
+};
+
+class AcceleratedPlan : public ::testing::Test {
+protected:
+    AcceleratedPlan() {
+        Recorder::calls().clear();
+        Recorder::failing().clear();
+    }
+
+    /// Draws a 40 x 30 image with the rectangle (4, 5, 24, 20) into 101 x 60 pixels at 2.5 times its size.
+    int draw(double degrees, bool mirrored, double ratio = 1.0) {
+        static constexpr zolcs::Primitives<Ipp16u> primitives{
+            2, CCS_GREY12, Recorder::resize, Recorder::mirror, Recorder::transpose, Recorder::warp};
+        static constexpr zolcs::AcceleratedMember<Ipp16u> member{
+            {L"module", L"member", {1, 2, 3, 4, 5}}, primitives, IPPI_INTER_LINEAR};
+        GuardedRaster src(40, 30, CCS_GREY12, 44, ratio);
+        GuardedImage dst(101, 60, CCS_GREY16, 104, 1.0);
+        src.setRectShutter(RECT{4, 5, 24, 20});
+        CCs2dTrafo trafo;
+        if (mirrored) trafo.mirror(CCS_HORIZONTAL);
+        trafo.rotate(degrees);
+        trafo.scale(1.25);
+        trafo.setSizes(src, dst);
+        return zolcs::drawAccelerated(member, {src, dst, trafo, 9});
+    }
+
+    static std::vector<std::string> names() {
+        std::vector<std::string> list;
+        for (const std::string& call : Recorder::calls()) list.push_back(call.substr(0, call.find(' ')));
+        return list;
+    }
+
+    ReportCapture reports_;
+};
+
+using Calls = std::vector<std::string>;
+
+TEST_F(AcceleratedPlan, UprightViewsAreResizedAndMirroredLeftToRight) {
+    // The middle of 101 columns is column 50, half a display pixel left of the image's middle (20, 15).
+    EXPECT_EQ(draw(0.0, false), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"resize 40 30 4 5 20 15 101 60 2.5 2.5 19.8 15 2"}));
+    Recorder::calls().clear();
+    EXPECT_EQ(draw(0.0, true), 255);
+    // Drawn the other way round, column 50 takes what the view shows on column 51.
+    EXPECT_EQ(Recorder::calls(), (Calls{"resize 40 30 4 5 20 15 101 60 2.5 2.5 19.8 15 2", "mirror 208 101 60 1"}));
+}
+
+TEST_F(AcceleratedPlan, HalfTurnsAreMirroredAboutBothAxesOrOne) {
+    EXPECT_EQ(draw(180.0, false), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"resize 40 30 4 5 20 15 101 60 2.5 2.5 19.8 15 2", "mirror 208 101 60 2"}));
+    Recorder::calls().clear();
+    EXPECT_EQ(draw(180.0, true), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"resize 40 30 4 5 20 15 101 60 2.5 2.5 19.8 15 2", "mirror 208 101 60 0"}));
+}
+
+TEST_F(AcceleratedPlan, QuarterTurnsAreTransposedAndMirroredFirst) {
+    EXPECT_EQ(draw(90.0, false), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"transpose 88 64 40 30", "mirror 64 30 40 1",
+                                        "resize 30 40 10 4 15 20 101 60 2.5 2.5 14.8 20 2"}));
+    Recorder::calls().clear();
+    EXPECT_EQ(draw(270.0, false), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"transpose 88 64 40 30", "mirror 64 30 40 0",
+                                        "resize 30 40 5 16 15 20 101 60 2.5 2.5 14.8 20 2"}));
+}
+
+TEST_F(AcceleratedPlan, MirroredQuarterTurnsAreMirroredAgain) {
+    EXPECT_EQ(draw(90.0, true), 255);
+    EXPECT_EQ(draw(270.0, true), 255);
+    EXPECT_EQ(names(), (Calls{"transpose", "mirror", "resize", "mirror", "transpose", "mirror", "resize", "mirror"}));
+    EXPECT_EQ(Recorder::calls()[3], "mirror 208 101 60 1");
+    EXPECT_EQ(Recorder::calls()[7], "mirror 208 101 60 1");
+    // A view that is mirrored, then turned by 90 degrees, is one that is turned by 270 and then mirrored.
+    EXPECT_EQ(Recorder::calls()[1], "mirror 64 30 40 0");
+    EXPECT_EQ(Recorder::calls()[5], "mirror 64 30 40 1");
+}
+
+TEST_F(AcceleratedPlan, ObliqueViewsAreWarpedOnly) {
+    EXPECT_EQ(draw(45.0, false), 255);
+    EXPECT_EQ(Recorder::calls(), (Calls{"warp 40 30 4 5 20 15 0 0 101 60 1.767767 -1.767767 1.767767 1.767767 2"}));
+    Recorder::calls().clear();
+    EXPECT_EQ(draw(45.0, true), 255);
+    EXPECT_EQ(draw(91.5, false), 255);
+    EXPECT_EQ(draw(359.5, false), 255);
+    EXPECT_EQ(names(), (Calls{"warp", "warp", "warp"}));
+}
+
+TEST_F(AcceleratedPlan, ADegreeBesideAQuarterTurnCountsAsOne) {
+    for (const double degrees : {0.9, 180.9, 179.1, 90.9, 89.1, 269.1, 270.9}) draw(degrees, false);
+    EXPECT_EQ(std::count_if(Recorder::calls().begin(), Recorder::calls().end(),
+                            [](const std::string& call) { return call.starts_with("resize"); }),
+              7);
+    Recorder::calls().clear();
+    for (const double degrees : {1.1, 181.1, 178.9, 91.1, 88.9, 268.9, 271.1, -0.9}) draw(degrees, false);
+    EXPECT_EQ(names(), Calls(8, "warp"));
+}
+
+TEST_F(AcceleratedPlan, FactorsFollowTheRatios) {
+    draw(0.0, false, 2.0);
+    draw(90.0, false, 2.0);
+    ASSERT_EQ(names(), (Calls{"resize", "transpose", "mirror", "resize"}));
+    // Twice as many display pixels along a source pixel's long side.
+    EXPECT_EQ(Recorder::calls()[0], "resize 40 30 4 5 20 15 101 60 1.25 2.5 19.6 15 2");
+    EXPECT_EQ(Recorder::calls()[3], "resize 30 40 10 4 15 20 101 60 3.75 1.875 14.866667 20 2");
+}
+
+TEST_F(AcceleratedPlan, AfterAFailureNothingMoreIsDone) {
+    const auto expectStopped = [&](const std::string& failing, double degrees, const Calls& expected) {
+        Recorder::calls().clear();
+        Recorder::failing() = failing;
+        EXPECT_EQ(draw(degrees, true), 0);
+        EXPECT_EQ(names(), expected);
+        EXPECT_EQ(ReportCapture::take(), std::vector<Report>{errorReport(
+                                             L"IPP method failed in member method with error ID :", -7, L"module", 4)});
+    };
+    expectStopped("resize", 0.0, {"resize"});
+    expectStopped("resize", 180.0, {"resize"});
+    expectStopped("mirror", 180.0, {"resize", "mirror"});
+    expectStopped("transpose", 90.0, {"transpose"});
+    expectStopped("mirror", 90.0, {"transpose", "mirror"});
+    expectStopped("resize", 270.0, {"transpose", "mirror", "resize"});
+    expectStopped("warp", 45.0, {"warp"});
+}
+
+}  // namespace
