@@ -1,6 +1,7 @@
 #include "zolcs/ccsbicubic.h"
 
 #include "support/bicubic_members.h"
+#include "support/variants.h"
 #include "zolcs/resample/cubicweights.h"
 
 #include <cstdlib>
@@ -296,4 +297,12 @@ TEST(CCsBicubicMembers, ReportLinesAreDistinct) { zoltest::expectDistinctLines(b
 
 TEST(CCsBicubicMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bicubicMembers()); }
 
-TEST(CCsBicubicMembers, StopWhenAnotherThreadAsks) { zoltest::expectStoppedByAnotherThread(bicubicMembers()); }
+TEST(CCsBicubicMembers, StopWhenAnotherThreadAsks) {
+    for (const double angle : {0.0, 11.0, 90.0}) {
+        SCOPED_TRACE(angle);
+        zoltest::expectStoppedByAnotherThread(bicubicMembers(), angle, false);
+    }
+    const zoltest::VariantGuard guard;
+    zolcs::SpanOperations::choose("plain");
+    zoltest::expectStoppedByAnotherThread(bicubicMembers(), 11.0, true);
+}

@@ -2,6 +2,7 @@
 
 #include "support/bilinear_members.h"
 #include "support/capability_guard.h"
+#include "support/variants.h"
 
 #include <cstring>
 #include <limits>
@@ -299,4 +300,12 @@ TEST(CCsBilinearMembers, ReportLinesAreDistinct) { zoltest::expectDistinctLines(
 
 TEST(CCsBilinearMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bilinearMembers()); }
 
-TEST(CCsBilinearMembers, StopWhenAnotherThreadAsks) { zoltest::expectStoppedByAnotherThread(bilinearMembers()); }
+TEST(CCsBilinearMembers, StopWhenAnotherThreadAsks) {
+    for (const double angle : {0.0, 11.0, 90.0}) {
+        SCOPED_TRACE(angle);
+        zoltest::expectStoppedByAnotherThread(bilinearMembers(), angle, false);
+    }
+    const zoltest::VariantGuard guard;
+    zolcs::SpanOperations::choose("plain");
+    zoltest::expectStoppedByAnotherThread(bilinearMembers(), 11.0, true);
+}

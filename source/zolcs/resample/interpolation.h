@@ -6,6 +6,7 @@
 #include "zolcs/resample/member.h"
 #include "zolcs/resample/oblique.h"
 #include "zolcs/resample/resample.h"
+#include "zolcs/resample/separable.h"
 #include "zolcs/resample/stopflag.h"
 
 #include <cstdint>
@@ -46,7 +47,8 @@ template <typename Kernel, typename Convert, typename Draw>
 bool withInterpolator(const Stepping& stepping, const Kernel& kernel, const Convert& convert, Polling polling,
                       std::int32_t& flag, const Draw& draw) {
     if (!SpanOperations::isPlain()) {
-        [[maybe_unused]] const StopFlag stop = polling == Polling::EveryPixel ? StopFlag(flag) : StopFlag();
+        const StopFlag stop = polling == Polling::EveryPixel ? StopFlag(flag) : StopFlag();
+        if (isSeparable(stepping)) return withSeparable(kernel, convert, stop, draw);
         if constexpr (hasObliqueFiller<Kernel>) {
             using Oblique = ObliqueFiller<Kernel, Convert>;
             if (Oblique::isUsableFor(kernel, stepping)) {

@@ -1,0 +1,198 @@
+// Bilinear and bicubic interpolation in upright views and quarter turns: every variant against the plain loop.
+#include "zolcs/resample/separable.h"
+
+#include "support/bicubic_members.h"
+#include "support/bilinear_members.h"
+#include "support/variants.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using zolcs::SpanOperations;
+using zolcs::StopFlag;
+using zoltest::GuardedImage;
+using zoltest::GuardedRaster;
+using zoltest::Random;
+
+/// From one pixel to beyond the length of every vector, block and strip.
+int anyExtent(Random& random) {
+    if (random.chance(0.3)) return random.integer(1, 8);
+    return random.integer(1, random.chance(0.1) ? 1100 : 90);
+}
+
+/// Upright, turned by quarters, mirrored; sometimes so that rows begin where one rule differs from another.
+CCs2dTrafo separableView(Random& random, CCsImage& src, CCsImage& dst) {
+    CCs2dTrafo trafo;
+    trafo.setSizes(src, dst);
+    trafo.rotate(90.0 * random.integer(0, 3));
+    zoltest::anyMirror(random, trafo);
+    trafo.scale(std::pow(10.0, random.real(-1.0, 1.2)));
+    zoltest::anyPan(random, trafo);
+    if (random.chance(0.4)) zoltest::startAtBorders(random, trafo, src, dst);
+    return trafo;
+}
+
+/// Compares the whole memory of the destination, guards and line padding included.
+template <typename Resampler>
+void expectSameAsPlain(const zoltest::ResamplerMembers<Resampler>& members, std::uint64_t seed, int rounds) {
+    Random random(seed);
+    zoltest::forEachVariant([&](const std::string& variant) {
+        if (variant == "plain") return;
+        Resampler resampler;
+        for (int round = 0; round < rounds; ++round) {
+            const auto& member = members[static_cast<std::size_t>(round) % members.size()];
+            const bool wide = random.chance(0.5);
+            const auto extent = [&](bool isLong) { return isLong ? anyExtent(random) : random.integer(1, 40); };
+            const int srcWidth = extent(wide);
+            const int dstWidth = extent(wide);
+            GuardedRaster src(srcWidth, extent(!wide), member.sourceType, srcWidth + random.integer(0, 9),
+                              random.chance(0.8) ? 1.0 : random.real(0.3, 3.0));
+            GuardedImage dst(dstWidth, extent(!wide), member.destinationType, dstWidth + random.integer(0, 9), 1.0);
+            src.memory.randomise(random);
+            dst.memory.randomise(random);
+            if (random.chance(0.3)) {  // only extremes: products and overshoots are largest
+                for (unsigned char& byte : src.memory.all()) byte = random.chance(0.5) ? 255 : 0;
+            }
+            CCs2dTrafo trafo = separableView(random, src, dst);
+            const std::vector<unsigned char> before = dst.memory.all();
+
+            SpanOperations::choose("plain");
+            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
+            const std::vector<unsigned char> expected = dst.memory.all();
+            dst.memory.all() = before;
+            // What lies beside the pixels plays no part.
+            const auto guard = static_cast<std::ptrdiff_t>(src.memory.guard());
+            std::fill_n(src.memory.all().begin(), guard, static_cast<unsigned char>(0x5A));
+            std::fill_n(src.memory.all().end() - guard, guard, static_cast<unsigned char>(0xA5));
+
+            SpanOperations::choose(variant);
+            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
+            ASSERT_TRUE(dst.memory.all() == expected)
+                << zoltest::narrow(member.name) << " round " << round << ' ' << srcWidth << 'x' << src.getHeight()
+                << " type " << member.sourceType << " to " << dstWidth << 'x' << dst.getHeight() << " type "
+                << member.destinationType << ' ' << zoltest::textOf(zoltest::toImageOf(trafo, src, dst));
+        }
+    });
+}
+
+TEST(SeparableProperty, BilinearEqualsThePlainLoop) { expectSameAsPlain(zoltest::bilinearMembers(), 20240501, 450); }
+
+TEST(SeparableProperty, BicubicEqualsThePlainLoop) { expectSameAsPlain(zoltest::bicubicMembers(), 20240502, 450); }
+
+TEST(SeparableProperty, NothingBesideThePixelsIsRead) {
+    // The raster's memory ends with its pixels; the address sanitizer watches.
+    zoltest::forEachVariant([](const std::string&) {
+        CCsBilinear bilinear;
+        CCsBicubic bicubic;
+        for (int width = 1; width <= 40; ++width) {
+            for (const int type : {CCS_GREY12, CCS_GREY16, CCS_RGB8}) {
+                const int height = 1 + width % 5;
+                const auto bytes = static_cast<std::size_t>(width * height * zoltest::bytesOfType(type));
+                CCsRaster src(zoltest::plainBuffer(bytes), width, height, type, 1.0);
+                std::vector<unsigned char> exact(bytes, 7);
+                src.GetMemBuffer()->setHeapBuffer(exact.data());
+                GuardedImage dst(51, 41, type, 51, 1.0);
+                for (const double angle : {0.0, 90.0, 180.0, 270.0}) {
+                    CCs2dTrafo trafo;
+                    trafo.rotate(angle);
+                    if (type == CCS_RGB8) {
+                        EXPECT_EQ(bilinear.bilinearRgb8Rgb8(src, dst, trafo, 0, false), 255);
+                        EXPECT_EQ(bicubic.bicubicRgb8Rgb8(src, dst, trafo, 0), 255);
+                    } else {
+                        EXPECT_EQ(bilinear.bilinearGrey12Grey12(src, dst, trafo, 0, false), 255);
+                        EXPECT_EQ(bicubic.bicubicGrey12Grey12(src, dst, trafo, 0, false, false), 255);
+                    }
+                    // 7, or 0x0707 and its lower 12 bits, as everywhere in the source.
+                    EXPECT_EQ(dst.memory.pixels()[(20 * 51 + 25) * zoltest::bytesOfType(type)], 7);
+                }
+            }
+        }
+    });
+}
+
+/// A display pixel of a value that raises a flag when it is the last one of some.
+struct RaisingTable {
+    int& left;
+    int& written;
+    std::int32_t& flag;
+
+    std::uint32_t operator()(std::uint16_t sample) const {
+        ++written;
+        if (--left == 0) zolcs::setFlag(flag, 1);
+        return sample + 1U;
+    }
+};
+
+TEST(SeparableProperty, StopsWithinSixteenPixels) {
+    const CCsBicubic buildsTheWeights;
+    zoltest::forEachVariant([](const std::string& variant) {
+        if (variant == "plain") return;
+        constexpr int size = 100;
+        const std::vector<std::uint16_t> pixels(static_cast<std::size_t>(size) * size, 500);
+        zolcs::Stepping stepping = zolcs::makeStepping({1, 0, 0, 1, 0, 0}, size, size, size, size);
+        for (const int raiseAfter : {1, 5, 16, 17, 99, 100, 101, 500, 5000}) {
+            int left = raiseAfter;
+            int written = 0;
+            std::int32_t flag = 0;
+            const RaisingTable convert{left, written, flag};
+            const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
+            zolcs::SeparableFiller<zolcs::CubicGrey12Lines, RaisingTable> filler(kernel, convert, StopFlag(flag));
+            std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
+            const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
+            EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
+            EXPECT_GE(written, raiseAfter);
+            EXPECT_LE(written, raiseAfter + 15);
+            // What was written stays, and nothing else has been.
+            EXPECT_EQ(std::count(shown.begin(), shown.end(), 501U), written);
+            EXPECT_EQ(std::count(shown.begin(), shown.end(), 0U) + std::count(shown.begin(), shown.end(), 7U),
+                      size * size - written);
+        }
+    });
+}
+
+/// Each operation looks at the flag before its first block.
+TEST(SeparableProperty, NoOperationBeginsWhenStopped) {
+    zoltest::forEachVariant([](const std::string&) {
+        std::int32_t flag = 1;
+        const StopFlag stop(flag);
+        const zolcs::LineOperations& operations = zolcs::LineOperations::chosen();
+        const std::vector<std::int32_t> offsets(32);
+        const std::vector<std::int16_t> weights(128, 100);
+        const zolcs::ColumnTaps taps{offsets.data(), weights.data(), weights.data()};
+        const zolcs::CubicWeights cubic{0, 65536, 0, 0};
+        const auto across = [&](const auto operation, auto pixel, auto sample) {
+            const std::vector<decltype(pixel)> row(4, 9);
+            std::vector<decltype(sample)> out(128, 3);
+            EXPECT_FALSE(operation(row.data(), taps, 20, out.data(), stop));
+            EXPECT_EQ(std::count(out.begin(), out.end(), 3), 128);
+        };
+        const auto down = [&](const auto operation, const auto& rowWeights, auto sample, auto pixel, auto count) {
+            const std::vector<decltype(sample)> row(128, 9);
+            std::array<const decltype(sample)*, count()> rows{};
+            rows.fill(row.data());
+            for (const int pixels : {5, 20}) {
+                std::vector<decltype(pixel)> out(32, 3);
+                EXPECT_FALSE(operation(rows, rowWeights, pixels, out.data(), stop));
+                EXPECT_EQ(std::count(out.begin(), out.end(), 3), 32);
+            }
+        };
+        using Two = std::integral_constant<std::size_t, 2>;
+        using Four = std::integral_constant<std::size_t, 4>;
+        across(operations.bilinearGrey12Across, std::uint16_t{}, std::int16_t{});
+        across(operations.bilinearGrey16Across, std::uint16_t{}, std::int32_t{});
+        across(operations.bilinearRgbAcross, std::uint32_t{}, std::uint32_t{});
+        across(operations.cubicGrey12Across, std::uint16_t{}, std::int16_t{});
+        across(operations.cubicGrey16Across, std::uint16_t{}, std::int32_t{});
+        across(operations.cubicRgbAcross, std::uint32_t{}, std::int16_t{});
+        down(operations.bilinearGrey12Down, 1U, std::int16_t{}, std::uint16_t{}, Two());
+        down(operations.bilinearGrey16Down, 1U, std::int32_t{}, std::uint16_t{}, Two());
+        down(operations.bilinearRgbDown, 1U, std::uint32_t{}, std::uint32_t{}, Two());
+        down(operations.cubicGrey12Down, cubic, std::int16_t{}, std::uint16_t{}, Four());
+        down(operations.cubicGrey16Down, cubic, std::int32_t{}, std::uint16_t{}, Four());
+        down(operations.cubicRgbDown, cubic, std::int16_t{}, std::uint32_t{}, Four());
+    });
+}
+
+}  // namespace
