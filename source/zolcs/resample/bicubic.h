@@ -63,6 +63,7 @@ public:
     }
 
     [[nodiscard]] const ImageView<const Pixel>& pixels() const { return source_; }
+    [[nodiscard]] const CubicWeights* weights() const { return weights_; }
     [[nodiscard]] std::int64_t lastColumn() const { return lastColumn_; }
     [[nodiscard]] std::int64_t lastRow() const { return lastRow_; }
 

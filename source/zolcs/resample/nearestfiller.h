@@ -24,15 +24,19 @@ void moveSpan(const SourcePixel* source, const std::int32_t* offsets, int count,
     }
 }
 
+/// True when a source's positions and offsets fit 31 bits.
+inline bool fitsSpanPositions(const Stepping& stepping, std::int64_t sourcePitch) {
+    constexpr Fixed16 limit = Fixed16{1} << 31;
+    return stepping.limitU <= limit && stepping.limitV <= limit && sourcePitch <= limit &&
+           pixelOf(stepping.limitV) * sourcePitch <= limit;
+}
+
 /// Equals PlainFiller<NearestKernel<SourcePixel>, Convert> bit for bit, for sources that isUsableFor accepts.
 template <typename SourcePixel, typename Pixel, typename Convert>
 class NearestFiller {
 public:
-    /// True when the source's positions and offsets fit 31 bits.
     static bool isUsableFor(const Stepping& stepping, std::int64_t sourcePitch) {
-        constexpr Fixed16 limit = Fixed16{1} << 31;
-        return stepping.limitU <= limit && stepping.limitV <= limit && sourcePitch <= limit &&
-               pixelOf(stepping.limitV) * sourcePitch <= limit;
+        return fitsSpanPositions(stepping, sourcePitch);
     }
 
     NearestFiller(ImageView<const SourcePixel> source, const Convert& convert) : source_(source), convert_(convert) {}

@@ -25,6 +25,9 @@ public:
     StopFlag() = default;
     explicit StopFlag(std::int32_t& flag) : flag_(&flag) {}
 
+    /// False when it can never be raised.
+    [[nodiscard]] bool isThere() const { return flag_ != nullptr; }
+
     [[nodiscard]] bool isRaised() const { return flag_ != nullptr && zolcs::isRaised(*flag_); }
 
 private:
