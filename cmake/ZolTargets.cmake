@@ -78,3 +78,13 @@ function(zol_library name)
     install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zolwebcs/${folder})
   endforeach()
 endfunction()
+
+# Vector code with run-time dispatch. The cross compilers have no Highway (and misalign wide vectors on the stack): there
+# the portable loops give the same bits.
+function(zol_use_highway name)
+  if(NOT CMAKE_CROSSCOMPILING)
+    find_package(hwy REQUIRED)
+    target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:hwy::hwy>)
+    target_compile_definitions(${name} PRIVATE ZOL_USE_HIGHWAY=1)
+  endif()
+endfunction()

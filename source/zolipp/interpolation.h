@@ -13,8 +13,11 @@
 
 namespace zolipp {
 
+template <typename T, int taps>
+using PerNeighbour = std::array<T, static_cast<std::size_t>(taps)>;
+
 template <int taps>
-using Weights = std::array<float, static_cast<std::size_t>(taps)>;
+using Weights = PerNeighbour<float, taps>;
 
 /// The pixels along one axis that a position needs: as many as there are weights, from `first` on. They may lie outside
 /// the image.

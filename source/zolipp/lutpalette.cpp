@@ -1,13 +1,10 @@
 #include "zolipp/lutpalette.h"
 
+#include "zolipp/sse2.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-
-#if defined(__SSE2__) || defined(_M_X64)
-#define ZOLIPP_SSE2 1
-#include <emmintrin.h>
-#endif
 
 namespace zolipp {
 namespace {

@@ -4,6 +4,7 @@
 #include "zolipp/zolipp.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -65,11 +66,16 @@ void copyPixel(const std::byte* source, std::byte* target) {
     std::memcpy(target, source, Format::written * sizeof(typename Format::Sample));
 }
 
-/// The nearest value of the type; halves go up.
+/// Added to a number of less than 2^22, this leaves the nearest whole number in the low bits, halves rounded to even:
+/// quicker than a conversion, and the same in every variant.
+inline constexpr float roundingShift = 12582912.0F;
+inline constexpr std::int32_t roundingShiftBits = 0x4B400000;
+
+/// The nearest value of the type.
 template <typename Sample>
 Sample roundedSample(float value) {
-    constexpr auto largest = static_cast<float>(std::numeric_limits<Sample>::max());
-    return static_cast<Sample>(static_cast<std::int32_t>(std::min(std::max(value, 0.0F), largest) + 0.5F));
+    const auto rounded = std::bit_cast<std::int32_t>(value + roundingShift) - roundingShiftBits;
+    return static_cast<Sample>(std::clamp<std::int32_t>(rounded, 0, std::numeric_limits<Sample>::max()));
 }
 
 }  // namespace zolipp

@@ -1,9 +1,122 @@
 #include "zolipp/checks.h"
 #include "zolipp/pixels.h"
+#include "zolipp/rowoperations.h"
+#include "zolipp/sse2.h"
+
+#include <type_traits>
 
 namespace zolipp {
 
 namespace {
+
+/// Pixels of a source of which the rows become the columns of a target.
+struct Piece {
+    SourceRows source;
+    TargetRows target;
+    IppiSize size;  ///< of the source
+
+    /// The part that starts at a source pixel.
+    template <typename Format>
+    [[nodiscard]] Piece part(int x, int y, IppiSize partSize) const {
+        return {{source.at(y) + std::ptrdiff_t{x} * pixelBytes<Format>, source.step},
+                {target.at(x) + std::ptrdiff_t{y} * pixelBytes<Format>, target.step},
+                partSize};
+    }
+};
+
+template <typename Format>
+void transposePlainly(const Piece& piece) {
+    for (int x = 0; x < piece.size.width; ++x) {
+        for (int y = 0; y < piece.size.height; ++y) {
+            copyPixel<Format>(piece.source.at(y) + std::ptrdiff_t{x} * pixelBytes<Format>,
+                              piece.target.at(x) + std::ptrdiff_t{y} * pixelBytes<Format>);
+        }
+    }
+}
+
+#if defined(ZOLIPP_SSE2)
+
+constexpr std::ptrdiff_t lineBytes = 64;
+
+/// Turns the 8 x 8 or 4 x 4 pixels that `load` gives row by row.
+template <typename Load, typename Store>
+void transposeBlock(std::integral_constant<int, 2> /*bytes*/, Load load, Store store) {
+    __m128i pairs[8];
+    for (int i = 0; i < 4; ++i) {
+        const __m128i a = load(2 * i);
+        const __m128i b = load(2 * i + 1);
+        pairs[i] = _mm_unpacklo_epi16(a, b);
+        pairs[i + 4] = _mm_unpackhi_epi16(a, b);
+    }
+    for (int half = 0; half < 2; ++half) {
+        const __m128i* rows = pairs + 4 * half;
+        const __m128i low01 = _mm_unpacklo_epi32(rows[0], rows[1]);
+        const __m128i low23 = _mm_unpacklo_epi32(rows[2], rows[3]);
+        const __m128i high01 = _mm_unpackhi_epi32(rows[0], rows[1]);
+        const __m128i high23 = _mm_unpackhi_epi32(rows[2], rows[3]);
+        store(4 * half, _mm_unpacklo_epi64(low01, low23));
+        store(4 * half + 1, _mm_unpackhi_epi64(low01, low23));
+        store(4 * half + 2, _mm_unpacklo_epi64(high01, high23));
+        store(4 * half + 3, _mm_unpackhi_epi64(high01, high23));
+    }
+}
+
+template <typename Load, typename Store>
+void transposeBlock(std::integral_constant<int, 4> /*bytes*/, Load load, Store store) {
+    const __m128i low01 = _mm_unpacklo_epi32(load(0), load(1));
+    const __m128i low23 = _mm_unpacklo_epi32(load(2), load(3));
+    const __m128i high01 = _mm_unpackhi_epi32(load(0), load(1));
+    const __m128i high23 = _mm_unpackhi_epi32(load(2), load(3));
+    store(0, _mm_unpacklo_epi64(low01, low23));
+    store(1, _mm_unpackhi_epi64(low01, low23));
+    store(2, _mm_unpacklo_epi64(high01, high23));
+    store(3, _mm_unpackhi_epi64(high01, high23));
+}
+
+/// Turns a square of as many pixels a side as fit a cache line. Rows are read, and written, a whole line at a time:
+/// steps are often powers of two, and then all lines of a column share one place in the cache.
+template <typename Format>
+void transposeTile(const Piece& tile) {
+    constexpr int bytes = pixelBytes<Format>;
+    constexpr int side = static_cast<int>(lineBytes) / bytes;
+    constexpr int block = static_cast<int>(sizeof(__m128i)) / bytes;
+    alignas(lineBytes) std::byte turned[static_cast<std::size_t>(side * lineBytes)];
+    for (int y = 0; y < side; y += block) {
+        for (int x = 0; x < side; x += block) {
+            transposeBlock(
+                std::integral_constant<int, bytes>{},
+                [&](int i) { return loadVector(tile.source.at(y + i) + x * bytes); },
+                [&](int i, __m128i pixels) { storeVector(turned + (x + i) * lineBytes + y * bytes, pixels); });
+        }
+    }
+    for (int x = 0; x < side; ++x) {
+        std::byte* to = tile.target.at(x);
+        const std::byte* from = turned + x * lineBytes;
+        for (std::ptrdiff_t i = 0; i < lineBytes; i += static_cast<std::ptrdiff_t>(sizeof(__m128i)))
+            storeVector(to + i, loadVector(from + i));
+    }
+}
+
+template <typename Format>
+void transposeFast(const Piece& piece) {
+    constexpr int side = static_cast<int>(lineBytes) / pixelBytes<Format>;
+    const int wholeWidth = piece.size.width / side * side;
+    const int wholeHeight = piece.size.height / side * side;
+    for (int y = 0; y < wholeHeight; y += side) {
+        for (int x = 0; x < wholeWidth; x += side) transposeTile<Format>(piece.part<Format>(x, y, {side, side}));
+    }
+    transposePlainly<Format>(piece.part<Format>(wholeWidth, 0, {piece.size.width - wholeWidth, piece.size.height}));
+    transposePlainly<Format>(piece.part<Format>(0, wholeHeight, {wholeWidth, piece.size.height - wholeHeight}));
+}
+
+#else
+
+template <typename Format>
+void transposeFast(const Piece& piece) {
+    transposePlainly<Format>(piece);
+}
+
+#endif
 
 template <typename Format>
 IppStatus transpose(const void* pSrc, int srcStep, void* pDst, int dstStep, IppiSize size) {
@@ -11,14 +124,8 @@ IppStatus transpose(const void* pSrc, int srcStep, void* pDst, int dstStep, Ippi
     if (isEmpty(size)) return ippStsSizeErr;
     if (!holdsRow(srcStep, size.width, pixelBytes<Format>)) return ippStsStepErr;
     if (!holdsRow(dstStep, size.height, pixelBytes<Format>)) return ippStsStepErr;
-    const SourceRows source = rowsOf(pSrc, srcStep);
-    const TargetRows target = rowsOf(pDst, dstStep);
-    for (int x = 0; x < size.width; ++x) {
-        for (int y = 0; y < size.height; ++y) {
-            copyPixel<Format>(source.at(y) + std::ptrdiff_t{x} * pixelBytes<Format>,
-                              target.at(x) + std::ptrdiff_t{y} * pixelBytes<Format>);
-        }
-    }
+    const Piece whole{rowsOf(pSrc, srcStep), rowsOf(pDst, dstStep), size};
+    RowOperations::isPlain() ? transposePlainly<Format>(whole) : transposeFast<Format>(whole);
     return ippStsNoErr;
 }
 

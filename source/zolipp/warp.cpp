@@ -1,5 +1,5 @@
 #include "zolipp/checks.h"
-#include "zolipp/sample.h"
+#include "zolipp/rowoperations.h"
 
 #include <algorithm>
 #include <array>
@@ -33,34 +33,26 @@ std::optional<Inverse> inverseOf(const double coeffs[2][3]) {
     return usable ? std::optional(inverse) : std::nullopt;
 }
 
-/// One coordinate of the source points under the centres of a destination row's pixels.
-struct RowPosition {
-    double step;
-    double start;
-
-    RowPosition(const std::array<double, 3>& coefficients, int row)
-        : step(coefficients[0]), start(coefficients[1] * (row + 0.5) + coefficients[2]) {}
-
-    [[nodiscard]] double at(int column) const { return step * (column + 0.5) + start; }
-};
+LinePosition positionInRow(const std::array<double, 3>& coefficients, int row) {
+    return {coefficients[0], coefficients[1] * (row + 0.5) + coefficients[2]};
+}
 
 struct Span {
     int begin;
     int end;
 };
 
-/// The pixels of a span at which a coordinate lies within [low, high): one run, since rounding keeps the order.
-Span within(Span span, const RowPosition& position, std::int64_t low, std::int64_t high) {
+/// The pixels of a span at which a coordinate, less `shift`, lies within [low, high): one run, since rounding keeps the
+/// order.
+Span within(Span span, const LinePosition& position, double shift, std::int64_t low, std::int64_t high) {
     const auto from = static_cast<double>(low);
     const auto to = static_cast<double>(high);
-    const auto rising = [&](auto enters, auto leaves) {
-        const int begin = firstWhere(span.begin, span.end, enters);
-        return Span{begin, firstWhere(begin, span.end, leaves)};
+    const auto between = [&](auto enters, auto leaves) {
+        const int begin = firstWhere(span.begin, span.end, [&](int i) { return enters(position.at(i) - shift); });
+        return Span{begin, firstWhere(begin, span.end, [&](int i) { return leaves(position.at(i) - shift); })};
     };
-    if (position.step < 0.0) {
-        return rising([&](int i) { return position.at(i) < to; }, [&](int i) { return position.at(i) < from; });
-    }
-    return rising([&](int i) { return position.at(i) >= from; }, [&](int i) { return position.at(i) >= to; });
+    if (position.step < 0.0) return between([&](double p) { return p < to; }, [&](double p) { return p < from; });
+    return between([&](double p) { return p >= from; }, [&](double p) { return p >= to; });
 }
 
 struct WarpJob {
@@ -72,29 +64,87 @@ struct WarpJob {
     int interpolation;
 };
 
+/// One row of the destination, as far as it shows the source's region.
 template <typename Format, int taps>
-void warpSpan(const WarpJob& job, int row, Span span, const RowPosition& x, const RowPosition& y) {
-    std::byte* target = job.target.at(row) + std::ptrdiff_t{span.begin} * pixelBytes<Format>;
-    for (int i = span.begin; i < span.end; ++i, target += pixelBytes<Format>) {
-        samplePixel<Format>(job.source, neighboursAt<taps>(x.at(i)), neighboursAt<taps>(y.at(i)), target);
+class WarpedRow {
+public:
+    WarpedRow(const WarpJob& job, int row)
+        : job_(job),
+          target_(job.target.at(row)),
+          x_(positionInRow(job.inverse.x, row)),
+          y_(positionInRow(job.inverse.y, row)) {
+        const IppiRect& region = job.sourceRegion;
+        shown_ = {job.targetRegion.x, job.targetRegion.x + job.targetRegion.width};
+        shown_ = within(shown_, x_, 0.0, region.x, std::int64_t{region.x} + region.width);
+        shown_ = within(shown_, y_, 0.0, region.y, std::int64_t{region.y} + region.height);
     }
-}
+
+    [[nodiscard]] bool isEmpty() const { return shown_.begin >= shown_.end; }
+
+    void fillPlainly() const { fillPlainly(shown_); }
+
+    /// Pixels some of whose neighbours lie beyond the source's edges are left to the plain form.
+    void fill(const RowOperations& operations, Spots& spots) const {
+        const Span inner = innerSpan();
+        fillPlainly({shown_.begin, inner.begin});
+        for (int i = inner.begin; i < inner.end; i += spotLimit) {
+            const int count = std::min(spotLimit, inner.end - i);
+            operations.locate[taps / 2](x_, i, count, spots.x);
+            operations.locate[taps / 2](y_, i, count, spots.y);
+            if constexpr (taps == 1) {
+                copy(spots, count, pixel(i));
+            } else {
+                operationsOf<Format>(operations).mixSpots[taps / 4](job_.source, spots, count, pixel(i));
+            }
+        }
+        fillPlainly({inner.end, shown_.end});
+    }
+
+private:
+    [[nodiscard]] std::byte* pixel(int column) const { return target_ + std::ptrdiff_t{column} * pixelBytes<Format>; }
+
+    /// The shown pixels of which all neighbours lie inside the source.
+    [[nodiscard]] Span innerSpan() const {
+        if constexpr (taps == 1) return shown_;
+        const auto innerIn = [](Span span, const LinePosition& position, int length) {
+            return within(span, position, 0.5, taps / 2 - 1, std::int64_t{length} - taps / 2);
+        };
+        return innerIn(innerIn(shown_, x_, job_.source.size.width), y_, job_.source.size.height);
+    }
+
+    void fillPlainly(Span span) const {
+        for (int i = span.begin; i < span.end; ++i) {
+            samplePixel<Format>(job_.source, neighboursAt<taps>(x_.at(i)), neighboursAt<taps>(y_.at(i)), pixel(i));
+        }
+    }
+
+    void copy(const Spots& spots, int count, std::byte* target) const {
+        for (int i = 0; i < count; ++i, target += pixelBytes<Format>) {
+            const std::byte* row = job_.source.rows.at(spots.y.first[i]);
+            copyPixel<Format>(row + std::ptrdiff_t{spots.x.first[i]} * pixelBytes<Format>, target);
+        }
+    }
+
+    const WarpJob& job_;
+    std::byte* target_;
+    LinePosition x_;
+    LinePosition y_;
+    Span shown_{};
+};
 
 /// False when no pixel shows the source's region.
 template <typename Format, int taps>
 bool warpWith(const WarpJob& job) {
-    const IppiRect& region = job.sourceRegion;
+    const RowOperations& operations = RowOperations::chosen();
+    const bool plainly = RowOperations::isPlain();
+    Spots spots;
     bool any = false;
     const int end = job.targetRegion.y + job.targetRegion.height;
-    for (int row = job.targetRegion.y; row < end; ++row) {
-        const RowPosition x(job.inverse.x, row);
-        const RowPosition y(job.inverse.y, row);
-        Span span{job.targetRegion.x, job.targetRegion.x + job.targetRegion.width};
-        span = within(span, x, region.x, std::int64_t{region.x} + region.width);
-        span = within(span, y, region.y, std::int64_t{region.y} + region.height);
-        if (span.begin >= span.end) continue;
+    for (int y = job.targetRegion.y; y < end; ++y) {
+        const WarpedRow<Format, taps> row(job, y);
+        if (row.isEmpty()) continue;
         any = true;
-        warpSpan<Format, taps>(job, row, span, x, y);
+        plainly ? row.fillPlainly() : row.fill(operations, spots);
     }
     return any;
 }

@@ -6,9 +6,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "support/test_data.h"
+#include "zolipp/rowoperations.h"
 #include "zolipp/zolipp.h"
 
 namespace zoltest {
@@ -87,5 +90,87 @@ private:
 
 using GreyImage = PrimitiveImage<Ipp16u>;
 using ColourImage = PrimitiveImage<Ipp8u>;
+
+/// The primitives of one pixel format, for tests that hold for all of them.
+struct Grey16Primitives {
+    using Image = GreyImage;
+    static constexpr int channels = 1;
+    static constexpr int written = 1;
+    static constexpr auto resizeCenter = ZOLippiResizeCenter_16u_C1R;
+    static constexpr auto mirror = ZOLippiMirror_16u_C1IR;
+    static constexpr auto transpose = ZOLippiTranspose_16u_C1R;
+    static constexpr auto warpAffine = ZOLippiWarpAffine_16u_C1R;
+};
+struct FourBytePrimitives {
+    using Image = ColourImage;
+    static constexpr int channels = 4;
+    static constexpr int written = 4;
+    static constexpr auto resizeCenter = ZOLippiResizeCenter_8u_C4R;
+    static constexpr auto mirror = ZOLippiMirror_8u_C4IR;
+    static constexpr auto transpose = ZOLippiTranspose_8u_C4R;
+    static constexpr auto warpAffine = ZOLippiWarpAffine_8u_C4R;
+};
+struct ThreeBytePrimitives {
+    using Image = ColourImage;
+    static constexpr int channels = 4;
+    static constexpr int written = 3;
+    static constexpr auto resizeCenter = ZOLippiResizeCenter_8u_AC4R;
+    static constexpr auto mirror = ZOLippiMirror_8u_AC4IR;
+    static constexpr auto warpAffine = ZOLippiWarpAffine_8u_AC4R;
+};
+using AllFormats = ::testing::Types<Grey16Primitives, FourBytePrimitives, ThreeBytePrimitives>;
+
+inline constexpr int allInterpolations[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC};
+
+/// Makes the primitives run in one variant until its end.
+class ChosenVariant {
+public:
+    explicit ChosenVariant(const std::string& name) { EXPECT_TRUE(zolipp::RowOperations::choose(name)) << name; }
+    ~ChosenVariant() { zolipp::RowOperations::choose(""); }
+    ChosenVariant(const ChosenVariant&) = delete;
+    ChosenVariant& operator=(const ChosenVariant&) = delete;
+};
+
+/// Runs `make`, which gives an image, in the plain variant, holds the other variants to the same bytes, and gives the
+/// plain image.
+template <typename Make>
+auto sameInEveryVariant(Make make) {
+    const auto inVariant = [&](const std::string& name) {
+        const ChosenVariant chosen(name);
+        return make();
+    };
+    const auto plain = inVariant("plain");
+    for (const std::string& name : zolipp::RowOperations::variants()) {
+        EXPECT_EQ(inVariant(name) == plain, true) << "variant " << name;
+    }
+    EXPECT_TRUE(plain.isIntactAround());
+    return plain;
+}
+
+/// One argument that a primitive refuses, and with which status.
+template <typename Call>
+struct Refusal {
+    std::string name;
+    IppStatus status;
+    std::function<void(Call&)> spoil;
+};
+
+/// Holds a primitive to its statuses. `refusals` stand in the order of their precedence: each is returned alone, and
+/// together with all that follow it.
+template <typename Call, typename Run>
+void expectRefusals(const Call& valid, const std::vector<Refusal<Call>>& refusals, Run run) {
+    for (std::size_t i = 0; i < refusals.size(); ++i) {
+        Call alone = valid;
+        refusals[i].spoil(alone);
+        EXPECT_EQ(run(alone), refusals[i].status) << refusals[i].name;
+        Call together = valid;
+        for (std::size_t k = i; k < refusals.size(); ++k) {
+            // What has been spoilt by an earlier refusal stays: the later ones would repair it.
+            if (refusals[k].status != refusals[i].status) refusals[k].spoil(together);
+        }
+        refusals[i].spoil(together);
+        EXPECT_EQ(run(together), refusals[i].status) << refusals[i].name << " and what follows";
+    }
+}
 
 }  // namespace zoltest
