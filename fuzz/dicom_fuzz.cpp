@@ -1,5 +1,6 @@
-// A DICOM file with anything in it: read, described and shown, or refused.
-#include "zolview/dicom_input.h"
+// A DICOM file with anything in it: read, described and shown, or refused; and its tables and palette for another
+// image.
+#include "zolview/input.h"
 #include "zolview/render.h"
 
 #include <sys/mman.h>
@@ -37,6 +38,7 @@ zolview::RenderOptions viewOptions(zolfuzz::Bytes& in) {
     options.pan.x = in.ConsumeFloatingPointInRange(-zolview::maxPan, zolview::maxPan);
     options.invert = in.ConsumeBool();
     options.background = in.ConsumeIntegralInRange(0, 255);
+    if (in.ConsumeBool()) options.palette = zolview::wellKnownPalette("PET");
     return options;
 }
 
@@ -46,12 +48,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Numbers are taken from the end, so that a sample file without its options is a good seed.
     zolfuzz::Bytes in(data, size);
     const zolview::RenderOptions options = viewOptions(in);
+    zolview::LoadOptions load;
+    load.frame = in.ConsumeIntegralInRange(0, 3);
+    if (in.ConsumeBool()) load.voi = in.ConsumeIntegralInRange(0, 4);
+    const bool lends = in.ConsumeBool();
     const MemoryFile file(in.ConsumeRemainingBytes<std::uint8_t>());
     try {
-        const zolview::DicomFile dicom(file.path());
-        static_cast<void>(dicom.summary());
+        static_cast<void>(zolview::describeInput(file.path()));
         std::vector<std::string> notes;
-        static_cast<void>(zolview::render(dicom.image(), options, notes));
+        static_cast<void>(zolview::render(zolview::loadInput(file.path(), load), options, notes));
+    } catch (const zolview::Refusal&) {
+        // Whether or not it is an image, its tables and its palette may serve another one.
+    }
+    if (!lends) return 0;
+    try {
+        load = {1, {}, file.path(), file.path(), file.path()};
+        std::vector<std::string> notes;
+        const zolview::StoredImage phantom = zolview::loadInput("phantom", load);
+        zolview::RenderOptions borrowed;
+        borrowed.palette = zolview::loadPalette(file.path());
+        static_cast<void>(zolview::render(phantom, borrowed, notes));
     } catch (const zolview::Refusal&) {
         return 0;
     }

@@ -12,7 +12,8 @@ using Words = std::vector<std::uint16_t>;
 
 std::uint16_t rounded(double grey) { return static_cast<std::uint16_t>(std::floor(grey + 0.5)); }
 
-/// Whether every level of the map's table comes out within one grey of its definition.
+/// Whether every level of the map's table comes out within one grey of its definition, and no darker than the level
+/// before unless it is defined so.
 bool agrees(IGreyMap& map, const GreyTransform& transform) {
     CCsColorMan ramp;
     CCsColorMapT greys;
@@ -20,8 +21,14 @@ bool agrees(IGreyMap& map, const GreyTransform& transform) {
     map.setColorMapIndex(&greys);
     const auto* const table = static_cast<const std::uint32_t*>(map.getLut());
     bool near = table != nullptr;
-    for (int level = 0; near && level < transform.levels(); ++level)
-        near = std::abs((table[level] & 0xFFU) - transform.grey(level)) <= 1.0;
+    double definedBefore = 0.0;
+    for (int level = 0; near && level < transform.levels(); ++level) {
+        const double defined = transform.grey(level);
+        const auto grey = [table](int at) { return static_cast<int>(table[at] & 0xFFU); };
+        const bool falls = level > 0 && grey(level) < grey(level - 1);
+        near = std::abs(grey(level) - defined) <= 1.0 && (!falls || defined < definedBefore);
+        definedBefore = defined;
+    }
     map.setColorMapIndex(nullptr);
     return near;
 }

@@ -138,7 +138,8 @@ TEST_F(Program, HelpAndVersion) {
         EXPECT_NE(help.out.find("INPUT"), std::string::npos);
     }
     for (const char* option : {"--size", "--window", "--zoom", "--pan", "--rotate", "--flip", "--invert",
-                               "--no-overlays", "--no-shutters", "--background", "--output", "--annotate", "--burn-in"})
+                               "--no-overlays", "--no-shutters", "--background", "--output", "--annotate", "--burn-in",
+                               "--frame", "--voi", "--modality-lut", "--voi-lut", "--presentation-lut", "--palette"})
         EXPECT_NE(run("render --help").out.find(option), std::string::npos) << option;
     const Outcome version = run("--version");
     EXPECT_EQ(version.status, 0);
@@ -185,7 +186,12 @@ TEST_F(Program, WrongValuesEndWithTwoAndSayWhatIsRight) {
                                   "--flip H",
                                   "--background -1",
                                   "--background 256",
-                                  "--background grey"}) {
+                                  "--background grey",
+                                  "--frame 0",
+                                  "--frame x",
+                                  "--voi 0",
+                                  "--voi -1",
+                                  "--voi 1 --window 40/400"}) {
         const Outcome outcome = render(std::string("phantom ") + arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         expectOnePlainLine(outcome.err);
@@ -250,6 +256,67 @@ TEST_F(Program, InfoTellsAboutAnImage) {
               "values: stored 0 to 0, output -1000 to -1000\n"
               "voi 1: window, centre 40, width 400\n"
               "low values: black\n");
+}
+
+TEST_F(Program, InfoListsWindowsTablesAndFrames) {
+    DicomWriter writer(2, 1);
+    writer.put(DCM_NumberOfFrames, "2").pixels({0, 100, 5, 6}).put(DCM_PhotometricInterpretation, "MONOCHROME1");
+    writer.put(DCM_WindowCenter, "40\\50").put(DCM_WindowWidth, "400\\0").put(DCM_VOILUTFunction, "SIGMOID");
+    writer.put(DCM_WindowCenterWidthExplanation, "SOFT");
+    writer.lut(DCM_ModalityLUTSequence, {2, 0, 8}, {10, 20}).lut(DCM_PresentationLUTSequence, {2, 0, 8}, {1, 2});
+    writer.lut(DCM_VOILUTSequence, {2, 7, 12}, {1, 2}, "HARD").lut(DCM_VOILUTSequence, {3, 7, 12}, {1, 2});
+    const Outcome outcome = run("info '" + writer.save(folder_) + "'");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out,
+              "object: SecondaryCaptureImageStorage\n"
+              "transfer syntax: Little Endian Explicit\n"
+              "size: 2 x 1\n"
+              "photometric: MONOCHROME1\n"
+              "bits: 12 stored in 16, unsigned\n"
+              "frames: 2\n"
+              "pixel height to width: 1\n"
+              "values: stored 0 to 100, output 10 to 20\n"
+              "modality: table of 2 entries from 0, 8 bits\n"
+              "voi 1: window, centre 40, width 400, sigmoid, \"SOFT\"\n"
+              "voi 2: window, cannot be applied: has a width of 0\n"
+              "voi 3: table of 2 entries from 7, 12 bits, \"HARD\"\n"
+              "voi 4: table, cannot be applied: has a VOI LUT with 2 of 3 entries\n"
+              "presentation: table of 2 entries from 0, 8 bits\n"
+              "low values: white\n");
+}
+
+TEST_F(Program, ChoosesFramesTablesAndPalettes) {
+    DicomWriter writer(2, 1);
+    writer.put(DCM_NumberOfFrames, "2").pixels({0, 100, 100, 0});
+    writer.put(DCM_WindowCenter, "50").put(DCM_WindowWidth, "2");
+    writer.lut(DCM_VOILUTSequence, {2, 99, 8}, {0x40, 0x80});
+    const std::string path = "'" + writer.save(folder_) + "'";
+    const auto pixels = [&](const std::string& arguments) {
+        const Outcome outcome = render(path + " " + arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+        return zoltest::readPng(file("p.png")).picture.pixels;
+    };
+    using Pixels = std::vector<std::uint32_t>;
+    EXPECT_EQ(pixels(""), (Pixels{0x000000, 0xFFFFFF}));
+    EXPECT_EQ(pixels("--frame 2"), (Pixels{0xFFFFFF, 0x000000}));
+    EXPECT_EQ(pixels("--voi 2"), (Pixels{0x404040, 0x808080}));
+    EXPECT_EQ(pixels("--palette WINTER"), (Pixels{0x0000FF, 0x7FFF80}));
+    EXPECT_EQ(pixels("--palette WINTER --invert"), (Pixels{0x7FFF80, 0x0000FF}));
+    EXPECT_EQ(pixels("--voi 2 --voi-lut " + path), (Pixels{0x404040, 0x808080}));
+
+    EXPECT_EQ(render(path + " --frame 3").err,
+              "zolview: " + folder_.file("test.dcm") + ": has 2 frames; there is no frame 3\n");
+    EXPECT_EQ(render(path + " --voi 3").err,
+              "zolview: " + folder_.file("test.dcm") + ": has 2 windows and VOI LUTs; there is no number 3\n");
+    EXPECT_EQ(render("phantom --modality-lut " + path).err,
+              "zolview: " + folder_.file("test.dcm") + ": has no Modality LUT and no rescale slope\n");
+    EXPECT_EQ(render("phantom --palette " + path).err,
+              "zolview: " + folder_.file("test.dcm") + ": contains no palette\n");
+    EXPECT_EQ(render("phantom --palette PINK").err, "zolview: PINK: there is no such file\n");
+    EXPECT_EQ(render("phantom --frame 2").err, "zolview: phantom: has one frame only\n");
+    for (const char* arguments : {"--frame 3", "--voi 3", "--palette PINK", "--voi-lut none.dcm"})
+        EXPECT_EQ(render(path + " " + arguments).status, 1) << arguments;
 }
 
 TEST_F(Program, InfoTellsWhyAnImageCannotBeShown) {
