@@ -27,6 +27,7 @@ struct Pair {
     double bar;
     Side ours;
     Side other;
+    Clock clock;
     std::vector<double> ourSeconds;
     std::vector<double> otherSeconds;
 };
@@ -37,26 +38,25 @@ std::deque<Pair>& pairs() {
     return list;
 }
 
-/// Processor time of this thread: what other programs take does not count.
-double now() {
+double now(Clock clock) {
     timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    clock_gettime(clock == Clock::Processor ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
 /// Seconds for one run, of `count` in a row.
-double measure(const Side& side, int count) {
-    const double begin = now();
+double measure(const Side& side, int count, Clock clock) {
+    const double begin = now(clock);
     for (int i = 0; i < count; ++i) side.run();
-    return (now() - begin) / count;
+    return (now(clock) - begin) / count;
 }
 
 /// Runs until caches, pages and clock are warm, and tells how many runs make a turn.
-int warmUp(const Side& side) {
+int warmUp(const Side& side, Clock clock) {
     side.run();  // makes its data
-    double fastest = measure(side, 1);
+    double fastest = measure(side, 1, clock);
     for (double spent = 0.0; spent < 5 * shortestTurn;) {
-        const double seconds = measure(side, 1);
+        const double seconds = measure(side, 1, clock);
         fastest = std::min(fastest, seconds);
         spent += std::max(seconds, 1e-6);
     }
@@ -64,13 +64,13 @@ int warmUp(const Side& side) {
 }
 
 void run(benchmark::State& state, Pair& pair) {
-    const int ourCount = warmUp(pair.ours);
-    const int otherCount = warmUp(pair.other);
+    const int ourCount = warmUp(pair.ours, pair.clock);
+    const int otherCount = warmUp(pair.other, pair.clock);
     bool oursFirst = true;
     for (auto _ : state) {
-        double seconds = oursFirst ? measure(pair.ours, ourCount) : 0.0;
-        pair.otherSeconds.push_back(measure(pair.other, otherCount));
-        if (!oursFirst) seconds = measure(pair.ours, ourCount);
+        double seconds = oursFirst ? measure(pair.ours, ourCount, pair.clock) : 0.0;
+        pair.otherSeconds.push_back(measure(pair.other, otherCount, pair.clock));
+        if (!oursFirst) seconds = measure(pair.ours, ourCount, pair.clock);
         pair.ourSeconds.push_back(seconds);
         state.SetIterationTime(seconds);
         oursFirst = !oursFirst;
@@ -84,8 +84,8 @@ double quantile(std::vector<double> values, double part) {
 }
 
 void printTable() {
-    std::printf("\n%-62s %9s %9s %7s %13s %6s\n", "processor time, medians", "ours/ms", "other/ms", "ratio",
-                "quartiles", "bar");
+    std::printf("\n%-62s %9s %9s %7s %13s %6s\n", "medians (processor time unless told)", "ours/ms", "other/ms",
+                "ratio", "quartiles", "bar");
     int met = 0;
     int missed = 0;
     for (const Pair& pair : pairs()) {
@@ -110,9 +110,10 @@ void printTable() {
 
 }  // namespace
 
-void compare(const std::string& title, double bar, const Side& ours, const Side& other) {
-    Pair& pair = pairs().emplace_back(Pair{title, bar, ours, other, {}, {}});
-    benchmark::RegisterBenchmark(title.c_str(), [&pair](benchmark::State& state) { run(state, pair); })
+void compare(const std::string& title, double bar, const Side& ours, const Side& other, Clock clock) {
+    const std::string shown = clock == Clock::Wall ? title + " (wall)" : title;
+    Pair& pair = pairs().emplace_back(Pair{shown, bar, ours, other, clock, {}, {}});
+    benchmark::RegisterBenchmark(shown.c_str(), [&pair](benchmark::State& state) { run(state, pair); })
         ->Unit(benchmark::kMillisecond)
         ->UseManualTime()
         ->Iterations(turns);

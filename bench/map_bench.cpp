@@ -1,4 +1,4 @@
-// Mapping a whole 12-bit grey raster to 32-bit display pixels, beside OpenCV, on one thread and on two.
+// Mapping whole rasters of every kind to 32-bit display pixels, beside OpenCV, grey on one thread and on two.
 //
 // OpenCV has no look-up for 16-bit samples. Its quickest way to a grey picture scales to 8 bits and spreads those over
 // the channels; for any other palette a look-up of the four channels follows. Both are measured, the first in strips
@@ -14,9 +14,13 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -45,12 +49,24 @@ private:
     int saved_;
 };
 
+int imageTypeOf(MapFactory::MapType type) {
+    constexpr std::array<int, 4> types = {CCS_GREY12, CCS_GREY16, CCS_RGB12, CCS_RGB8};
+    return types.at(static_cast<std::size_t>(type));
+}
+
+/// A map of a kind, a raster for it, and the same data as OpenCV wants it.
 class Scene {
 public:
-    Scene() : map_(MapFactory::CreateMap(MapFactory::Grey12)) {
+    explicit Scene(MapFactory::MapType type)
+        : map_(MapFactory::CreateMap(type)),
+          plain_(side, side, imageTypeOf(type), 1.0, false, false),
+          shuttered_(side, side, imageTypeOf(type), 1.0, false, false) {
         palette_.getColorMap(colours_);
         map_->setColorMapIndex(&colours_);
         map_->setWindow(centre, width);
+        constexpr std::array<int, 4> cvTypes = {CV_16U, CV_16U, CV_16UC4, CV_8UC4};
+        cvSource_ = cv::Mat(side, side, cvTypes.at(static_cast<std::size_t>(type)), plain_.getOrigin());
+        cvFrame_.create(side, side, CV_8UC4);
         fill();
         shuttered_.setCircShutter({0, 0, side, side});
         cvTable_.create(1, 256, CV_8UC4);
@@ -60,10 +76,24 @@ public:
         }
     }
 
-    void mapRaster(CCsRaster& source, bool wholeImageAllowed, int threads) {
-        const Threads limit(threads);
-        map_->mapRaster(source, frame_, {0, 0, side, side}, wholeImageAllowed, nullptr, nullptr);
+    /// Any colours: nothing that can be computed.
+    void usePseudocolour() {
+        std::array<RGBQUAD, 256> quads{};
+        for (std::size_t i = 0; i < quads.size(); ++i) {
+            const auto level = static_cast<BYTE>(i);
+            quads[i] = {level, static_cast<BYTE>(255 - level), static_cast<BYTE>(level / 2), 0};
+        }
+        palette_.convertToColor(quads.data());
+        map_->setColorMapIndex(&colours_);
     }
+
+    void mapRaster(bool shuttered, bool wholeImageAllowed, int threads) {
+        const Threads limit(threads);
+        map_->mapRaster(shuttered ? shuttered_ : plain_, frame_, {0, 0, side, side}, wholeImageAllowed, nullptr,
+                        nullptr);
+    }
+    void mapSeparate() { dynamic_cast<IColorMap&>(*map_).mapRasterSeparate(plain_, frame_); }
+
     void scaleAndSpread(int threads) {
         const Threads limit(threads);
         cvSource_.convertTo(cvGrey_, CV_8U, slope, offset);
@@ -86,79 +116,92 @@ public:
         const Threads limit(threads);
         cv::LUT(cvFrame_, cvTable_, cvFrame_);
     }
-    void newTable(bool sigmoid) {
-        IMap& map = sigmoid ? *sigmoidMap_ : *map_;
-        map.setWindow(centre, width);
-        map.getLut();
-    }
-    void useSigmoid() {
-        sigmoidMap_.reset(map_->clone());
-        sigmoidMap_->setColorMapIndex(&colours_);
-        static_cast<IGreyMap&>(*sigmoidMap_).enableSigmoid();
-    }
-
-    CCsRaster& plain() { return plain_; }
-    CCsRaster& shuttered() { return shuttered_; }
+    void scaleChannels() { cvSource_.convertTo(cvFrame_, CV_8U, slope, offset); }
+    void lookUpChannels() { cv::LUT(cvSource_, cvTable_, cvFrame_); }
 
 private:
     void fill() {
-        auto* stored = reinterpret_cast<std::uint16_t*>(plain_.getOrigin());
-        auto* copy = reinterpret_cast<std::uint16_t*>(shuttered_.getOrigin());
-        cvSource_ = cv::Mat(side, side, CV_16U, stored);
-        cvFrame_.create(side, side, CV_8UC4);
+        const std::size_t bytes = cvSource_.total() * cvSource_.elemSize();
+        unsigned char* stored = plain_.getOrigin();
         std::uint32_t noise = 1;
-        for (int y = 0; y < side; ++y) {
-            for (int x = 0; x < side; ++x) {
-                noise = noise * 1664525U + 1013904223U;
-                *copy++ = *stored++ = static_cast<std::uint16_t>(((x + y) / 4 + static_cast<int>(noise >> 25U)) & 4095);
-            }
+        const auto next = [&](std::size_t position) {
+            noise = noise * 1664525U + 1013904223U;
+            return (static_cast<std::uint32_t>(position / 8) + (noise >> 25U)) & 4095U;
+        };
+        if (cvSource_.depth() == CV_8U) {
+            for (std::size_t i = 0; i < bytes; ++i) stored[i] = static_cast<unsigned char>(next(i));
+        } else {
+            auto* words = reinterpret_cast<std::uint16_t*>(stored);
+            for (std::size_t i = 0; i < bytes / 2; ++i) words[i] = static_cast<std::uint16_t>(next(i));
         }
+        std::memcpy(shuttered_.getOrigin(), stored, bytes);
     }
 
-    CCsRaster plain_{side, side, CCS_GREY12, 1.0, false, false};
-    CCsRaster shuttered_{side, side, CCS_GREY12, 1.0, false, false};
-    CCsRaster frame_{side, side, CCS_RGB8, 1.0, false, false};
     CCsColorMan palette_;
     CCsColorMapT colours_;
     std::unique_ptr<IMap> map_;
-    std::unique_ptr<IMap> sigmoidMap_;
+    CCsRaster plain_;
+    CCsRaster shuttered_;
+    CCsRaster frame_{side, side, CCS_RGB8, 1.0, false, false};
     cv::Mat cvSource_;
     cv::Mat cvGrey_;
     cv::Mat cvFrame_;
     cv::Mat cvTable_;
 };
 
-std::shared_ptr<Scene> scene() {
-    static const auto shared = std::make_shared<Scene>();
-    return shared;
+enum class Palette { Grey, Colours };
+
+/// Made when first used; one at a time, so that a whole run does not hold them all.
+Scene& scene(MapFactory::MapType type, Palette palette = Palette::Grey) {
+    static std::optional<std::pair<MapFactory::MapType, Palette>> key;
+    static std::unique_ptr<Scene> current;
+    if (key != std::pair(type, palette)) {
+        current.reset();
+        current = std::make_unique<Scene>(type);
+        if (palette == Palette::Colours) current->usePseudocolour();
+        key = {type, palette};
+    }
+    return *current;
+}
+
+void registerGrey(MapFactory::MapType type, const std::string& name, int threads) {
+    const std::string prefix = name + ": ";
+    const std::string suffix = threads == 1 ? ", 1 thread" : ", 2 threads";
+    const zolbench::Clock clock = threads == 1 ? zolbench::Clock::Processor : zolbench::Clock::Wall;
+    const double bar = threads == 1 ? 0.7 : 0.5;
+    const auto ours = [=](bool shuttered, bool whole, Palette palette) {
+        return zolbench::Side{"zolwebcs", [=] { scene(type, palette).mapRaster(shuttered, whole, threads); }};
+    };
+    const auto spread = [=](Palette palette) {
+        return zolbench::Side{"OpenCV", [=] { scene(type, palette).scaleAndSpread(threads); }};
+    };
+    const zolbench::Side strips{"OpenCV", [=] { scene(type).scaleAndSpreadInStrips(threads); }};
+    const zolbench::Side lookUp{"OpenCV", [=] { scene(type, Palette::Colours).throughPalette(threads); }};
+    const auto compare = [&](const char* what, double limit, const zolbench::Side& one, const zolbench::Side& other) {
+        zolbench::compare(prefix + what + suffix, limit, one, other, clock);
+    };
+    compare("map / OpenCV grey", bar, ours(false, true, Palette::Grey), spread(Palette::Grey));
+    compare("map / OpenCV grey in strips", bar, ours(false, true, Palette::Grey), strips);
+    compare("map in colours / OpenCV grey", 0.0, ours(false, true, Palette::Colours), spread(Palette::Colours));
+    compare("map in colours / OpenCV in colours", bar, ours(false, true, Palette::Colours), lookUp);
+    compare("map, plain way / OpenCV grey", 0.0, ours(false, false, Palette::Grey), spread(Palette::Grey));
+    compare("map behind a circle / OpenCV grey", 0.0, ours(true, true, Palette::Grey), spread(Palette::Grey));
 }
 
 const zolbench::Registration registration([] {
     for (const int threads : {1, 2}) {
-        const std::string suffix = threads == 1 ? ", 1 thread" : ", 2 threads";
-        const std::string prefix = "map 4096x4096/" + std::to_string(threads) + "/";
-        const double bar = threads == 1 ? 0.7 : 0.5;
-        const zolbench::Side whole{prefix + "zolwebcs", [=] { scene()->mapRaster(scene()->plain(), true, threads); }};
-        const zolbench::Side plain{prefix + "zolwebcs plain way",
-                                   [=] { scene()->mapRaster(scene()->plain(), false, threads); }};
-        const zolbench::Side shuttered{prefix + "zolwebcs circular shutter",
-                                       [=] { scene()->mapRaster(scene()->shuttered(), true, threads); }};
-        const zolbench::Side spread{prefix + "OpenCV scale, spread", [=] { scene()->scaleAndSpread(threads); }};
-        const zolbench::Side strips{prefix + "OpenCV in strips", [=] { scene()->scaleAndSpreadInStrips(threads); }};
-        const zolbench::Side palette{prefix + "OpenCV scale, spread, LUT", [=] { scene()->throughPalette(threads); }};
-        zolbench::compare("map whole raster / OpenCV grey" + suffix, bar, whole, spread);
-        zolbench::compare("map whole raster / OpenCV grey in strips" + suffix, bar, whole, strips);
-        zolbench::compare("map whole raster / OpenCV any palette" + suffix, bar, whole, palette);
-        zolbench::compare("map whole raster, plain way / OpenCV any palette" + suffix, 0.0, plain, palette);
-        zolbench::compare("map behind a circular shutter / OpenCV any palette" + suffix, 0.0, shuttered, palette);
+        registerGrey(MapFactory::Grey12, "grey 12 4096x4096", threads);
+        registerGrey(MapFactory::Grey16, "grey 16 4096x4096", threads);
     }
-    zolbench::compare("new sigmoid table / new linear table", 0.0,
-                      {"table/sigmoid",
-                       [] {
-                           static const bool ready = (scene()->useSigmoid(), true);
-                           if (ready) scene()->newTable(true);
-                       }},
-                      {"table/linear", [] { scene()->newTable(false); }});
+    zolbench::compare("rgb 12 4096x4096: map / OpenCV scale", 0.0,
+                      {"zolwebcs", [] { scene(MapFactory::Rgb12).mapRaster(false, true, 1); }},
+                      {"OpenCV", [] { scene(MapFactory::Rgb12).scaleChannels(); }});
+    zolbench::compare("rgb 8 4096x4096: map / OpenCV LUT", 0.0,
+                      {"zolwebcs", [] { scene(MapFactory::Rgb8).mapRaster(false, true, 1); }},
+                      {"OpenCV", [] { scene(MapFactory::Rgb8).lookUpChannels(); }});
+    zolbench::compare("rgb 8 4096x4096: map separate channels / OpenCV LUT", 0.0,
+                      {"zolwebcs", [] { scene(MapFactory::Rgb8).mapSeparate(); }},
+                      {"OpenCV", [] { scene(MapFactory::Rgb8).lookUpChannels(); }});
 });
 
 }  // namespace

@@ -23,6 +23,10 @@ constexpr std::int64_t minimumBandPixels = std::int64_t{1} << 17;
 /// push everything else out of the cache before anybody reads it.
 constexpr std::int64_t minimumComputedPixels = std::int64_t{1} << 20;
 
+/// Shorter pieces of a row, between what shutters and planes show, go through the cache: whole pages do not come
+/// together there.
+constexpr std::int64_t minimumBypassingPixels = 512;
+
 }  // namespace
 
 TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const std::uint32_t* embeddedColours) {
@@ -115,14 +119,13 @@ void RasterMapping::show(std::int64_t x, std::int64_t y, std::int64_t columns, s
 }
 
 void RasterMapping::compute(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const {
-    // Single rows are pieces between what shutters and planes show, whose stores go through the cache.
-    const bool bypassCache = rows > 1;
     if (sourcePitch_ == columns && destinationPitch_ == columns) {
         columns *= rows;
         rows = 1;
     }
     for (const std::int64_t bottom = y + rows; y < bottom; ++y) {
-        fillGreyRamp(*ramp_, sourceAt(x, y), destinationAt(x, y), static_cast<std::size_t>(columns), bypassCache);
+        fillGreyRamp(*ramp_, sourceAt(x, y), destinationAt(x, y), static_cast<std::size_t>(columns),
+                     columns >= minimumBypassingPixels);
     }
 }
 

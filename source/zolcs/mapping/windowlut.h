@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 namespace zolcs::mapping {
@@ -91,6 +92,35 @@ inline std::uint64_t sigmoidAt(const Window& window, double numerator, double va
     return static_cast<std::uint64_t>(numerator / (portable::exp(exponent) + 1.0));
 }
 
+/// Fills a table with a function that never falls from one value to the next. Where its ends are equal, a stretch is
+/// filled without asking for what lies between: few levels over many values cost few calls.
+template <typename Level>
+void fillRising(std::span<std::uint32_t> table, const ShownLevels& shown, const Level& levelOf) {
+    struct Stretch {
+        std::size_t first;
+        std::size_t last;
+        std::size_t firstLevel;
+        std::size_t lastLevel;
+    };
+    if (table.empty()) return;
+    // Halving leaves one stretch waiting per bit of the table's size.
+    std::array<Stretch, std::numeric_limits<std::size_t>::digits + 1> waiting{};
+    std::size_t count = 0;
+    waiting[count++] = {0, table.size() - 1, levelOf(0), levelOf(table.size() - 1)};
+    while (count > 0) {
+        const Stretch stretch = waiting[--count];
+        if (stretch.firstLevel == stretch.lastLevel || stretch.last - stretch.first < 2) {
+            std::fill(table.data() + stretch.first, table.data() + stretch.last, shown[stretch.firstLevel]);
+            table[stretch.last] = shown[stretch.lastLevel];
+            continue;
+        }
+        const std::size_t middle = (stretch.first + stretch.last) / 2;
+        const std::size_t level = levelOf(middle);
+        waiting[count++] = {stretch.first, middle, stretch.firstLevel, level};
+        waiting[count++] = {middle, stretch.last, level, stretch.lastLevel};
+    }
+}
+
 /// Fills a table with the sigmoid window of `bits` bits (0 to 31, others are limited to that range).
 /// Deliberate: behind an index remap the numerator is 2^bits and the value is cut to 16 bits; without one the numerator
 /// is 2^bits - 1. The maximum that the shift is taken from wraps at 16 bits in both.
@@ -101,10 +131,16 @@ inline void fillSigmoid(std::span<std::uint32_t> table, const Window& window, in
     const unsigned shift = CCsImageUtils::calculateBitShiftValueForGreyConversion(
         static_cast<std::uint16_t>(sigmoidAt(window, numerator, top)));
     const std::uint64_t mask = remapped ? 0xFFFFU : ~std::uint64_t{0};
-    double value = 0.0;
-    for (std::uint32_t& entry : table) {
-        entry = shownLevel(shown, (sigmoidAt(window, numerator, value) & mask) >> shift);
-        value += 1.0;
+    const auto levelOf = [&](std::size_t value) {
+        const std::uint64_t level = (sigmoidAt(window, numerator, static_cast<double>(value)) & mask) >> shift;
+        return static_cast<std::size_t>(std::min<std::uint64_t>(level, shown.size() - 1));
+    };
+    // It rises unless the cut to 16 bits wraps it: neighbouring exponents are 4 / width apart, at least 2^-29, which no
+    // rounding turns round.
+    if (numerator <= static_cast<double>(mask)) {
+        fillRising(table, shown, levelOf);
+    } else {
+        for (std::size_t value = 0; value < table.size(); ++value) table[value] = shown[levelOf(value)];
     }
 }
 
