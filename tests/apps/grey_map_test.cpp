@@ -33,17 +33,16 @@ std::vector<int> greysOf(const StoredImage& image, const std::optional<Window>& 
     return out;
 }
 
-void expectWithinOneGrey(const StoredImage& image) {
+void expectWithinOneGrey(const StoredImage& image, const std::vector<int>& greys) {
     const GreyTransform transform(image, {});
-    const std::vector<int> greys = greysOf(image);
     for (int level = 0; level < image.levels; ++level)
         ASSERT_NEAR(greys[static_cast<std::size_t>(level)], transform.grey(level), 1.0) << level;
 }
 
 TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
     zoltest::Random random(41);
-    for (int run = 0; run < 160; ++run) {
-        StoredImage image = imageOf(run % 4 == 0 ? deepLevels : rasterLevels);
+    for (int run = 0; run < 120; ++run) {
+        StoredImage image = imageOf(run % 10 == 0 ? deepLevels : rasterLevels);
         image.function = std::array{WindowFunction::Linear, WindowFunction::LinearExact,
                                     WindowFunction::Sigmoid}[static_cast<std::size_t>(random.integer(0, 2))];
         image.lowest = random.integer(-40000, 1000);
@@ -56,8 +55,8 @@ TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
         double centre = low + random.real(-0.5, 1.5) * span;
         if (random.chance(0.5)) centre = std::round(centre);
         image.window = Window{centre, std::max(width, 1.0)};
-        expectWithinOneGrey(image);
         const std::vector<int> greys = greysOf(image);
+        expectWithinOneGrey(image, greys);
         ASSERT_TRUE(std::is_sorted(greys.begin(), greys.end())) << run;
         if (HasFatalFailure()) FAIL() << run << ": " << centre << '/' << width << " of " << image.levels;
     }
@@ -68,7 +67,7 @@ TEST(GreyMap, SmallWindowsAreWithinOneGreyAtEveryHalfStep) {
         for (double centre = 99.5; centre <= 101.0; centre += 0.25) {
             StoredImage image = imageOf(rasterLevels);
             image.window = Window{centre, width};
-            expectWithinOneGrey(image);
+            expectWithinOneGrey(image, greysOf(image));
             if (HasFatalFailure()) FAIL() << centre << '/' << width;
         }
     }
@@ -89,8 +88,8 @@ TEST(GreyMap, FallingSlopesAreDarkAtHighLevels) {
         StoredImage image = imageOf(levels);
         image.slope = -1.0;
         image.window = Window{-levels / 2.0, levels / 4.0};
-        expectWithinOneGrey(image);
         const std::vector<int> greys = greysOf(image);
+        expectWithinOneGrey(image, greys);
         EXPECT_TRUE(std::is_sorted(greys.rbegin(), greys.rend()));
         EXPECT_EQ(greys.front(), 255);
         EXPECT_EQ(greys.back(), 0);
