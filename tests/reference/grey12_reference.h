@@ -234,20 +234,26 @@ inline std::uint32_t nonLinearEntry(const Grey12& map, std::int64_t v) {
     return map.palette[level];
 }
 
-/// Brings the table up to date when it is stale; false when it cannot be built.
-inline bool buildLut(Grey12& map) {
-    if (map.lutValid) return true;
+/// Brings what entries are made of up to date; false when there can be none.
+inline bool prepareEntries(Grey12& map) {
     if (map.nonLinearSet) {
         if (!buildWindowed(map)) return false;
         if (map.palette == nullptr) return false;
         map.nonLinearShift = bitShiftForGrey(static_cast<int>(map.nonLinearMaximum));
-    } else {
-        if (map.width < 1) return false;
-        if (map.palette == nullptr) return false;
+        return true;
     }
-    for (std::int64_t v = 0; v < 4096; ++v) {
-        map.lut[static_cast<std::size_t>(v)] = map.nonLinearSet ? nonLinearEntry(map, v) : windowEntry(map, v);
-    }
+    return map.width >= 1 && map.palette != nullptr;
+}
+
+inline std::uint32_t entryOf(const Grey12& map, std::int64_t v) {
+    return map.nonLinearSet ? nonLinearEntry(map, v) : windowEntry(map, v);
+}
+
+/// Brings the table up to date when it is stale; false when it cannot be built.
+inline bool buildLut(Grey12& map) {
+    if (map.lutValid) return true;
+    if (!prepareEntries(map)) return false;
+    for (std::int64_t v = 0; v < 4096; ++v) map.lut[static_cast<std::size_t>(v)] = entryOf(map, v);
     map.lutValid = true;
     return true;
 }

@@ -57,21 +57,27 @@ inline std::uint32_t nonLinearEntry16(const Grey16& map, std::int64_t v) {
     return map.palette[level];
 }
 
-/// Brings the table up to date when it is stale; false when it cannot be built.
-inline bool buildLut(Grey16& map) {
-    if (map.lutValid) return true;
+/// Brings what entries are made of up to date; false when there can be none.
+inline bool prepareEntries(Grey16& map) {
     if (map.nonLinearSet) {
         if (!buildWindowed(map, 65536)) return false;
         if (map.palette == nullptr) return false;
         map.nonLinearShift = bitShiftForGrey(static_cast<int>(largest(map.windowed)));
-    } else {
-        if (map.width < 1) return false;
-        if (map.palette == nullptr) return false;
+        return true;
     }
-    for (std::int64_t v = 0; v < 65536; ++v) {
-        std::uint32_t& entry = map.lut[static_cast<std::size_t>(v)];
-        entry = map.nonLinearSet ? nonLinearEntry16(map, v) : windowEntry16(map, v, entry);
-    }
+    return map.width >= 1 && map.palette != nullptr;
+}
+
+/// One entry; some sigmoids leave the last as it was.
+inline std::uint32_t entryOf(const Grey16& map, std::int64_t v) {
+    return map.nonLinearSet ? nonLinearEntry16(map, v) : windowEntry16(map, v, map.lut[static_cast<std::size_t>(v)]);
+}
+
+/// Brings the table up to date when it is stale; false when it cannot be built.
+inline bool buildLut(Grey16& map) {
+    if (map.lutValid) return true;
+    if (!prepareEntries(map)) return false;
+    for (std::int64_t v = 0; v < 65536; ++v) map.lut[static_cast<std::size_t>(v)] = entryOf(map, v);
     map.lutValid = true;
     return true;
 }

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/report_capture.h"
@@ -187,6 +189,26 @@ TEST_F(CCsErrorTest, ANullHandlerIsNone) {
     EXPECT_TRUE(firstCalls().empty());
     CCsError::error(L"x", 1, file, 2);
     EXPECT_EQ(firstCalls().size(), 1U);
+}
+
+std::atomic<int> wholeReports{0};
+
+// The handler is called on the thread that reports, on several at the same time.
+TEST_F(CCsErrorTest, ThreadsReportAtTheSameTime) {
+    wholeReports = 0;
+    const CCsError handler([](CStringW tag, wchar_t* module, int line, CStringW message, ErrorCategory /*category*/) {
+        const std::wstring expected = L"from " + std::to_wstring(line) + L" " + std::to_wstring(line * 1000) + L" ";
+        if (tag == L"CS-W" && module == file && message.GetString() == expected) ++wholeReports;
+    });
+    std::vector<std::thread> threads;
+    for (int line = 1; line <= 3; ++line) {
+        threads.emplace_back([line] {
+            const std::wstring message = L"from " + std::to_wstring(line);
+            for (int i = 0; i < 500; ++i) CCsError::warning(message.c_str(), line * 1000, file, line);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wholeReports, 1500);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmemorymanager.h"
+#include "zolcs/ccsnearest.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/mapping/windowlut.h"
 
@@ -1017,6 +1018,32 @@ TEST_P(MapRaster, TwoThreadsThroughOneMap) {
     for (auto& thread : threads) thread.join();
     EXPECT_EQ(succeeded.load(), 10);
     for (int t = 0; t < 2; ++t) EXPECT_EQ(pixelsOf(mapped[t]), pixelsOf(expected[t])) << t;
+}
+
+// A table that is built may be read by as many threads as like.
+TEST_P(MapRaster, TwoThreadsResampleThroughOneMap) {
+    CCsRaster src = source(200, 150);
+    scribble(src, 512, 0, 4095);
+    src.setPresentationShutterValue(0x2000);
+    src.setCircShutter({10, 10, 140, 140});
+    map().getLut();
+    const auto draw = [&](CCsRaster& frame, double angle) {
+        CCs2dTrafo trafo;
+        trafo.rotate(angle);
+        CCsNearest().nearestGrey12IndexMap(src, frame, trafo, map_.get(), nullptr, 7);
+    };
+    constexpr double angles[2] = {0.0, 30.0};
+    CCsRaster expected[2] = {display(300, 200), display(300, 200)};
+    CCsRaster drawn[2] = {display(300, 200), display(300, 200)};
+    for (int t = 0; t < 2; ++t) draw(expected[t], angles[t]);
+    std::thread threads[2];
+    for (int t = 0; t < 2; ++t) {
+        threads[t] = std::thread([&, t] {
+            for (int n = 0; n < 5; ++n) draw(drawn[t], angles[t]);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (int t = 0; t < 2; ++t) EXPECT_EQ(pixelsOf(drawn[t]), pixelsOf(expected[t])) << t;
 }
 
 // Tables may be taken and given back from any thread. (The pool traces every chunk on the thread that asks, so that no
