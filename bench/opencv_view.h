@@ -17,6 +17,7 @@ struct ViewShape {
     double zoom;  ///< 1: the source fits the frame
     int angle;    ///< degrees
 
+    [[nodiscard]] bool isOblique() const { return angle % 90 != 0; }
     [[nodiscard]] bool isTurned() const { return angle % 180 != 0; }
     [[nodiscard]] double pixelsPerPixel() const { return zoom * frameHeight / sourceSize; }
 
@@ -59,9 +60,14 @@ public:
     }
 
     /// What fills the whole frame at any angle, `border` beside the source.
-    const cv::Mat& oblique(const ViewShape& shape, const cv::Mat& source, int interpolation, const cv::Scalar& border) {
-        cv::warpAffine(source, scaled_, shape.displayToImage(), cv::Size(shape.frameWidth, shape.frameHeight),
+    static void oblique(const ViewShape& shape, const cv::Mat& source, int interpolation, const cv::Scalar& border,
+                        cv::Mat& frame) {
+        cv::warpAffine(source, frame, shape.displayToImage(), cv::Size(shape.frameWidth, shape.frameHeight),
                        interpolation | cv::WARP_INVERSE_MAP, cv::BORDER_CONSTANT, border);
+    }
+
+    const cv::Mat& oblique(const ViewShape& shape, const cv::Mat& source, int interpolation, const cv::Scalar& border) {
+        oblique(shape, source, interpolation, border, scaled_);
         return scaled_;
     }
 

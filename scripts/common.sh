@@ -18,7 +18,7 @@ test_packages=(poppler-utils)
 cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 lint_packages=(clang clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
-bench_packages=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev)
+bench_packages=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libpixman-1-dev)
 
 # need_packages NAME...: installs the Debian packages that are missing.
 need_packages() {
