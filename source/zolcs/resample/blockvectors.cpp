@@ -208,18 +208,20 @@ HWY_INLINE hn::Vec<D> gatherBlocks(D d, const BlockOf& block) {
     }
 }
 
-/// Where the pixels of a cubic block lie: the upper left one of each 4 x 4, and the entries of their weights.
+/// Where the pixels of a cubic block lie: the offset of the upper left one of each 4 x 4, and those of their weights in
+/// bytes.
 template <int FractionShift, int Entries>
 struct CubicBlock {
     HWY_INLINE CubicBlock(const SpanPositions& first, int pixels) {
         const Positions positions(first);
-        const auto entry = [](hn::Vec<U32> coordinate) {
-            return hn::And(hn::ShiftRight<FractionShift>(coordinate), hn::Set(U32(), Entries - 1));
+        const auto weights = [](hn::Vec<U32> coordinate) {
+            const auto entry = hn::And(hn::ShiftRight<FractionShift>(coordinate), hn::Set(U32(), Entries - 1));
+            return hn::Mul(entry, hn::Set(U32(), sizeof(CubicWeights)));
         };
-        hn::Store(hn::Sub(positions.offset(), hn::Set(U32(), static_cast<std::uint32_t>(first.pitch) + 1)), U32(),
-                  offsets);
-        hn::Store(entry(positions.u()), U32(), across);
-        hn::Store(entry(positions.v()), U32(), down);
+        const auto corner = hn::Sub(positions.offset(), hn::Set(U32(), static_cast<std::uint32_t>(first.pitch) + 1));
+        hn::Store(corner, U32(), offsets);
+        hn::Store(weights(positions.u()), U32(), across);
+        hn::Store(weights(positions.v()), U32(), down);
         // Beyond the last pixel it is repeated: all blocks can be fetched.
         for (int i = pixels; i < cubicPixels; ++i) {
             offsets[i] = offsets[pixels - 1];
@@ -234,9 +236,12 @@ struct CubicBlock {
 };
 
 /// The weights of every fourth pixel.
-HWY_INLINE V32 weightsOf(const CubicWeights* weights, const std::uint32_t* entries, int first) {
+HWY_INLINE V32 weightsOf(const CubicWeights* weights, const std::uint32_t* offsets, int first) {
     const hn::FixedTag<std::int32_t, 4> block;
-    return gatherBlocks(I32(), [&](int b) { return hn::LoadU(block, weights[entries[first + 4 * b]].data()); });
+    const auto* bytes = reinterpret_cast<const char*>(weights);
+    return gatherBlocks(I32(), [&](int b) {
+        return hn::LoadU(block, reinterpret_cast<const std::int32_t*>(bytes + offsets[first + 4 * b]));
+    });
 }
 
 /// Weights need 17 bits and a sign: 4 h + l lets 16-bit multiplications add exactly. Twice in each block.
@@ -270,6 +275,13 @@ HWY_INLINE V32 sumsOfBlocks(V32 p0, V32 p1, V32 p2, V32 p3) {
     return hn::Add(hn::BitCast(d, hn::InterleaveLower(U64(), a, b)), hn::BitCast(d, hn::InterleaveUpper(U64(), a, b)));
 }
 
+/// Four pixels from each of two places.
+HWY_INLINE hn::Vec128<std::int16_t> rowPair(const std::uint16_t* low, const std::uint16_t* high) {
+    const __m128i lower = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
+    return hn::Vec128<std::int16_t>{
+        _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(lower), reinterpret_cast<const double*>(high)))};
+}
+
 /// The four sums along the rows of a 4 x 4 for every fourth pixel, shifted right by 16.
 template <bool Deep>
 HWY_INLINE V32 rowsOf(const std::uint16_t* source, std::ptrdiff_t pitch, const std::uint32_t* offsets, int first,
@@ -277,14 +289,12 @@ HWY_INLINE V32 rowsOf(const std::uint16_t* source, std::ptrdiff_t pitch, const s
     const I16 d;
     const I32 d32;
     const U64 d64;
-    const hn::FixedTag<std::int16_t, 8> block;
-    const hn::FixedTag<std::int16_t, 4> row;
     // Two rows at a time, with the bits that count. Deep values are made signed; the sum of all weights is 65536, so
     // that the result is less by 32768.
     const auto rows = [&](std::ptrdiff_t upper) {
         const auto stored = gatherBlocks(d, [&](int b) {
-            const auto* from = reinterpret_cast<const std::int16_t*>(source) + offsets[first + 4 * b] + upper * pitch;
-            return hn::Combine(block, hn::LoadU(row, from + 2 * pitch), hn::LoadU(row, from));
+            const std::uint16_t* from = source + offsets[first + 4 * b] + upper * pitch;
+            return rowPair(from, from + 2 * pitch);
         });
         return Deep ? hn::Xor(stored, hn::Set(d, static_cast<std::int16_t>(-0x8000)))
                     : hn::And(stored, hn::Set(d, 0x0FFF));

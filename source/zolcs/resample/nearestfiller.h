@@ -18,7 +18,7 @@ void moveSpan(const SourcePixel* source, const std::int32_t* offsets, int count,
     if constexpr (std::is_same_v<Convert, GreyTable>) {
         lookUpSpan(source, offsets, count, convert.entries, out);
     } else if constexpr (std::is_same_v<Convert, Copy<std::uint32_t>>) {
-        SpanOperations::chosen().gather32(source, offsets, count, out);
+        copySpan(source, offsets, count, out);
     } else {
         for (int i = 0; i < count; ++i) out[i] = convert(source[offsets[i]]);
     }

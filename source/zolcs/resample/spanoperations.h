@@ -42,8 +42,6 @@ struct TileShape {
 struct SpanOperations {
     /// Offsets of the source pixels at `count` positions.
     void (*offsets)(const SpanPositions& positions, int count, std::int32_t* out);
-    /// out[i] = source[offsets[i]].
-    void (*gather32)(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
     /// For each bit p of `pieces`: bit i of set[p] is the bit at position p * pieceColumns + i.
     void (*testBits)(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces, std::uint16_t* set);
     /// The same with u and v rounded to single precision before their whole pixels are taken.
@@ -72,6 +70,9 @@ struct SpanOperations {
 /// out[i] = table[source[offsets[i]]] for a table of 65536 entries.
 ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count,
                              const std::uint32_t* table, std::uint32_t* out);
+
+/// out[i] = source[offsets[i]].
+ZOLWEBCS_API void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
 
 /// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
 void prefetchStart(const void* data);

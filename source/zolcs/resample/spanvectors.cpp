@@ -113,17 +113,6 @@ void testBits(const SpanPositions& positions, const SpanBits& bits, std::uint64_
     }
 }
 
-void gather32(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
-    const hn::CappedTag<std::uint32_t, 16> d;
-    const hn::RebindToSigned<decltype(d)> di;
-    const int lanes = static_cast<int>(hn::Lanes(d));
-    int i = 0;
-    for (; i + lanes <= count; i += lanes) {
-        hn::StoreU(hn::GatherIndex(d, source, hn::LoadU(di, offsets + i)), d, out + i);
-    }
-    for (; i < count; ++i) out[i] = source[offsets[i]];
-}
-
 #if HWY_MAX_BYTES >= 32 && HWY_TARGET != HWY_SCALAR
 constexpr int blockSize = 8;
 
@@ -205,8 +194,8 @@ void transpose32(const std::uint32_t* tile, const TileShape& shape, std::uint32_
 }
 
 const SpanOperations* operations() {
-    static constexpr SpanOperations table{offsets<ExactPixels>, gather32, testBits<ExactPixels>,
-                                          testBits<RoundedPixels>, transpose32};
+    static constexpr SpanOperations table{offsets<ExactPixels>, testBits<ExactPixels>, testBits<RoundedPixels>,
+                                          transpose32};
     return &table;
 }
 
