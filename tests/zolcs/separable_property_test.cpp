@@ -160,12 +160,12 @@ TEST(SeparableProperty, NoOperationBeginsWhenStopped) {
         const zolcs::LineOperations& operations = zolcs::LineOperations::chosen();
         const std::vector<std::int32_t> offsets(32);
         const std::vector<std::int16_t> weights(128, 100);
-        const zolcs::ColumnTaps taps{offsets.data(), weights.data(), weights.data()};
+        const zolcs::ColumnTaps taps{offsets.data(), weights.data(), weights.data(), false, nullptr, nullptr};
         const zolcs::CubicWeights cubic{0, 65536, 0, 0};
         const auto across = [&](const auto operation, auto pixel, auto sample) {
             const std::vector<decltype(pixel)> row(4, 9);
             std::vector<decltype(sample)> out(128, 3);
-            EXPECT_FALSE(operation(row.data(), taps, 20, out.data(), stop));
+            EXPECT_FALSE(operation(row.data(), row.data(), taps, 20, out.data(), stop));
             EXPECT_EQ(std::count(out.begin(), out.end(), 3), 128);
         };
         const auto down = [&](const auto operation, const auto& rowWeights, auto sample, auto pixel, auto count) {

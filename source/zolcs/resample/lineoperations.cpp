@@ -31,8 +31,8 @@ constexpr std::int32_t wrappingStep(std::int32_t a, std::int32_t b, std::uint32_
     return a + (static_cast<std::int32_t>(static_cast<std::uint32_t>(b - a) * fraction) >> 16);
 }
 
-bool bilinearGrey12Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int16_t* out,
-                          StopFlag stop) {
+bool bilinearGrey12Across(const std::uint16_t* row, const std::uint16_t* /*next*/, ColumnTaps taps, int count,
+                          std::int16_t* out, StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
         const std::uint16_t* pair = row + taps.offsets[x];
         const std::int16_t* weights = taps.weights + 2 * x;
@@ -41,8 +41,8 @@ bool bilinearGrey12Across(const std::uint16_t* row, const ColumnTaps& taps, int 
     });
 }
 
-bool bilinearGrey16Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int32_t* out,
-                          StopFlag stop) {
+bool bilinearGrey16Across(const std::uint16_t* row, const std::uint16_t* /*next*/, ColumnTaps taps, int count,
+                          std::int32_t* out, StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
         const std::uint16_t* pair = row + taps.offsets[x];
         const std::int16_t* weights = taps.weights + 2 * x;
@@ -51,7 +51,8 @@ bool bilinearGrey16Across(const std::uint16_t* row, const ColumnTaps& taps, int 
     });
 }
 
-bool bilinearRgbAcross(const std::uint32_t* row, const ColumnTaps& taps, int count, std::uint32_t* out, StopFlag stop) {
+bool bilinearRgbAcross(const std::uint32_t* row, const std::uint32_t* /*next*/, ColumnTaps taps, int count,
+                       std::uint32_t* out, StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
         const std::uint32_t* pair = row + taps.offsets[x];
         const std::int32_t negative = taps.weights[4 * x];
@@ -102,7 +103,8 @@ std::int64_t weighAcross(const ColumnTaps& taps, int x, const Value& value) {
 }
 
 template <std::int32_t Mask, typename Sample>
-bool cubicGreyAcross(const std::uint16_t* row, const ColumnTaps& taps, int count, Sample* out, StopFlag stop) {
+bool cubicGreyAcross(const std::uint16_t* row, const std::uint16_t* /*next*/, ColumnTaps taps, int count, Sample* out,
+                     StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
         const std::uint16_t* pixels = row + taps.offsets[x];
         const std::int64_t sum = weighAcross(taps, x, [&](int i) { return pixels[i] & Mask; });
@@ -110,7 +112,8 @@ bool cubicGreyAcross(const std::uint16_t* row, const ColumnTaps& taps, int count
     });
 }
 
-bool cubicRgbAcross(const std::uint32_t* row, const ColumnTaps& taps, int count, std::int16_t* out, StopFlag stop) {
+bool cubicRgbAcross(const std::uint32_t* row, const std::uint32_t* /*next*/, ColumnTaps taps, int count,
+                    std::int16_t* out, StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
         const std::uint32_t* pixels = row + taps.offsets[x];
         for (int channel = 0; channel < 3; ++channel) {

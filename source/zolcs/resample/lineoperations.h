@@ -21,17 +21,19 @@ struct ColumnTaps {
     const std::int16_t* weights;
     const std::int16_t* remainders;
 
-    /// The taps from column `x` on.
-    [[nodiscard]] ColumnTaps from(int x, int weightsPerColumn) const {
-        const std::ptrdiff_t weight = static_cast<std::ptrdiff_t>(x) * weightsPerColumn;
-        return {offsets + x, weights + weight, remainders + weight};
-    }
+    // Of 16-bit pixels, where columns lie close enough: groups of columns whose pixels are all among the 8 from
+    // groups[i] on, and which bytes of these they are, column by column.
+    bool isGrouped;
+    const std::int32_t* groups;
+    const std::uint8_t* groupBytes;
 };
 
 /// Each operation works on whole blocks of StopFlag::block pixels and looks at the flag before each; false when it was
 /// raised. Taps and filtered rows have entries up to the end of a block; what is written down is `count` pixels.
+/// `next` is the row that will be filtered next, to be fetched into the cache meanwhile.
 template <typename Pixel, typename Sample>
-using AcrossOperation = bool (*)(const Pixel* row, const ColumnTaps& taps, int count, Sample* out, StopFlag stop);
+using AcrossOperation = bool (*)(const Pixel* row, const Pixel* next, ColumnTaps taps, int count, Sample* out,
+                                 StopFlag stop);
 template <typename Sample, std::size_t Rows, typename Weights, typename Pixel>
 using DownOperation = bool (*)(const std::array<const Sample*, Rows>& rows, Weights weights, int count, Pixel* out,
                                StopFlag stop);

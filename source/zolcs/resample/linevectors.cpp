@@ -2,6 +2,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/resample/linevectors.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 namespace zolcs::HWY_NAMESPACE {
@@ -36,12 +38,12 @@ using Samples128 = hn::Full128<std::int16_t>;
 constexpr int sampleCount = static_cast<int>(hn::MaxLanes(Samples()));
 constexpr int sumCount = static_cast<int>(hn::MaxLanes(Sums()));
 
-/// Calls block(x, out) for whole blocks of columns; `out` has room for all of them.
-template <typename Out, typename Block>
-HWY_INLINE bool forWholeBlocks(int count, Out* out, StopFlag stop, const Block& block) {
+/// Calls block(x) for whole blocks of columns.
+template <typename Block>
+HWY_INLINE bool forWholeBlocks(int count, StopFlag stop, const Block& block) {
     for (int x = 0; x < count; x += blockSize) {
         if (stop.isRaised()) return false;
-        block(x, out);
+        block(x);
     }
     return true;
 }
@@ -63,42 +65,91 @@ HWY_INLINE bool forBlocks(int count, Out* out, StopFlag stop, const Block& block
     return true;
 }
 
-/// A vector of the 128-bit pieces piece(0) and, where it is longer, piece(8). Two such vectors, of the columns from 0
-/// on and from 4 on, become one of columns in order when they are packed.
-template <typename Piece>
-HWY_INLINE auto pieces(const Piece& piece) {
-#if HWY_MAX_BYTES >= 32
-    return hn::Combine(Samples(), piece(8), piece(0));
-#else
-    return piece(0);
-#endif
-}
+/// The pixels of neighbouring columns, 128 bits of them, one load for each column.
+template <int Taps>
+class SingleColumns {
+public:
+    HWY_INLINE SingleColumns(const std::uint16_t* row, const ColumnTaps& taps) : row_(row), offsets_(taps.offsets) {}
 
-HWY_INLINE auto weightsAt(const std::int16_t* weights) { return hn::LoadU(Samples128(), weights); }
-
-/// The pixels of neighbouring columns, a word of them for each column.
-template <typename Word>
-HWY_INLINE auto loadColumns(const std::uint16_t* row, const std::int32_t* offsets) {
+    HWY_INLINE auto operator()(int x) const {
+        constexpr int columns = 8 / Taps;
 #if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-    const auto word = [&](int i) {
-        Word value = 0;
-        std::memcpy(&value, row + offsets[i], sizeof value);
-        return value;
-    };
-    if constexpr (sizeof(Word) == 4) {
-        return hn::Vec128<std::int16_t>{_mm_setr_epi32(word(0), word(1), word(2), word(3))};
-    } else {
-        return hn::Vec128<std::int16_t>{_mm_set_epi64x(word(1), word(0))};
-    }
+        const auto word = [&](int i) {
+            std::conditional_t<Taps == 2, std::int32_t, std::int64_t> value = 0;
+            std::memcpy(&value, row_ + offsets_[x + i], sizeof value);
+            return value;
+        };
+        if constexpr (columns == 4) {
+            return hn::Vec128<std::int16_t>{_mm_setr_epi32(word(0), word(1), word(2), word(3))};
+        } else {
+            return hn::Vec128<std::int16_t>{_mm_set_epi64x(word(1), word(0))};
+        }
 #else
-    constexpr std::size_t columns = 16 / sizeof(Word);
-    HWY_ALIGN std::int16_t words[8];
-    for (std::size_t i = 0; i < columns; ++i) {
-        std::memcpy(words + i * (8 / columns), row + offsets[i], sizeof(Word));
+        HWY_ALIGN std::int16_t words[8];
+        for (int i = 0; i < columns; ++i) std::memcpy(words + i * Taps, row_ + offsets_[x + i], Taps * 2);
+        return hn::Load(Samples128(), words);
+#endif
     }
-    return hn::Load(Samples128(), words);
+
+private:
+    const std::uint16_t* row_;
+    const std::int32_t* offsets_;
+};
+
+/// The same, one load for each group of columns.
+template <int Taps>
+class GroupedColumns {
+public:
+    HWY_INLINE GroupedColumns(const std::uint16_t* row, const ColumnTaps& taps)
+        : row_(row), groups_(taps.groups), bytes_(taps.groupBytes) {}
+
+    HWY_INLINE auto operator()(int x) const {
+        const hn::Full128<std::uint16_t> d;
+        const hn::Full128<std::uint8_t> d8;
+        const auto pixels = hn::LoadU(d, row_ + groups_[x / (8 / Taps)]);
+        const auto bytes = hn::LoadU(d8, bytes_ + 2 * Taps * x);
+        return hn::BitCast(Samples128(), hn::TableLookupBytes(pixels, bytes));
+    }
+
+private:
+    const std::uint16_t* row_;
+    const std::int32_t* groups_;
+    const std::uint8_t* bytes_;
+};
+
+/// A vector of the pixels of neighbouring columns.
+template <int Taps, typename Columns>
+HWY_INLINE auto pixelsOf(const Columns& columns, int x) {
+#if HWY_MAX_BYTES >= 32
+    return hn::Combine(Samples(), columns(x + 8 / Taps), columns(x));
+#else
+    return columns(x);
 #endif
 }
+
+/// Calls body(columns) with the fastest way to load pixels.
+template <int Taps, typename Body>
+HWY_INLINE bool withColumns(const std::uint16_t* row, const ColumnTaps& taps, const Body& body) {
+    return taps.isGrouped ? body(GroupedColumns<Taps>(row, taps)) : body(SingleColumns<Taps>(row, taps));
+}
+
+/// Fetches the pixels of a block of columns into the cache.
+template <typename Pixel>
+HWY_INLINE void prefetchBlock(const Pixel* row, const ColumnTaps& taps, int block) {
+    hwy::Prefetch(row + taps.offsets[block]);
+    if constexpr (sizeof(Pixel) == 4) hwy::Prefetch(row + taps.offsets[block + blockSize / 2]);
+}
+
+#if HWY_MAX_BYTES >= 32
+/// Reorders pairs of 16-bit lanes, or 32-bit lanes.
+template <typename V>
+HWY_INLINE V reordered(V v, const std::int32_t (&order)[8]) {
+    const hn::DFromV<V> d;
+    return hn::BitCast(d, hn::TableLookupLanes(hn::BitCast(Sums(), v), hn::SetTableIndices(Sums(), order)));
+}
+HWY_ALIGN constexpr std::int32_t exchangeMiddle[8] = {0, 1, 4, 5, 2, 3, 6, 7};
+HWY_ALIGN constexpr std::int32_t alternateHalves[8] = {0, 4, 1, 5, 2, 6, 3, 7};
+#endif
 
 /// The sums of the products of neighbouring lanes.
 template <typename V>
@@ -134,37 +185,45 @@ HWY_INLINE V wrappingStep(V a, V b, hn::VFromD<hn::RebindToUnsigned<hn::DFromV<V
     return hn::Add(a, hn::ShiftRight<16>(hn::BitCast(d, product)));
 }
 
-bool bilinearGrey12Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int16_t* out,
-                          StopFlag stop) {
+bool bilinearGrey12Across(const std::uint16_t* row, const std::uint16_t* next, ColumnTaps taps, int count,
+                          std::int16_t* out, StopFlag stop) {
     const auto mask = hn::Set(Samples(), 0x0FFF);
-    return forWholeBlocks(count, out, stop, [&](int block, std::int16_t*) {
-        for (int x = block; x < block + blockSize; x += sampleCount) {
-            const auto filtered = [&](int from) {
-                const auto pixels =
-                    pieces([&](int c) { return loadColumns<std::int32_t>(row, taps.offsets + from + c); });
-                const auto weights = pieces([&](int c) { return weightsAt(taps.weights + 2 * (from + c)); });
-                const auto negative = pairSums(hn::And(pixels, mask), weights);
-                return hn::ShiftRight<15>(hn::Sub(hn::Zero(Sums()), negative));
-            };
-            hn::StoreU(hn::ReorderDemote2To(Samples(), filtered(x), filtered(x + 4)), Samples(), out + x);
-        }
+    return withColumns<2>(row, taps, [&](const auto& columns) {
+        const auto filtered = [&](int x) {
+            const auto pixels = hn::And(pixelsOf<2>(columns, x), mask);
+            const auto negative = pairSums(pixels, hn::LoadU(Samples(), taps.weights + 2 * x));
+            return hn::ShiftRight<15>(hn::Sub(hn::Zero(Sums()), negative));
+        };
+        return forWholeBlocks(count, stop, [&](int block) {
+            prefetchBlock(next, taps, block);
+            for (int x = block; x < block + blockSize; x += sampleCount) {
+                auto packed = hn::ReorderDemote2To(Samples(), filtered(x), filtered(x + sumCount));
+#if HWY_MAX_BYTES >= 32
+                packed = reordered(packed, exchangeMiddle);
+#endif
+                hn::StoreU(packed, Samples(), out + x);
+            }
+        });
     });
 }
 
-bool bilinearGrey16Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int32_t* out,
-                          StopFlag stop) {
-    const hn::Full128<std::int32_t> d;
-    const hn::RebindToUnsigned<decltype(d)> du;
+bool bilinearGrey16Across(const std::uint16_t* row, const std::uint16_t* next, ColumnTaps taps, int count,
+                          std::int32_t* out, StopFlag stop) {
+    const Sums d;
+    const hn::RebindToUnsigned<Sums> du;
     const auto secondPixel = hn::Set(du, 0x10000U);
-    return forWholeBlocks(count, out, stop, [&](int block, std::int32_t*) {
-        for (int x = block; x < block + blockSize; x += 4) {
-            const auto pairs = hn::BitCast(du, loadColumns<std::int32_t>(row, taps.offsets + x));
-            const auto first = hn::BitCast(d, hn::And(pairs, hn::Set(du, 0xFFFFU)));
-            const auto second = hn::BitCast(d, hn::ShiftRight<16>(pairs));
-            const auto fraction = hn::BitCast(du, weightsAt(taps.weights + 2 * x));
-            const auto isSecond = hn::RebindMask(d, hn::Eq(fraction, secondPixel));
-            hn::StoreU(hn::IfThenElse(isSecond, second, wrappingStep(first, second, fraction)), d, out + x);
-        }
+    return withColumns<2>(row, taps, [&](const auto& columns) {
+        return forWholeBlocks(count, stop, [&](int block) {
+            prefetchBlock(next, taps, block);
+            for (int x = block; x < block + blockSize; x += sumCount) {
+                const auto pairs = hn::BitCast(du, pixelsOf<2>(columns, x));
+                const auto first = hn::BitCast(d, hn::And(pairs, hn::Set(du, 0xFFFFU)));
+                const auto second = hn::BitCast(d, hn::ShiftRight<16>(pairs));
+                const auto fraction = hn::BitCast(du, hn::LoadU(Samples(), taps.weights + 2 * x));
+                const auto isSecond = hn::RebindMask(d, hn::Eq(fraction, secondPixel));
+                hn::StoreU(hn::IfThenElse(isSecond, second, wrappingStep(first, second, fraction)), d, out + x);
+            }
+        });
     });
 }
 
@@ -181,11 +240,13 @@ HWY_INLINE auto widened(V8 bytes, int from) {
     }
 }
 
-bool bilinearRgbAcross(const std::uint32_t* row, const ColumnTaps& taps, int count, std::uint32_t* out, StopFlag stop) {
+bool bilinearRgbAcross(const std::uint32_t* row, const std::uint32_t* next, ColumnTaps taps, int count,
+                       std::uint32_t* out, StopFlag stop) {
     const hn::Full128<std::uint32_t> d32;
     const hn::Full128<std::uint8_t> d8;
     const hn::Rebind<std::uint8_t, Samples> half;
-    return forWholeBlocks(count, out, stop, [&](int block, std::uint32_t*) {
+    return forWholeBlocks(count, stop, [&](int block) {
+        prefetchBlock(next, taps, block);
         for (int x = block; x < block + blockSize; x += 4) {
             const auto pairs = [&](int first) {
                 const hn::Full64<std::uint32_t> d64;
@@ -262,52 +323,62 @@ bool bilinearRgbDown(const std::array<const std::uint32_t*, 2>& rows, std::uint3
     });
 }
 
-/// Cubic sums across of the columns from `x` on, in the order of `pieces`; `prepare` makes signed numbers of pixels.
-template <typename Prepare>
-HWY_INLINE auto cubicAcross(const std::uint16_t* row, const ColumnTaps& taps, int x, const Prepare& prepare,
+/// Cubic sums across of as many columns from `x` on as there are sums, in the order of addPairs. `prepare` makes
+/// signed numbers of pixels.
+template <typename Columns, typename Prepare>
+HWY_INLINE auto cubicAcross(const Columns& columns, const ColumnTaps& taps, int x, const Prepare& prepare,
                             std::int32_t bias) {
-    const auto sums = [&](int from, const std::int16_t* weights) {
-        const auto pixels =
-            prepare(pieces([&](int c) { return loadColumns<std::int64_t>(row, taps.offsets + from + c); }));
-        return pairSums(pixels, pieces([&](int c) { return weightsAt(weights + 4 * (from + c)); }));
+    constexpr int half = sumCount / 2;
+    const auto first = prepare(pixelsOf<4>(columns, x));
+    const auto second = prepare(pixelsOf<4>(columns, x + half));
+    const auto sums = [&](const std::int16_t* weights) {
+        return addPairs(pairSums(first, hn::LoadU(Samples(), weights + 4 * x)),
+                        pairSums(second, hn::LoadU(Samples(), weights + 4 * (x + half))));
     };
-    const auto quarters = addPairs(sums(x, taps.weights), sums(x + 2, taps.weights));
-    const auto remainders = addPairs(sums(x, taps.remainders), sums(x + 2, taps.remainders));
-    return wholeOf(hn::Add(quarters, hn::Set(Sums(), bias)), remainders);
+    return wholeOf(hn::Add(sums(taps.weights), hn::Set(Sums(), bias)), sums(taps.remainders));
 }
 
-bool cubicGrey12Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int16_t* out, StopFlag stop) {
+bool cubicGrey12Across(const std::uint16_t* row, const std::uint16_t* next, ColumnTaps taps, int count,
+                       std::int16_t* out, StopFlag stop) {
     const auto masked = [](auto pixels) { return hn::And(pixels, hn::Set(Samples(), 0x0FFF)); };
-    return forWholeBlocks(count, out, stop, [&](int block, std::int16_t*) {
-        for (int x = block; x < block + blockSize; x += sampleCount) {
-            const auto low = cubicAcross(row, taps, x, masked, 0);
-            const auto high = cubicAcross(row, taps, x + 4, masked, 0);
-            hn::StoreU(hn::ReorderDemote2To(Samples(), low, high), Samples(), out + x);
-        }
+    return withColumns<4>(row, taps, [&](const auto& columns) {
+        return forWholeBlocks(count, stop, [&](int block) {
+            prefetchBlock(next, taps, block);
+            for (int x = block; x < block + blockSize; x += sampleCount) {
+                const auto low = cubicAcross(columns, taps, x, masked, 0);
+                const auto high = cubicAcross(columns, taps, x + sumCount, masked, 0);
+                auto packed = hn::ReorderDemote2To(Samples(), low, high);
+#if HWY_MAX_BYTES >= 32
+                packed = reordered(packed, alternateHalves);
+#endif
+                hn::StoreU(packed, Samples(), out + x);
+            }
+        });
     });
 }
 
-bool cubicGrey16Across(const std::uint16_t* row, const ColumnTaps& taps, int count, std::int32_t* out, StopFlag stop) {
+bool cubicGrey16Across(const std::uint16_t* row, const std::uint16_t* next, ColumnTaps taps, int count,
+                       std::int32_t* out, StopFlag stop) {
     // Signed around the middle: the weights sum to 65536, so the whole result is off by 0x8000.
     const auto centred = [](auto pixels) {
         return hn::Xor(pixels, hn::Set(Samples(), std::numeric_limits<std::int16_t>::min()));
     };
-    return forWholeBlocks(count, out, stop, [&](int block, std::int32_t*) {
-        for (int x = block; x < block + blockSize; x += sampleCount) {
-            const auto low = cubicAcross(row, taps, x, centred, 1 << 29);
-            const auto high = cubicAcross(row, taps, x + 4, centred, 1 << 29);
+    return withColumns<4>(row, taps, [&](const auto& columns) {
+        return forWholeBlocks(count, stop, [&](int block) {
+            prefetchBlock(next, taps, block);
+            for (int x = block; x < block + blockSize; x += sumCount) {
+                auto sums = cubicAcross(columns, taps, x, centred, 1 << 29);
 #if HWY_MAX_BYTES >= 32
-            hn::StoreU(hn::ConcatLowerLower(Sums(), high, low), Sums(), out + x);
-            hn::StoreU(hn::ConcatUpperUpper(Sums(), high, low), Sums(), out + x + 8);
-#else
-            hn::StoreU(low, Sums(), out + x);
-            hn::StoreU(high, Sums(), out + x + 4);
+                sums = reordered(sums, exchangeMiddle);
 #endif
-        }
+                hn::StoreU(sums, Sums(), out + x);
+            }
+        });
     });
 }
 
-bool cubicRgbAcross(const std::uint32_t* row, const ColumnTaps& taps, int count, std::int16_t* out, StopFlag stop) {
+bool cubicRgbAcross(const std::uint32_t* row, const std::uint32_t* next, ColumnTaps taps, int count, std::int16_t* out,
+                    StopFlag stop) {
     const hn::Full128<std::uint8_t> d8;
     HWY_ALIGN static constexpr std::uint8_t byChannel[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
     const auto channels = hn::Load(d8, byChannel);
@@ -316,39 +387,38 @@ bool cubicRgbAcross(const std::uint32_t* row, const ColumnTaps& taps, int count,
         std::memcpy(&four, weights, sizeof four);
         return hn::BitCast(Samples(), hn::Set(hn::Repartition<std::int64_t, Samples>(), four));
     };
-    const auto pixelsOf = [&](int x) {
+    const auto fourPixels = [&](int x) {
         const auto bytes = hn::LoadU(d8, reinterpret_cast<const std::uint8_t*>(row + taps.offsets[x]));
         return hn::TableLookupBytes(bytes, channels);
     };
 #if HWY_MAX_BYTES >= 32
-    HWY_ALIGN static constexpr std::int32_t inOrder[8] = {0, 4, 1, 5, 2, 6, 3, 7};
-    const auto order = hn::SetTableIndices(Sums(), inOrder);
     const auto twoPixels = [&](int x) {
-        const auto a = widened(pixelsOf(x), 0);
-        const auto b = widened(pixelsOf(x + 1), 0);
+        const auto a = widened(fourPixels(x), 0);
+        const auto b = widened(fourPixels(x + 1), 0);
         const auto sums = [&](const std::int16_t* weights) {
             return addPairs(pairSums(a, repeated(weights + 4 * x)), pairSums(b, repeated(weights + 4 * (x + 1))));
         };
         return wholeOf(sums(taps.weights), sums(taps.remainders));
     };
-    return forWholeBlocks(count, out, stop, [&](int block, std::int16_t*) {
+    return forWholeBlocks(count, stop, [&](int block) {
+        prefetchBlock(next, taps, block);
         for (int x = block; x < block + blockSize; x += 4) {
             // Blue and green of four pixels, then red and nothing of them.
             const auto packed = hn::ReorderDemote2To(Samples(), twoPixels(x), twoPixels(x + 2));
-            const auto ordered = hn::TableLookupLanes(hn::BitCast(Sums(), packed), order);
-            hn::StoreU(hn::BitCast(Samples(), ordered), Samples(), out + 4 * x);
+            hn::StoreU(reordered(packed, alternateHalves), Samples(), out + 4 * x);
         }
     });
 #else
     const auto onePixel = [&](int x) {
-        const auto pixels = pixelsOf(x);
+        const auto pixels = fourPixels(x);
         const auto sums = [&](const std::int16_t* weights) {
             const auto same = repeated(weights + 4 * x);
             return addPairs(pairSums(widened(pixels, 0), same), pairSums(widened(pixels, 8), same));
         };
         return wholeOf(sums(taps.weights), sums(taps.remainders));
     };
-    return forWholeBlocks(count, out, stop, [&](int block, std::int16_t*) {
+    return forWholeBlocks(count, stop, [&](int block) {
+        prefetchBlock(next, taps, block);
         for (int x = block; x < block + blockSize; x += 2) {
             hn::StoreU(hn::ReorderDemote2To(Samples(), onePixel(x), onePixel(x + 1)), Samples(), out + 4 * x);
         }

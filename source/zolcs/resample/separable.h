@@ -43,6 +43,7 @@ struct BilinearAxes {
     static auto column(const Kernel& kernel, Fixed16 u) { return axis(u, kernel.source().lastU()); }
     static auto row(const Kernel& kernel, Fixed16 v) { return axis(v, kernel.source().lastV()); }
     static std::int64_t lastColumn(const Kernel& kernel) { return pixelOf(kernel.source().lastU()); }
+    static std::int64_t lastRow(const Kernel& kernel) { return pixelOf(kernel.source().lastV()); }
 
     /// The fraction between the pixels at `offset` and behind it.
     static std::int32_t fraction(const AxisTaps<taps, std::uint32_t>& column, std::int64_t offset) {
@@ -67,6 +68,7 @@ struct CubicAxes {
     static auto column(const Kernel& kernel, Fixed16 u) { return axis(kernel, u, kernel.source().lastColumn()); }
     static auto row(const Kernel& kernel, Fixed16 v) { return axis(kernel, v, kernel.source().lastRow()); }
     static std::int64_t lastColumn(const Kernel& kernel) { return kernel.source().lastColumn(); }
+    static std::int64_t lastRow(const Kernel& kernel) { return kernel.source().lastRow(); }
 
     static constexpr int weightsPerColumn = 4;
     /// A pixel that is repeated gets the sum of its weights.
@@ -150,6 +152,86 @@ struct CubicRgbLines : CubicAxes<CubicRgb> {
     static auto down(const LineOperations& operations) { return operations.cubicRgbDown; }
 };
 
+/// What the columns of a display are made of, and of some more up to the end of a block.
+template <typename Lines>
+class SeparableColumns {
+public:
+    void tabulate(const typename Lines::Kernel& kernel, const Stepping& stepping) {
+        const auto width = static_cast<std::size_t>(stepping.width);
+        const std::size_t blocks = width / StopFlag::block + 1;
+        offsets_.assign(blocks * StopFlag::block, 0);
+        centres_.assign(size(), 0);
+        weights_.assign(size() * Lines::weightsPerColumn, 0);
+        remainders_.assign(weights_.size(), 0);
+        const std::int64_t lastOffset = Lines::lastColumn(kernel) - (std::int64_t{Lines::taps} - 1);
+        Fixed16 u = stepping.startU;
+        for (std::size_t x = 0; x < width; ++x, u += stepping.stepXu) {
+            const auto column = Lines::column(kernel, u);
+            const std::int64_t offset = std::min(column.pixels[0], lastOffset);
+            const std::size_t weight = x * Lines::weightsPerColumn;
+            offsets_[x] = static_cast<std::int32_t>(offset);
+            centres_[x] = static_cast<std::int32_t>(column.pixels[Lines::centre]);
+            Lines::tabulate(column, offset, &weights_[weight], &remainders_[weight]);
+        }
+        if (width > 0) std::fill(offsets_.begin() + stepping.width, offsets_.end(), offsets_[width - 1]);
+        if constexpr (sizeof(typename Lines::Kernel::Pixel) == 2) group(Lines::lastColumn(kernel));
+    }
+
+    [[nodiscard]] std::size_t size() const { return offsets_.size(); }
+
+    /// The taps from a block's first column on.
+    [[nodiscard]] ColumnTaps from(int x) const {
+        const std::ptrdiff_t weight = static_cast<std::ptrdiff_t>(x) * Lines::weightsPerColumn;
+        ColumnTaps taps{
+            offsets_.data() + x, weights_.data() + weight, remainders_.data() + weight, false, nullptr, nullptr};
+        if (!groups_.empty()) {
+            taps.isGrouped = true;
+            taps.groups = groups_.data() + x / groupColumns;
+            taps.groupBytes = groupBytes_.data() + static_cast<std::ptrdiff_t>(x) * bytesPerColumn;
+        }
+        return taps;
+    }
+
+    /// The source columns on which shifted positions fall, from a display column on.
+    [[nodiscard]] const std::int32_t* centres(int x) const { return centres_.data() + x; }
+
+private:
+    static constexpr int groupPixels = 8;
+    static constexpr int groupColumns = groupPixels / static_cast<int>(Lines::taps);
+    static constexpr int bytesPerColumn = 2 * static_cast<int>(Lines::taps);
+
+    /// Groups neighbouring columns, unless some lie too far apart.
+    void group(std::int64_t lastColumn) {
+        groups_.clear();
+        groupBytes_.clear();
+        const std::int64_t lastGroup = lastColumn - (groupPixels - 1);
+        if (lastGroup < 0) return;
+        groups_.reserve(size() / groupColumns);
+        groupBytes_.reserve(size() * bytesPerColumn);
+        for (auto first = offsets_.begin(); first != offsets_.end(); first += groupColumns) {
+            const auto [least, most] = std::minmax_element(first, first + groupColumns);
+            const std::int32_t begin = static_cast<std::int32_t>(std::min<std::int64_t>(*least, lastGroup));
+            if (*most - begin > groupPixels - static_cast<int>(Lines::taps)) {
+                groups_.clear();
+                return;
+            }
+            groups_.push_back(begin);
+            for (auto column = first; column != first + groupColumns; ++column) {
+                for (int byte = 0; byte < bytesPerColumn; ++byte) {
+                    groupBytes_.push_back(static_cast<std::uint8_t>(2 * (*column - begin) + byte));
+                }
+            }
+        }
+    }
+
+    std::vector<std::int32_t> offsets_;
+    std::vector<std::int32_t> centres_;
+    std::vector<std::int16_t> weights_;
+    std::vector<std::int16_t> remainders_;
+    std::vector<std::int32_t> groups_;  ///< empty when columns cannot be grouped
+    std::vector<std::uint8_t> groupBytes_;
+};
+
 /// Equals PlainFiller<Lines::Kernel, Convert> bit for bit, in separable views.
 template <typename Lines, typename Convert>
 class SeparableFiller {
@@ -162,29 +244,19 @@ public:
         : kernel_(kernel), convert_(convert), stop_(stop), operations_(LineOperations::chosen()) {}
 
     void prepare(const Stepping& stepping) {
-        const auto columns = static_cast<std::size_t>(stepping.width) + StopFlag::block;
-        offsets_.assign(columns, 0);
-        weights_.assign(columns * Lines::weightsPerColumn, 0);
-        remainders_.assign(weights_.size(), 0);
-        centres_.assign(keptBits() != 0 ? columns : 0, 0);
-        const std::int64_t lastOffset = Lines::lastColumn(kernel_) - (std::int64_t{Lines::taps} - 1);
-        Fixed16 u = stepping.startU;
-        for (std::size_t x = 0; x < static_cast<std::size_t>(stepping.width); ++x, u += stepping.stepXu) {
-            const auto column = Lines::column(kernel_, u);
-            const std::int64_t offset = std::min(column.pixels[0], lastOffset);
-            const std::size_t weight = x * Lines::weightsPerColumn;
-            offsets_[x] = static_cast<std::int32_t>(offset);
-            Lines::tabulate(column, offset, &weights_[weight], &remainders_[weight]);
-            if (keptBits() != 0) centres_[x] = static_cast<std::int32_t>(column.pixels[Lines::centre]);
-        }
-        for (FilteredRow& row : rows_) row.samples.resize(columns * Lines::samplesPerPixel);
-        values_.resize(columns);
+        columns_.tabulate(kernel_, stepping);
+        for (FilteredRow& row : rows_) row.samples.resize(columns_.size() * Lines::samplesPerPixel);
+        values_.resize(columns_.size());
+        const auto rowsForward = static_cast<std::int64_t>(std::clamp<Fixed16>(pixelOf(stepping.stepYv), -1000, 1000));
+        nextRow_ =
+            stepping.stepYv < 0 ? std::min<std::int64_t>(rowsForward, -1) : std::max<std::int64_t>(rowsForward, 1);
         expect({});
     }
 
     void expect(ColumnRange columns) {
         if (columns == expected_) return;
         expected_ = columns;
+        filteredBegin_ = columns.begin - columns.begin % StopFlag::block;
         for (FilteredRow& row : rows_) row.number = -1;
     }
 
@@ -195,7 +267,7 @@ public:
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const Sample* samples = filtered(taps.pixels[i]);
             if (samples == nullptr) return false;
-            rows[i] = samples + (columns.begin - expected_.begin) * Lines::samplesPerPixel;
+            rows[i] = samples + (columns.begin - filteredBegin_) * Lines::samplesPerPixel;
         }
         const auto down = [&](Pixel* values) {
             const int count = columns.end - columns.begin;
@@ -208,7 +280,7 @@ public:
     }
 
 private:
-    /// A source row that has been filtered across, from the first expected column on.
+    /// A source row that has been filtered across, from the block of the first expected column on.
     struct FilteredRow {
         std::int64_t number = -1;
         std::vector<Sample> samples;
@@ -227,11 +299,12 @@ private:
         FilteredRow& row = rows_[static_cast<std::size_t>(number) % Lines::taps];
         if (row.number != number) {
             row.number = -1;
-            const ColumnTaps all{offsets_.data(), weights_.data(), remainders_.data()};
-            const ColumnTaps taps = all.from(expected_.begin, Lines::weightsPerColumn);
-            const int count = expected_.end - expected_.begin;
-            const Pixel* pixels = kernel_.source().pixels().line(number);
-            if (!Lines::across(operations_)(pixels, taps, count, row.samples.data(), stop_)) return nullptr;
+            const ImageView<const Pixel>& pixels = kernel_.source().pixels();
+            const std::int64_t next = std::clamp<std::int64_t>(number + nextRow_, 0, Lines::lastRow(kernel_));
+            if (!Lines::across(operations_)(pixels.line(number), pixels.line(next), columns_.from(filteredBegin_),
+                                            expected_.end - filteredBegin_, row.samples.data(), stop_)) {
+                return nullptr;
+            }
             row.number = number;
         }
         return row.samples.data();
@@ -241,19 +314,27 @@ private:
     template <typename Out>
     bool finish(std::int64_t centreRow, ColumnRange columns, Out* out) const {
         const Pixel* values = values_.data();
-        const Pixel* centres = kernel_.source().pixels().line(centreRow);
-        for (int begin = columns.begin; begin < columns.end; begin += StopFlag::block) {
-            if (stop_.isRaised()) return false;
-            const int end = std::min(begin + StopFlag::block, columns.end);
-            if (keptBits() == 0) {
-                for (int x = begin; x < end; ++x) *out++ = convert_(*values++);
-            } else {
-                for (int x = begin; x < end; ++x) {
-                    const Pixel kept = centres[centres_[static_cast<std::size_t>(x)]];
-                    *out++ = convert_(static_cast<Pixel>(*values++ | (kept & keptBits())));
-                }
-            }
+        const int count = columns.end - columns.begin;
+        if (keptBits() == 0) {
+            return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
         }
+        const Pixel* centres = kernel_.source().pixels().line(centreRow);
+        const std::int32_t* offsets = columns_.centres(columns.begin);
+        return forBlocks(count, [&](int i) {
+            out[i] = convert_(static_cast<Pixel>(values[i] | (centres[offsets[i]] & keptBits())));
+        });
+    }
+
+    /// Calls pixel(i) for i below `count`; whole blocks have a constant length, which compilers unroll.
+    template <typename PerPixel>
+    bool forBlocks(int count, const PerPixel& pixel) const {
+        int begin = 0;
+        for (; begin + StopFlag::block <= count; begin += StopFlag::block) {
+            if (stop_.isRaised()) return false;
+            for (int i = 0; i < StopFlag::block; ++i) pixel(begin + i);
+        }
+        if (begin < count && stop_.isRaised()) return false;
+        for (; begin < count; ++begin) pixel(begin);
         return true;
     }
 
@@ -261,13 +342,12 @@ private:
     const Convert& convert_;
     StopFlag stop_;
     const LineOperations& operations_;
-    std::vector<std::int32_t> offsets_;
-    std::vector<std::int16_t> weights_;
-    std::vector<std::int16_t> remainders_;
-    std::vector<std::int32_t> centres_;  ///< source columns that keep bits; empty when none are kept
+    SeparableColumns<Lines> columns_;
     std::vector<Pixel> values_;
     std::array<FilteredRow, Lines::taps> rows_;
     ColumnRange expected_;
+    int filteredBegin_ = 0;     ///< the first column of filtered rows, where a block begins
+    std::int64_t nextRow_ = 1;  ///< source rows from one filtered row to the next
 };
 
 /// True for upright views and quarter turns of sources that are wide enough for every kernel.
