@@ -15,7 +15,9 @@ build_packages=(g++ cmake ninja-build ccache pkg-config libcairo2-dev libpango1.
     libhwy-dev libdcmtk-dev libcli11-dev libpng-dev nlohmann-json3-dev libopenjp2-7-dev libgtest-dev libgmock-dev
     fonts-dejavu-core fonts-noto-core fonts-noto-cjk)
 test_packages=(poppler-utils)
-cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
+cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest)
+wine_packages=(wine wine64 xvfb)
+tree_packages=(debootstrap debian-archive-keyring util-linux)
 lint_packages=(clang clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libpixman-1-dev)

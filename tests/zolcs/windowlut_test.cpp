@@ -160,7 +160,8 @@ TEST(WindowLut, SigmoidWithoutRemap) {
             const unsigned shift = shiftByDefinition(sigmoidByDefinition(top, top, window));
             for (std::size_t v = 0; v < lut.size(); ++v) {
                 const auto level = sigmoidByDefinition(top, static_cast<double>(v), window) >> shift;
-                ASSERT_EQ(lut[v], colours[std::min<std::uint64_t>(level, 255)]) << bits << " bits, value " << v;
+                ASSERT_EQ(lut[v], colours[static_cast<std::size_t>(std::min<std::uint64_t>(level, 255))])
+                    << bits << " bits, value " << v;
             }
         }
     }
@@ -178,7 +179,8 @@ TEST(WindowLut, SigmoidBehindARemapUsesTheFullPowerOfTwo) {
             const unsigned shift = shiftByDefinition(sigmoidByDefinition(full, full - 1.0, window));
             for (std::size_t v = 0; v < lut.size(); ++v) {
                 const auto level = (sigmoidByDefinition(full, static_cast<double>(v), window) & 0xFFFF) >> shift;
-                ASSERT_EQ(lut[v], colours[std::min<std::uint64_t>(level, 255)]) << bits << " bits, value " << v;
+                ASSERT_EQ(lut[v], colours[static_cast<std::size_t>(std::min<std::uint64_t>(level, 255))])
+                    << bits << " bits, value " << v;
             }
         }
     }
@@ -338,7 +340,9 @@ TEST(WindowLut, WindowedEntriesAccumulateTheirPosition) {
         const WindowedExtent extent = zolcs::mapping::windowedExtent(window, table.count(), 4096);
         std::vector<std::uint16_t> windowed(extent.count);
         zolcs::mapping::fillWindowed(windowed, extent, table);
-        const auto entryAt = [&](std::uint64_t k) { return values[std::min<std::uint64_t>(k, values.size() - 1)]; };
+        const auto entryAt = [&](std::uint64_t k) {
+            return values[static_cast<std::size_t>(std::min<std::uint64_t>(k, values.size() - 1))];
+        };
         const double step = static_cast<double>(values.size()) / window.width;
         // A window that lies below all stored values starts at the table's begin.
         const bool cutBelow = window.low() < 0 && window.high() > 0;

@@ -1,0 +1,79 @@
+# Running Windows programs; source it after common.sh, do not run it.
+# The 64-bit ones run under the machine's own wine64. Debian's wine32 does not install beside it, so that the 32-bit
+# ones run inside a small i386 system in the user's cache folder, which is made once and used again.
+
+wine_cache=${XDG_CACHE_HOME:-$HOME/.cache}/zolwebcs
+wine_tree=$wine_cache/wine32
+export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+
+# make_wine_tree: makes the i386 system from what the machine's own apt is set up to use.
+make_wine_tree() {
+    [ -e "$wine_tree/.complete" ] && return 0
+    [ "$(id -u)" -eq 0 ] || die "only root can make the 32-bit system that the i686 tests run in"
+    need_packages "${tree_packages[@]}"
+    say "Making the 32-bit system (once; $wine_tree)"
+    local release sources mirror log=$wine_cache/wine32.log
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    sources=$(debian_sources "$release")
+    [ -n "$sources" ] || { apt-get -q update >/dev/null && sources=$(debian_sources "$release"); }
+    mirror=$(awk -v release="$release" '$2 == release && $3 == "main" { print $1; exit }' <<<"$sources")
+    [ -n "$mirror" ] || die "apt has no package source for $release"
+    rm -rf "$wine_tree"
+    mkdir -p "$wine_tree"
+    {
+        fetch_proxies
+        cat /usr/share/keyrings/debian-archive-keyring.gpg /etc/apt/trusted.gpg.d/*.gpg /etc/apt/keyrings/*.gpg \
+            >"$wine_cache/keys.gpg" 2>/dev/null || true
+        debootstrap --arch=i386 --variant=minbase --include=ca-certificates --keyring="$wine_cache/keys.gpg" \
+            "$release" "$wine_tree" "$mirror" &&
+            cp "$wine_cache/keys.gpg" "$wine_tree/etc/apt/machine.gpg" &&
+            sed -E 's/^/deb [signed-by=\/etc\/apt\/machine.gpg] /' <<<"$sources" >"$wine_tree/etc/apt/sources.list" &&
+            apt-config dump Acquire | grep -v '^Acquire::IndexTargets' >"$wine_tree/etc/apt/apt.conf.d/00machine" &&
+            { [ ! -e /etc/ssl/certs/ca-certificates.crt ] ||
+                cp /etc/ssl/certs/ca-certificates.crt "$wine_tree/etc/ssl/certs/"; } &&
+            # A mirror that is being renewed may lack one list for a while; what counts is whether the rest will do.
+            { in_wine_tree apt-get -q update || true; } &&
+            in_wine_tree env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends \
+                wine wine32 fonts-dejavu-core &&
+            in_wine_tree apt-get clean
+    } >"$log" 2>&1 || { tail -n 15 "$log" >&2; die "the 32-bit system could not be made; see the lines above"; }
+    touch "$wine_tree/.complete"
+}
+
+# debian_sources RELEASE: "URI RELEASE COMPONENT" for each of Debian's own package sources that the machine uses.
+debian_sources() {
+    # shellcheck disable=SC2016  # the names in the format are apt's
+    apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        awk -v release="$1" '$2 == release || $2 == release "-updates" || $2 == release "-security"' | sort -u
+}
+
+# fetch_proxies: debootstrap fetches with wget, which knows apt's proxies by these names only.
+fetch_proxies() {
+    local scheme proxy
+    for scheme in http https; do
+        proxy=$(apt-config dump "Acquire::$scheme::Proxy" | sed -nE "s/^Acquire::$scheme::Proxy \"(.+)\";/\1/p")
+        [ -z "$proxy" ] || [ "$proxy" = DIRECT ] || export "${scheme}_proxy=$proxy"
+    done
+}
+
+# in_wine_tree COMMAND...: runs it inside the tree, in the project's folder (which is seen under its own path there).
+# The mounts are the command's own and end with it.
+in_wine_tree() {
+    mkdir -p "$wine_tree$project"
+    unshare --mount --propagation private sh -c '
+        tree=$1 project=$2
+        shift 2
+        mount -t proc proc "$tree/proc" && mount --bind "$project" "$tree$project" &&
+            exec chroot "$tree" env -C "$project" HOME=/root "$@"' sh "$wine_tree" "$project" "$@"
+}
+
+# with_wine i686|x86_64 COMMAND...: runs a command in whose environment `wine` runs programs of that width.
+with_wine() {
+    local width=$1
+    shift
+    if [ "$width" = i686 ]; then
+        in_wine_tree env WINEPREFIX=/root/wine WINEARCH=win32 "$@"
+    else
+        WINEPREFIX=$wine_cache/wine64 WINEARCH=win64 "$@"
+    fi
+}
