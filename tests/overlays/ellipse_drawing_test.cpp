@@ -280,17 +280,18 @@ TEST_F(EllipseDrawing, WithoutObjects) {
 
 TEST_F(EllipseDrawing, FarAwayNothing) {
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const double far : {1e9, -1e9, 1e12, 1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+    for (const double distant :
+         {1e9, -1e9, 1e12, 1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
         CCs2dTrafo moved = identityView();
-        moved.setDspPanFactor(far / 512, 0);
+        moved.setDspPanFactor(distant / 512, 0);
         CCsEllipse plain(&view, CCsPoint(10, 20), CCsPoint(50, 40));
         plain.select(unused);
-        for (const int m : {1, 2, 3, 4}) EXPECT_EQ(drawn(plain, {&moved, nullptr, m}), "") << far;
+        for (const int m : {1, 2, 3, 4}) EXPECT_EQ(drawn(plain, {&moved, nullptr, m}), "") << distant;
         CCsEllipse angular(&view, CCsPointDouble(100, 100), CCsPointDouble(180, 100), CCsPointDouble(140, 75),
                            CCsPointDouble(140, 125));
-        for (const int m : {1, 2, 3, 4}) EXPECT_EQ(drawn(angular, {&moved, nullptr, m}), "") << far;
+        for (const int m : {1, 2, 3, 4}) EXPECT_EQ(drawn(angular, {&moved, nullptr, m}), "") << distant;
     }
-    // As far as GDI goes, exactly.
+    // As distant as GDI goes, exactly.
     CCsEllipse huge(nullptr, CCsPoint(-134217727, -100000), CCsPoint(134217727, 100000));
     EXPECT_EQ(drawn(huge, {nullptr, nullptr, 1}), ellipse("ellipse -134217727 -100000 134217727 100000\n"));
     CCsEllipse tooHuge(nullptr, CCsPoint(-134217728, -100000), CCsPoint(134217727, 100000));

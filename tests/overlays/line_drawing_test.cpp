@@ -459,9 +459,10 @@ std::vector<POINT> polygonOf(const std::string& recorded) {
     const std::size_t begin = recorded.find("polygon");
     std::size_t at = begin;
     while ((at = recorded.find('(', at)) != std::string::npos && at < recorded.find('\n', begin)) {
-        POINT point{};
-        std::sscanf(recorded.c_str() + at, "(%d %d)", &point.x, &point.y);
-        points.push_back(point);
+        int x = 0;
+        int y = 0;
+        std::sscanf(recorded.c_str() + at, "(%d %d)", &x, &y);
+        points.push_back({x, y});
         ++at;
     }
     return points;

@@ -2,8 +2,13 @@
 
 #include "zolwebmlang/zolwebmlang.h"
 
+#if defined(_WIN32)
+#include "support/import_table.h"
+#else
 #include <dlfcn.h>
+#endif
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +18,9 @@
 #include <utility>
 
 namespace zoltest {
+
+/// Puts the doubles where the library finds them, once.
+void takePlaces();
 
 namespace {
 
@@ -53,10 +61,12 @@ std::string styled(int style) {
 
 std::string listed(const POINT* points, unsigned int count) {
     std::string out;
-    for (unsigned int i = 0; i < count; ++i) out += format(" (%d %d)", points[i].x, points[i].y);
+    for (unsigned int i = 0; i < count; ++i)
+        out += format(" (%d %d)", static_cast<int>(points[i].x), static_cast<int>(points[i].y));
     return out;
 }
 
+#if !defined(_WIN32)
 /// The function of this signature that would be called without the double: the next one of the same name.
 template <typename Function>
 Function realOf(Function own) {
@@ -70,6 +80,7 @@ Function realOf(Function own) {
     std::memcpy(&out, &real, sizeof real);
     return out;
 }
+#endif
 
 /// Creates an object under a name and records that.
 template <typename Handle, typename Create>
@@ -85,6 +96,7 @@ Handle created(const std::string& name, const Create& create) {
 }  // namespace
 
 GdiRecorder::GdiRecorder(HDC dc) {
+    takePlaces();
     names.clear();
     lines.clear();
     names[GetCurrentObject(dc, OBJ_PEN)] = "caller's pen";
@@ -107,120 +119,141 @@ using zoltest::format;
 using zoltest::listed;
 using zoltest::nameOf;
 using zoltest::narrow;
-using zoltest::realOf;
 using zoltest::styled;
 using zoltest::write;
 
+// A double has the name of the function whose place it takes where that is enough, and a name of its own on Windows,
+// where takePlaces() puts it there.
+#if defined(_WIN32)
+#define ZOL_NAME(name) recorded##name
+#define ZOL_DOUBLE(name) WINAPI ZOL_NAME(name)
+#define ZOL_REAL(name) (&::name)
+
+struct RecordedCharsetSupport {
+    bool CreateFontForStr(const wchar_t* text, CFont& font, int charsetType, const wchar_t* faceName, int width);
+};
+using FontMaker = RecordedCharsetSupport;
+#else
+#define ZOL_NAME(name) name
+#define ZOL_DOUBLE(name) ZOL_NAME(name)
+#define ZOL_REAL(name) realOf(&name)
+
+using zoltest::realOf;
+using FontMaker = ZolCharsetSupport;
+#endif
+
 // ---------------------------------------------------------------------------------------------------- objects
 
-HPEN CreatePen(int style, int width, COLORREF color) {
-    static const auto real = realOf(&CreatePen);
+HPEN ZOL_DOUBLE(CreatePen)(int style, int width, COLORREF color) {
+    static const auto real = ZOL_REAL(CreatePen);
     return created<HPEN>("pen " + styled(style) + format(" %d ", width) + colored(color),
-                         [&] { return real(style, width, color); });
+                         // Lines as wide as a continent take Wine minutes; that they were asked for is written down.
+                         [&] { return real(style, std::min(width, 1000), color); });
 }
 
-HBRUSH CreateSolidBrush(COLORREF color) {
-    static const auto real = realOf(&CreateSolidBrush);
+HBRUSH ZOL_DOUBLE(CreateSolidBrush)(COLORREF color) {
+    static const auto real = ZOL_REAL(CreateSolidBrush);
     return created<HBRUSH>("brush " + colored(color), [&] { return real(color); });
 }
 
-HRGN CreateRectRgn(int left, int top, int right, int bottom) {
-    static const auto real = realOf(&CreateRectRgn);
+HRGN ZOL_DOUBLE(CreateRectRgn)(int left, int top, int right, int bottom) {
+    static const auto real = ZOL_REAL(CreateRectRgn);
     return created<HRGN>(format("region %d %d %d %d", left, top, right, bottom),
                          [&] { return real(left, top, right, bottom); });
 }
 
-HFONT CreateFontIndirectW(const LOGFONTW* font) {
-    static const auto real = realOf(&CreateFontIndirectW);
-    return created<HFONT>(format("font %d %d", font->lfHeight, font->lfWeight), [&] { return real(font); });
+HFONT ZOL_DOUBLE(CreateFontIndirectW)(const LOGFONTW* font) {
+    static const auto real = ZOL_REAL(CreateFontIndirectW);
+    return created<HFONT>(format("font %d %d", static_cast<int>(font->lfHeight), static_cast<int>(font->lfWeight)),
+                          [&] { return real(font); });
 }
 
-BOOL DeleteObject(HGDIOBJ object) {
-    static const auto real = realOf(&DeleteObject);
+BOOL ZOL_DOUBLE(DeleteObject)(HGDIOBJ object) {
+    static const auto real = ZOL_REAL(DeleteObject);
     write("delete " + nameOf(object));
     zoltest::names.erase(object);
     return real(object);
 }
 
-HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
-    static const auto real = realOf(&SelectObject);
+HGDIOBJ ZOL_DOUBLE(SelectObject)(HDC dc, HGDIOBJ object) {
+    static const auto real = ZOL_REAL(SelectObject);
     write("select " + nameOf(object));
     return real(dc, object);
 }
 
 // ---------------------------------------------------------------------------------------------------- state
 
-int GetDeviceCaps(HDC dc, int index) {
-    static const auto real = realOf(&GetDeviceCaps);
+int ZOL_DOUBLE(GetDeviceCaps)(HDC dc, int index) {
+    static const auto real = ZOL_REAL(GetDeviceCaps);
     const bool dots = index == LOGPIXELSX || index == LOGPIXELSY;
     return dots && active != nullptr && active->dotsPerInch ? *active->dotsPerInch : real(dc, index);
 }
 
-BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics) {
-    static const auto real = realOf(&GetTextMetricsW);
+BOOL ZOL_DOUBLE(GetTextMetricsW)(HDC dc, TEXTMETRICW* metrics) {
+    static const auto real = ZOL_REAL(GetTextMetricsW);
     const BOOL result = real(dc, metrics);
     if (active != nullptr && active->textHeight) metrics->tmHeight = *active->textHeight;
     return result;
 }
 
-BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int length, LPSIZE size) {
-    static const auto real = realOf(&GetTextExtentPoint32W);
+BOOL ZOL_DOUBLE(GetTextExtentPoint32W)(HDC dc, LPCWSTR text, int length, LPSIZE size) {
+    static const auto real = ZOL_REAL(GetTextExtentPoint32W);
     write("measure \"" + narrow(text, length) + '"');
     const BOOL result = real(dc, text, length, size);
     if (active != nullptr && active->textExtent) *size = *active->textExtent;
     return result;
 }
 
-int SetBkMode(HDC dc, int mode) {
-    static const auto real = realOf(&SetBkMode);
+int ZOL_DOUBLE(SetBkMode)(HDC dc, int mode) {
+    static const auto real = ZOL_REAL(SetBkMode);
     write(mode == TRANSPARENT ? "background transparent" : mode == OPAQUE ? "background opaque" : "background ?");
     return real(dc, mode);
 }
 
-int SetPolyFillMode(HDC dc, int mode) {
-    static const auto real = realOf(&SetPolyFillMode);
+int ZOL_DOUBLE(SetPolyFillMode)(HDC dc, int mode) {
+    static const auto real = ZOL_REAL(SetPolyFillMode);
     write(mode == ALTERNATE ? "fill alternate" : mode == WINDING ? "fill winding" : "fill ?");
     return real(dc, mode);
 }
 
-COLORREF SetTextColor(HDC dc, COLORREF color) {
-    static const auto real = realOf(&SetTextColor);
+COLORREF ZOL_DOUBLE(SetTextColor)(HDC dc, COLORREF color) {
+    static const auto real = ZOL_REAL(SetTextColor);
     write("text colour " + colored(color));
     return real(dc, color);
 }
 
-int SaveDC(HDC dc) {
-    static const auto real = realOf(&SaveDC);
+int ZOL_DOUBLE(SaveDC)(HDC dc) {
+    static const auto real = ZOL_REAL(SaveDC);
     write("save");
     return real(dc);
 }
 
-BOOL RestoreDC(HDC dc, int saved) {
-    static const auto real = realOf(&RestoreDC);
+BOOL ZOL_DOUBLE(RestoreDC)(HDC dc, int saved) {
+    static const auto real = ZOL_REAL(RestoreDC);
     write("restore");
     return real(dc, saved);
 }
 
-int SetGraphicsMode(HDC dc, int mode) {
-    static const auto real = realOf(&SetGraphicsMode);
+int ZOL_DOUBLE(SetGraphicsMode)(HDC dc, int mode) {
+    static const auto real = ZOL_REAL(SetGraphicsMode);
     write(mode == GM_ADVANCED ? "graphics advanced" : "graphics compatible");
     return real(dc, mode);
 }
 
-int SetMapMode(HDC dc, int mode) {
-    static const auto real = realOf(&SetMapMode);
+int ZOL_DOUBLE(SetMapMode)(HDC dc, int mode) {
+    static const auto real = ZOL_REAL(SetMapMode);
     write(format("map mode %d", mode));
     return real(dc, mode);
 }
 
-BOOL SetViewportOrgEx(HDC dc, int x, int y, LPPOINT previous) {
-    static const auto real = realOf(&SetViewportOrgEx);
+BOOL ZOL_DOUBLE(SetViewportOrgEx)(HDC dc, int x, int y, LPPOINT previous) {
+    static const auto real = ZOL_REAL(SetViewportOrgEx);
     write(format("viewport origin %d %d", x, y));
     return real(dc, x, y, previous);
 }
 
-BOOL SetWorldTransform(HDC dc, const XFORM* world) {
-    static const auto real = realOf(&SetWorldTransform);
+BOOL ZOL_DOUBLE(SetWorldTransform)(HDC dc, const XFORM* world) {
+    static const auto real = ZOL_REAL(SetWorldTransform);
     const auto number = [](FLOAT value) { return static_cast<double>(value) + 0.0; };  // no negative zeros in the text
     write(format("world %.9g %.9g %.9g %.9g %.9g %.9g", number(world->eM11), number(world->eM12), number(world->eM21),
                  number(world->eM22), number(world->eDx), number(world->eDy)));
@@ -229,78 +262,127 @@ BOOL SetWorldTransform(HDC dc, const XFORM* world) {
 
 // ---------------------------------------------------------------------------------------------------- drawing
 
-BOOL MoveToEx(HDC dc, int x, int y, LPPOINT previous) {
-    static const auto real = realOf(&MoveToEx);
+BOOL ZOL_DOUBLE(MoveToEx)(HDC dc, int x, int y, LPPOINT previous) {
+    static const auto real = ZOL_REAL(MoveToEx);
     write(format("move to %d %d", x, y));
     return real(dc, x, y, previous);
 }
 
-BOOL LineTo(HDC dc, int x, int y) {
-    static const auto real = realOf(&LineTo);
+BOOL ZOL_DOUBLE(LineTo)(HDC dc, int x, int y) {
+    static const auto real = ZOL_REAL(LineTo);
     write(format("line to %d %d", x, y));
     return real(dc, x, y);
 }
 
-BOOL Polygon(HDC dc, const POINT* points, int count) {
-    static const auto real = realOf(&Polygon);
+BOOL ZOL_DOUBLE(Polygon)(HDC dc, const POINT* points, int count) {
+    static const auto real = ZOL_REAL(Polygon);
     write("polygon" + listed(points, static_cast<unsigned int>(count)));
     return real(dc, points, count);
 }
 
-BOOL PolyBezier(HDC dc, const POINT* points, DWORD count) {
-    static const auto real = realOf(&PolyBezier);
+BOOL ZOL_DOUBLE(PolyBezier)(HDC dc, const POINT* points, DWORD count) {
+    static const auto real = ZOL_REAL(PolyBezier);
     write("bezier" + listed(points, count));
     return real(dc, points, count);
 }
 
-BOOL BeginPath(HDC dc) {
-    static const auto real = realOf(&BeginPath);
+BOOL ZOL_DOUBLE(BeginPath)(HDC dc) {
+    static const auto real = ZOL_REAL(BeginPath);
     write("begin path");
     return real(dc);
 }
 
-BOOL EndPath(HDC dc) {
-    static const auto real = realOf(&EndPath);
+BOOL ZOL_DOUBLE(EndPath)(HDC dc) {
+    static const auto real = ZOL_REAL(EndPath);
     write("end path");
     return real(dc);
 }
 
-BOOL StrokeAndFillPath(HDC dc) {
-    static const auto real = realOf(&StrokeAndFillPath);
+BOOL ZOL_DOUBLE(StrokeAndFillPath)(HDC dc) {
+    static const auto real = ZOL_REAL(StrokeAndFillPath);
     write("stroke and fill path");
     return real(dc);
 }
 
-BOOL Ellipse(HDC dc, int left, int top, int right, int bottom) {
-    static const auto real = realOf(&Ellipse);
+BOOL ZOL_DOUBLE(Ellipse)(HDC dc, int left, int top, int right, int bottom) {
+    static const auto real = ZOL_REAL(Ellipse);
     write(format("ellipse %d %d %d %d", left, top, right, bottom));
     return real(dc, left, top, right, bottom);
 }
 
-BOOL PaintRgn(HDC dc, HRGN region) {
-    static const auto real = realOf(&PaintRgn);
+BOOL ZOL_DOUBLE(PaintRgn)(HDC dc, HRGN region) {
+    static const auto real = ZOL_REAL(PaintRgn);
     write("paint " + nameOf(region));
     return real(dc, region);
 }
 
-BOOL TextOutW(HDC dc, int x, int y, LPCWSTR text, int length) {
-    static const auto real = realOf(&TextOutW);
+BOOL ZOL_DOUBLE(TextOutW)(HDC dc, int x, int y, LPCWSTR text, int length) {
+    static const auto real = ZOL_REAL(TextOutW);
     write(format("text %d %d \"", x, y) + narrow(text, length) + '"');
     return real(dc, x, y, text, length);
 }
 
 // ---------------------------------------------------------------------------------------------------- fonts
 
-bool ZolCharsetSupport::CreateFontForStr(const wchar_t* text, CFont& font, int charsetType, const wchar_t* faceName,
-                                         int width) {
-    static const auto real = realOf(&ZolCharsetSupport::CreateFontForStr);
+bool FontMaker::CreateFontForStr(const wchar_t* text, CFont& font, int charsetType, const wchar_t* faceName,
+                                 int width) {
+    static const auto real = ZOL_REAL(ZolCharsetSupport::CreateFontForStr);
     write("font for \"" + narrow(text, static_cast<int>(std::wcslen(text))) + format("\" type %d face ", charsetType) +
           narrow(faceName, static_cast<int>(std::wcslen(faceName))) + format(" width %d", width));
-    if (active == nullptr || !active->hostFont) return (this->*real)(text, font, charsetType, faceName, width);
+    if (active == nullptr || !active->hostFont)
+        return (reinterpret_cast<ZolCharsetSupport*>(this)->*real)(text, font, charsetType, faceName, width);
     font.DeleteObject();
     if (*active->hostFont == 0) return false;
     LOGFONTW description{};
     description.lfHeight = *active->hostFont;
     description.lfWeight = FW_NORMAL;
-    return font.CreateFontIndirectW(&description) != FALSE;
+    return font.Attach(ZOL_NAME(CreateFontIndirectW)(&description)) != FALSE;
+}
+
+// ---------------------------------------------------------------------------------------------------- places
+
+void zoltest::takePlaces() {
+#if defined(_WIN32)
+    struct Place {
+        void* real;
+        void* recorded;
+    };
+    static const bool taken = [] {
+        const Place places[] = {
+            {addressOf(&::CreatePen), addressOf(&recordedCreatePen)},
+            {addressOf(&::CreateSolidBrush), addressOf(&recordedCreateSolidBrush)},
+            {addressOf(&::CreateRectRgn), addressOf(&recordedCreateRectRgn)},
+            {addressOf(&::CreateFontIndirectW), addressOf(&recordedCreateFontIndirectW)},
+            {addressOf(&::DeleteObject), addressOf(&recordedDeleteObject)},
+            {addressOf(&::SelectObject), addressOf(&recordedSelectObject)},
+            {addressOf(&::GetDeviceCaps), addressOf(&recordedGetDeviceCaps)},
+            {addressOf(&::GetTextMetricsW), addressOf(&recordedGetTextMetricsW)},
+            {addressOf(&::GetTextExtentPoint32W), addressOf(&recordedGetTextExtentPoint32W)},
+            {addressOf(&::SetBkMode), addressOf(&recordedSetBkMode)},
+            {addressOf(&::SetPolyFillMode), addressOf(&recordedSetPolyFillMode)},
+            {addressOf(&::SetTextColor), addressOf(&recordedSetTextColor)},
+            {addressOf(&::SaveDC), addressOf(&recordedSaveDC)},
+            {addressOf(&::RestoreDC), addressOf(&recordedRestoreDC)},
+            {addressOf(&::SetGraphicsMode), addressOf(&recordedSetGraphicsMode)},
+            {addressOf(&::SetMapMode), addressOf(&recordedSetMapMode)},
+            {addressOf(&::SetViewportOrgEx), addressOf(&recordedSetViewportOrgEx)},
+            {addressOf(&::SetWorldTransform), addressOf(&recordedSetWorldTransform)},
+            {addressOf(&::MoveToEx), addressOf(&recordedMoveToEx)},
+            {addressOf(&::LineTo), addressOf(&recordedLineTo)},
+            {addressOf(&::Polygon), addressOf(&recordedPolygon)},
+            {addressOf(&::PolyBezier), addressOf(&recordedPolyBezier)},
+            {addressOf(&::BeginPath), addressOf(&recordedBeginPath)},
+            {addressOf(&::EndPath), addressOf(&recordedEndPath)},
+            {addressOf(&::StrokeAndFillPath), addressOf(&recordedStrokeAndFillPath)},
+            {addressOf(&::Ellipse), addressOf(&recordedEllipse)},
+            {addressOf(&::PaintRgn), addressOf(&recordedPaintRgn)},
+            {addressOf(&::TextOutW), addressOf(&recordedTextOutW)},
+            {addressOf(&ZolCharsetSupport::CreateFontForStr), addressOf(&RecordedCharsetSupport::CreateFontForStr)}};
+        for (const Place& place : places) {
+            if (!redirectLibraryImport(place.real, place.recorded)) std::abort();
+        }
+        return true;
+    }();
+    static_cast<void>(taken);
+#endif
 }

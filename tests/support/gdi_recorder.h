@@ -5,7 +5,8 @@
 // "region 7 7 12 12" (left, top, right, bottom), "font -20 400" (lfHeight, lfWeight). What was selected when recording
 // began is the caller's: "caller's pen", "caller's brush", "caller's font".
 //
-// Linux only: it stands on the rule that a program's own symbols come before those of shared libraries.
+// On Linux a program's own symbols come before those of shared libraries; on Windows the library's import tables are
+// redirected.
 #pragma once
 
 #include "platform/platform.h"

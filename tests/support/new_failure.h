@@ -5,7 +5,7 @@
 
 namespace zoltest {
 
-/// False where the tests' own operator new[] does not reach the library (a Windows DLL has its own).
+/// False where the tests' own operator new[] cannot be put into the library's way.
 [[nodiscard]] bool canFailNothrowNew();
 
 /// While it lives, a non-throwing new[] of `bytes` and more gives null. One at a time.

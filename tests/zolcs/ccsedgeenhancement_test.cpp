@@ -598,8 +598,8 @@ void expectSameShares(const UnsharpSettings& settings, const Share& share, Rando
         // Sums at which sum * strength passes a multiple of the area: where a wrong last bit would show.
         const std::uint64_t multiple = random.chance(0.3) ? largest / area - random.bits() % 3 : random.bits() % 70000;
         const std::uint64_t strength = std::max<std::uint64_t>(1, static_cast<std::uint64_t>(settings.strength));
-        const std::uint64_t near = multiple * area / strength;
-        for (std::uint64_t k = 0; k < 5; ++k) expectSame(near + k - 2);
+        const std::uint64_t close = multiple * area / strength;
+        for (std::uint64_t k = 0; k < 5; ++k) expectSame(close + k - 2);
     }
 }
 

@@ -16,6 +16,10 @@
 #include "support/new_failure.h"
 #include "support/report_capture.h"
 
+#if defined(__MINGW32__)
+#include "support/import_table.h"
+#endif
+
 namespace {
 
 std::atomic<std::size_t> nothrowLimit{std::numeric_limits<std::size_t>::max()};
@@ -39,8 +43,15 @@ void* operator new[](std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept 
 namespace zoltest {
 
 bool canFailNothrowNew() {
-#if defined(_WIN32)
-    return false;
+#if defined(__MINGW32__)
+    // The library takes it from the C++ run-time's DLL, not from this program.
+    static const bool redirected = [] {
+        HMODULE const runtime = GetModuleHandleW(L"libstdc++-6.dll");
+        const char* const name = sizeof(void*) == 8 ? "_ZnayRKSt9nothrow_t" : "_ZnajRKSt9nothrow_t";
+        void* (*const own)(std::size_t, const std::nothrow_t&) = &::operator new[];
+        return runtime != nullptr && redirectLibraryImport(addressOf(GetProcAddress(runtime, name)), addressOf(own));
+    }();
+    return redirected;
 #else
     return true;
 #endif
