@@ -1,6 +1,7 @@
 #include "input.h"
 #include "png_output.h"
 #include "print.h"
+#include "progress.h"
 #include "render.h"
 #include "render_options.h"
 
@@ -28,6 +29,8 @@ or the word 'phantom', a built-in test picture that needs no file.
   zolview render chest.dcm -o part.png --zoom 3 --pan -200,100
   zolview render mammogram.dcm -o softer.png --voi 3
   zolview render pet.dcm -o hot.png --frame 12 --palette HOT_IRON
+  zolview render mr.dcm -o smooth.png --size 1024x1024 --interpolation bicubic --sharpen 5,1
+  zolview render phantom -o glass.png --magnifier 300,200,80,3
   zolview render phantom -o marked.png --annotate figures.json
   zolview print ct.dcm -o ct.pdf --landscape --true-size
   zolview info ct.dcm)";
@@ -125,6 +128,21 @@ void addViewOptions(CLI::App& command, RenderOptions& options) {
         ->type_name("GREY");
 }
 
+/// How the image's pixels become the picture's.
+void addDrawingOptions(CLI::App& command, RenderOptions& options) {
+    addParsed(command, "--interpolation", "Between pixels: nearest (the default), bilinear or bicubic", "METHOD",
+              "nearest, bilinear or bicubic", parseInterpolation,
+              [&options](Interpolation interpolation) { options.interpolation = interpolation; });
+    command.add_flag("--accelerated", options.accelerated, "Draw through the host's image primitives");
+    addParsed(command, "--sharpen", "Unsharp masking by the mean of a square box, in pixels of the image",
+              "BOX,STRENGTH", "BOX,STRENGTH, two whole numbers from 1, the strength at most 1000", parseSharpening,
+              [&options](Sharpening sharpening) { options.sharpening = sharpening; });
+    addParsed(command, "--magnifier", "A round glass in the picture that shows the image larger by a factor",
+              "X,Y,RADIUS,FACTOR",
+              "X,Y,RADIUS,FACTOR: whole pixels of the picture, the radius from 1 to 4096, the factor from 0.01 to 100",
+              parseMagnifier, [&options](Magnifier magnifier) { options.magnifier = magnifier; });
+}
+
 void addPageOptions(CLI::App& command, PrintOptions& page) {
     addParsed(command, "--paper", "Size of the page: A4 (the default), A3 or letter", "PAPER", "A4, A3 or letter",
               parsePaper, [&page](Paper paper) { page.paper = paper; });
@@ -144,20 +162,31 @@ void tell(const std::string& input, const std::vector<std::string>& notes) {
 }
 
 void renderToFile(const std::string& input, const LoadOptions& load, const std::string& output,
-                  const RenderOptions& options) {
+                  const RenderOptions& options, Progress::Way way) {
+    Progress progress(std::cerr, way, input);
+    progress.stage("reading");
     const StoredImage image = loadInput(input, load);
     std::vector<std::string> notes = image.notes;
+    progress.stage("drawing");
     const Picture picture = render(image, options, notes);
+    progress.clear();
     tell(input, notes);
+    progress.stage("writing");
     writePng(picture, output);
+    progress.stage("done");
 }
 
 void printToFile(const std::string& input, const LoadOptions& load, const std::string& output,
-                 const RenderOptions& options, const PrintOptions& page) {
+                 const RenderOptions& options, const PrintOptions& page, Progress::Way way) {
+    Progress progress(std::cerr, way, input);
+    progress.stage("reading");
     const StoredImage image = loadInput(input, load);
     std::vector<std::string> notes = image.notes;
+    progress.stage("printing");
     printPdf(image, options, page, output, notes);
+    progress.clear();
     tell(input, notes);
+    progress.stage("done");
 }
 
 /// One line, whatever the message.
@@ -195,6 +224,7 @@ int main(int argc, char** argv) {
     LoadOptions load;
     RenderOptions options;
     PrintOptions page;
+    bool progress = false;
 
     CLI::App app(description, "zolview");
     app.set_version_flag("--version", "zolview " ZOLVIEW_VERSION);
@@ -209,10 +239,13 @@ int main(int argc, char** argv) {
     printCommand.add_option("-o,--output", output, "The PDF file to write")->required()->type_name("OUT.pdf");
     renderCommand.footer(footer);
     addViewOptions(renderCommand, options);
+    addDrawingOptions(renderCommand, options);
     addPageOptions(printCommand, page);
     for (CLI::App* const command : {&renderCommand, &printCommand}) {
         addImageOptions(*command, options, annotationFile, palette);
         addLoadOptions(*command, load);
+        command->add_flag("--progress", progress,
+                          "Tell on standard error what is being done (a terminal is told when it lasts)");
     }
 
     try {
@@ -232,9 +265,9 @@ int main(int argc, char** argv) {
     }
     return attempt(input, [&] {
         if (renderCommand.parsed()) {
-            renderToFile(input, load, output, options);
+            renderToFile(input, load, output, options, progressWay(progress));
         } else if (printCommand.parsed()) {
-            printToFile(input, load, output, options, page);
+            printToFile(input, load, output, options, page, progressWay(progress));
         } else {
             std::cout << describeInput(input);
         }

@@ -2,6 +2,7 @@
 
 #include "colour_map.h"
 #include "image_pixels.h"
+#include "zolcs/ccsedgeenhancement.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsoverlay.h"
@@ -60,6 +61,17 @@ void paintBits(const ImagePixels<std::uint32_t>& pixels, const BitPlane& bits, P
             if (bits.get(x, y)) pixels.row(origin.y + y)[origin.x + x] = colour;
 }
 
+/// Copies all pixels between rasters of one size and type; the kept bits stay those of the destination.
+template <typename Pixel>
+void copyPixels(CCsImage& from, CCsImage& to, Pixel kept) {
+    const ImagePixels<Pixel> source(from);
+    const ImagePixels<Pixel> destination(to);
+    for (int y = 0; y < to.getHeight(); ++y) {
+        std::transform(source.row(y), source.row(y) + to.getWidth(), destination.row(y), destination.row(y),
+                       [kept](Pixel value, Pixel old) { return static_cast<Pixel>((value & ~kept) | (old & kept)); });
+    }
+}
+
 }  // namespace
 
 RasterSetup::RasterSetup(const StoredImage& image, const RenderOptions& options)
@@ -69,6 +81,7 @@ RasterSetup::RasterSetup(const StoredImage& image, const RenderOptions& options)
         return;
     }
     copySamples(image);
+    if (options.sharpening) sharpen(*options.sharpening);
     if (options.shutters) setShutters(image);
     if (options.overlays) setOverlays(image);
 }
@@ -80,6 +93,7 @@ void RasterSetup::copySamples(const StoredImage& image) {
 
 void RasterSetup::showColours(const StoredImage& image, const RenderOptions& options) {
     mapColours(image, options.window, raster_);
+    if (options.sharpening) sharpen(*options.sharpening);
     const ImagePixels<std::uint32_t> pixels(raster_);
     if (options.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
     if (options.shutters && image.shutters.any()) {
@@ -90,6 +104,24 @@ void RasterSetup::showColours(const StoredImage& image, const RenderOptions& opt
     // The first plane lies on top, as it does on grey images.
     for (auto plane = image.overlays.rbegin(); plane != image.overlays.rend(); ++plane)
         paintBits(pixels, plane->bits, plane->origin, colourOf(plane->kind));
+}
+
+void RasterSetup::sharpen(const Sharpening& sharpening) {
+    const int type = raster_.getType();
+    CCsRaster sharp(raster_.getWidth(), raster_.getHeight(), type, raster_.getRatioYx(), true, false);
+    CCsEdgeEnhancement enhancement;
+    const int highestBit = type == CCS_GREY16 ? 15 : 11;
+    const int result =
+        type == CCS_RGB8
+            ? enhancement.edgeEnhancementRGB8(raster_, sharp, sharpening.box, sharpening.strength)
+            : enhancement.edgeEnhancementGrey12(raster_, sharp, sharpening.box, sharpening.strength, highestBit);
+    if (result != 255) throw Refusal("not enough memory to sharpen");
+    if (type == CCS_RGB8) {
+        copyPixels<std::uint32_t>(sharp, raster_, 0);
+    } else {
+        // Sharpening loses the embedded planes of the pixels along the image's edges.
+        copyPixels<std::uint16_t>(sharp, raster_, type == CCS_GREY12 ? 0xF000 : 0);
+    }
 }
 
 bool RasterSetup::firstPixelIsPadding() const {

@@ -32,19 +32,31 @@ public:
     /// Sixteen colours by a plane's position.
     [[nodiscard]] unsigned int* planeColours() { return planeColours_.data(); }
 
+    /// Interpolating bilinearly, the library counts only a part of the vertical position of 12-bit pixels; they are
+    /// taken for 16-bit ones then. Not for rasters with embedded planes.
+    void countAsDeep() { raster_.countAsDeep(); }
+
     /// Writes an overlay into the pixels: lines in the highest level and shadows in the lowest, the other way round
     /// when `inverted`, so that lines are white on the screen; in colour images, lines are white. Embedded planes stay
     /// what they are. The transformation brings the image onto itself.
     void burnIn(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
 
 private:
+    /// A raster whose 12-bit pixels can be taken for 16-bit ones, which lie in memory alike.
+    class Raster : public CCsRaster {
+    public:
+        using CCsRaster::CCsRaster;
+        void countAsDeep() { type = CCS_GREY16; }
+    };
+
     void copySamples(const StoredImage& image);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
     void showColours(const StoredImage& image, const RenderOptions& options);
+    void sharpen(const Sharpening& sharpening);
     void burnInGrey(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
 
-    CCsRaster raster_;
+    Raster raster_;
     BitPlane padding_;
     BitPlane hidden_;
     std::vector<OverlayPlane> planes_;

@@ -58,6 +58,37 @@ std::optional<Pan> parsePan(const std::string& text) {
     return Pan{*x, *y};
 }
 
+std::optional<Interpolation> parseInterpolation(const std::string& text) {
+    if (text == "nearest") return Interpolation::Nearest;
+    if (text == "bilinear") return Interpolation::Bilinear;
+    if (text == "bicubic") return Interpolation::Bicubic;
+    return std::nullopt;
+}
+
+std::optional<Sharpening> parseSharpening(const std::string& text) {
+    const auto parts = split(text, ',');
+    if (!parts) return std::nullopt;
+    const auto box = parse<int>(parts->first);
+    const auto strength = parse<int>(parts->second);
+    if (!box || !strength || !isBetween(*box, 1, maxSide) || !isBetween(*strength, 1, maxStrength)) return std::nullopt;
+    return Sharpening{*box, *strength};
+}
+
+std::optional<Magnifier> parseMagnifier(const std::string& text) {
+    const auto first = split(text, ',');
+    const auto second = first ? split(first->second, ',') : std::nullopt;
+    const auto third = second ? split(second->second, ',') : std::nullopt;
+    if (!third) return std::nullopt;
+    const auto x = parse<int>(first->first);
+    const auto y = parse<int>(second->first);
+    const auto radius = parse<int>(third->first);
+    const auto factor = parse<double>(third->second);
+    if (!x || !y || !radius || !factor) return std::nullopt;
+    if (!isBetween(*x, -maxPan, maxPan) || !isBetween(*y, -maxPan, maxPan)) return std::nullopt;
+    if (!isBetween(*radius, 1, maxRadius) || !isBetween(*factor, minFactor, maxFactor)) return std::nullopt;
+    return Magnifier{*x, *y, *radius, *factor};
+}
+
 std::optional<double> parseNumber(const std::string& text, double low, double high) {
     const auto value = parse<double>(text);
     if (!value || !isBetween(*value, low, high)) return std::nullopt;

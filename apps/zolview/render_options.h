@@ -25,10 +25,33 @@ struct Pan {
 
 enum class Flip { None, Horizontal, Vertical };
 
+/// How values between the image's pixels are made.
+enum class Interpolation { Nearest, Bilinear, Bicubic };
+
+/// Unsharp masking of the image's pixels with a square box.
+struct Sharpening {
+    int box = 1;  ///< its edge in pixels of the image
+    int strength = 1;
+    bool operator==(const Sharpening&) const = default;
+};
+
+/// A round glass over the picture, in whole pixels of the picture.
+struct Magnifier {
+    int x = 0;
+    int y = 0;
+    int radius = 1;
+    double factor = 1.0;  ///< beside what is around it
+    bool operator==(const Magnifier&) const = default;
+};
+
 inline constexpr double minZoom = 0.001;
 inline constexpr double maxZoom = 1000.0;
 inline constexpr double maxPan = 1e6;
 inline constexpr double maxDegrees = 1e6;
+inline constexpr int maxStrength = 1000;
+inline constexpr int maxRadius = 4096;
+inline constexpr double minFactor = 0.01;
+inline constexpr double maxFactor = 100.0;
 
 /// The view's steps in their order: flip, rotate, zoom, pan.
 struct RenderOptions {
@@ -43,6 +66,11 @@ struct RenderOptions {
     double zoom = 1.0;
     /// Pixels of the picture, to the right and down.
     Pan pan;
+    Interpolation interpolation = Interpolation::Nearest;
+    /// Through the host's image primitives where they can show the image.
+    bool accelerated = false;
+    std::optional<Sharpening> sharpening;
+    std::optional<Magnifier> magnifier;
     bool invert = false;
     /// In which grey images are shown, in place of greys.
     std::optional<Palette> palette;
@@ -63,6 +91,17 @@ std::optional<Window> parseWindow(const std::string& text);
 
 /// "X,Y", each from -maxPan to maxPan; null for anything else.
 std::optional<Pan> parsePan(const std::string& text);
+
+/// "nearest", "bilinear" or "bicubic"; null for anything else.
+std::optional<Interpolation> parseInterpolation(const std::string& text);
+
+/// "BOX,STRENGTH", whole numbers, the box from 1 to maxSide, the strength from 1 to maxStrength; null for anything
+/// else.
+std::optional<Sharpening> parseSharpening(const std::string& text);
+
+/// "X,Y,RADIUS,FACTOR", the first three whole numbers, the place as far away as a pan can be, the radius from 1 to
+/// maxRadius, the factor from minFactor to maxFactor; null for anything else.
+std::optional<Magnifier> parseMagnifier(const std::string& text);
 
 /// A number from `low` to `high`; null for anything else.
 std::optional<double> parseNumber(const std::string& text, double low, double high);

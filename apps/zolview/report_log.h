@@ -18,6 +18,9 @@ public:
         if (!text().empty()) throw Refusal("the picture could not be made: " + text());
     }
 
+    /// Forgets what came in.
+    static void forget() { text().clear(); }
+
 private:
     static std::string& text() {
         static std::string first;

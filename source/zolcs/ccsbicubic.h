@@ -94,7 +94,7 @@ public:
     // of the image at an oblique angle, an image of a single row or column there, a view that cannot be inverted; and
     // for an exception.
 
-    /// 12-bit or 16-bit grey, with all 16 bits of each, to the same.
+    /// 12-bit or 16-bit grey, with all 16 bits of each, to the same. Of a 12-bit source results are limited to 4095.
     int bicubicIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
 
     /// 8-bit colour to 8-bit colour; the background is a grey. The fourth byte is interpolated like the others.

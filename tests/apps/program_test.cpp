@@ -50,6 +50,39 @@ void expectOnePlainLine(const std::string& text) {
     EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
 }
 
+TEST_F(Program, InterpolatesSharpensAndMagnifies) {
+    for (const char* options :
+         {"--interpolation bilinear", "--interpolation bicubic --accelerated", "--sharpen 5,2 --zoom 2",
+          "--magnifier 300,200,50,3", "--accelerated --magnifier 10,10,400,0.5 --interpolation nearest"}) {
+        const Outcome outcome = render(std::string("phantom ") + options);
+        EXPECT_EQ(outcome.status, 0) << options;
+        EXPECT_EQ(outcome.err, "") << options;
+        EXPECT_EQ(zoltest::readPng(file("p.png")).picture.width, 640);
+    }
+}
+
+TEST_F(Program, RefusesWhatIsNoInterpolationSharpeningOrMagnifier) {
+    for (const char* options : {"--interpolation cubic", "--sharpen 5", "--sharpen 0,1", "--magnifier 1,2,3",
+                                "--magnifier 1,2,3,0", "--magnifier 1,2,0,2"}) {
+        const Outcome outcome = render(std::string("phantom ") + options);
+        EXPECT_EQ(outcome.status, 2) << options;
+        expectOnePlainLine(outcome.err);
+        EXPECT_FALSE(hasPicture());
+    }
+}
+
+TEST_F(Program, TellsItsProgressWhenAsked) {
+    const Outcome outcome = render("phantom --progress");
+    EXPECT_EQ(outcome.status, 0);
+    std::istringstream lines(outcome.err);
+    for (const char* stage : {"reading", "drawing", "writing", "done"}) {
+        std::string line;
+        ASSERT_TRUE(std::getline(lines, line));
+        EXPECT_TRUE(line.starts_with(std::string("zolview: phantom: ") + stage + " (")) << line;
+    }
+    EXPECT_EQ(lines.peek(), EOF);
+}
+
 TEST_F(Program, RendersThePhantom) {
     const Outcome outcome = render("phantom");
     EXPECT_EQ(outcome.status, 0);

@@ -36,6 +36,33 @@ TEST(RenderOptions, PanTakesTwoNumbers) {
         EXPECT_EQ(parsePan(text), std::nullopt) << text;
 }
 
+TEST(RenderOptions, InterpolationsHaveTheirNames) {
+    EXPECT_EQ(parseInterpolation("nearest"), Interpolation::Nearest);
+    EXPECT_EQ(parseInterpolation("bilinear"), Interpolation::Bilinear);
+    EXPECT_EQ(parseInterpolation("bicubic"), Interpolation::Bicubic);
+    for (const char* text : {"", "Nearest", "linear", "bicubic ", "2"})
+        EXPECT_EQ(parseInterpolation(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, SharpeningTakesABoxAndAStrength) {
+    EXPECT_EQ(parseSharpening("5,2"), (Sharpening{5, 2}));
+    EXPECT_EQ(parseSharpening("1,1"), (Sharpening{1, 1}));
+    EXPECT_EQ(parseSharpening("32767,1000"), (Sharpening{32767, 1000}));
+    for (const char* text : {"", "5", "5,", ",2", "0,2", "-1,2", "5,0", "5,-1", "5,1001", "32768,1", "5,2,1", "5.5,1",
+                             "5,1.5", "5;2", "5, 2", "99999999999,1"})
+        EXPECT_EQ(parseSharpening(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, MagnifierTakesAPlaceARadiusAndAFactor) {
+    EXPECT_EQ(parseMagnifier("300,200,80,2.5"), (Magnifier{300, 200, 80, 2.5}));
+    EXPECT_EQ(parseMagnifier("-10,-1000000,1,0.01"), (Magnifier{-10, -1000000, 1, 0.01}));
+    EXPECT_EQ(parseMagnifier("0,1000000,4096,100"), (Magnifier{0, 1000000, 4096, 100.0}));
+    for (const char* text :
+         {"", "1", "1,2", "1,2,3", "1,2,3,", "1,2,0,2", "1,2,-3,2", "1,2,4097,2", "1,2,3,0", "1,2,3,-1", "1,2,3,101",
+          "1,2,3,nan", "1,2,3,inf", "1.5,2,3,2", "1,2,3,4,5", "1000001,2,3,2", "1,-1000001,3,2", "a,2,3,2"})
+        EXPECT_EQ(parseMagnifier(text), std::nullopt) << text;
+}
+
 TEST(RenderOptions, NumberKeepsToItsRange) {
     EXPECT_EQ(parseNumber("0.001", minZoom, maxZoom), 0.001);
     EXPECT_EQ(parseNumber("1000", minZoom, maxZoom), 1000.0);

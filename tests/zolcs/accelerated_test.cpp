@@ -519,6 +519,28 @@ TEST_P(AcceleratedTest, ATransposedImageWithoutMemoryIsReported) {
     EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
 }
 
+TEST_P(AcceleratedTest, TwelveBitPicturesStayWithinTwelveBits) {
+    if (member_.isColour()) GTEST_SKIP() << "a grey member's matter";
+    for (const double degrees : {0.0, 90.0, 180.0, 30.0}) {
+        for (const int type : {CCS_GREY12, CCS_GREY16}) {
+            GuardedRaster src(12, 12, type, 12, 1.0);
+            for (int i = 0; i < 144; ++i) {
+                const std::uint16_t value = (i / 3 + i / 36) % 2 == 0 ? 4095 : 300;
+                std::memcpy(src.memory.pixels() + std::ptrdiff_t{2} * i, &value, sizeof value);
+            }
+            GuardedImage dst(90, 90, CCS_GREY12, 90, 1.0);
+            CCs2dTrafo trafo;
+            trafo.rotate(degrees);
+            ASSERT_EQ(member_.accelerated(src, dst, trafo), 255);
+            int largest = 0;
+            for (int i = 0; i < 8100; ++i) largest = std::max(largest, sampleAt(dst, i % 90, i / 90, 0));
+            const bool overshoots = type == CCS_GREY16 && member_.name.starts_with("bicubic");
+            EXPECT_EQ(largest > 4095, overshoots) << degrees << " type " << type << " largest " << largest;
+            EXPECT_GE(largest, 4095);
+        }
+    }
+}
+
 TEST_P(AcceleratedTest, SourcesOfAFewPixels) {
     for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 2}, std::pair{2, 1}, std::pair{2, 2}}) {
         for (const double degrees : {0.0, 90.0, 180.0, 270.0}) {

@@ -117,6 +117,17 @@ void fillBackground(unsigned char* origin, const CCsImage& image, unsigned char 
     }
 }
 
+/// Cubic interpolation overshoots, and the primitives know of no 12-bit values: what is too large for one would lose
+/// its upper bits in a table.
+void limitTo12Bits(unsigned char* origin, const CCsImage& image) {
+    constexpr std::uint16_t largest = 0x0FFF;
+    const ImageView<std::uint16_t> view(origin, image.getPitch());
+    for (int y = 0; y < image.getHeight(); ++y) {
+        std::uint16_t* const line = view.line(y);
+        for (int x = 0; x < image.getWidth(); ++x) line[x] = std::min(line[x], largest);
+    }
+}
+
 template <typename Sample>
 IppStatus resize(const AcceleratedMember<Sample>& member, View& view, const Pixels<Sample>& source,
                  const IppiRect& region, const CCsPointDouble& centre, const Pixels<Sample>& destination) {
@@ -183,6 +194,8 @@ int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCa
         fillBackground<Sample>(lock.destination(), call.dst, call.background);
         status = draw(member, view, Pixels<Sample>(call.src, lock.source(), bytes), region,
                       Pixels<Sample>(call.dst, lock.destination(), bytes));
+        const bool mayOvershoot = member.interpolation == IPPI_INTER_CUBIC && call.src.getType() == CCS_GREY12;
+        if (status == ippStsNoErr && mayOvershoot) limitTo12Bits(lock.destination(), call.dst);
     }
     constexpr int done = 255;
     return status == ippStsNoErr ? done : member.reports.failed(status);
