@@ -90,8 +90,10 @@ protected:
         int highest = 0;
         file >> magic >> page.width >> page.height >> highest;
         file.get();
-        page.pixels.assign(std::istreambuf_iterator<char>(file), {});
-        EXPECT_EQ(page.pixels.size(), static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height));
+        page.pixels.resize(static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height));
+        file.read(page.pixels.data(), static_cast<std::streamsize>(page.pixels.size()));
+        EXPECT_TRUE(file.good());
+        EXPECT_EQ(file.peek(), std::ifstream::traits_type::eof());
         return page;
     }
 
@@ -245,6 +247,44 @@ TEST_F(Print, AnnotationsAreVectorsAndTextsAreText) {
     for (int y = 2570 + 104; y < 2570 + 190; ++y)
         for (int x = 1600 + 200; x < 1600 + 800; ++x) letters += drawn.at(x, y) > 200 ? 1 : 0;
     EXPECT_GT(letters, 500);
+}
+
+/// The lengths of the dark runs between two places of a row or a column.
+std::vector<int> darkRuns(const GreyPage& page, int x, int y, int stepX, int stepY, int count) {
+    std::vector<int> runs;
+    bool dark = false;
+    for (int i = 0; i < count; ++i, x += stepX, y += stepY) {
+        const bool now = page.at(x, y) < 128;
+        if (now && !dark) runs.push_back(0);
+        if (now) ++runs.back();
+        dark = now;
+    }
+    return runs;
+}
+
+TEST_F(Print, ShadowsAndHalosHaveTheirSize) {
+    StoredImage white = framedImage();
+    std::fill(white.samples.begin(), white.samples.end(), std::uint16_t{4095});
+    RenderOptions options;
+    options.annotations = figures(R"({"figure": "line", "points": [[20, 40], [80, 40]]},
+        {"figure": "text", "points": [[20, 10]], "text": "I"})");
+    for (const auto& [dpi, shadow] : {std::pair(600, 8.5), {300, 8.5}, {150, 6.8}}) {
+        PrintOptions page;
+        page.trueSize = true;
+        page.dpi = dpi;
+        print(white, page, options);
+        const GreyPage drawn = draw(508);
+        // A pen of 10 dots at 600 dpi, 5 at 300 and 2 at 150. White on white, only the shadow shows, 10 dots away.
+        const std::vector<int> below = darkRuns(drawn, 1600 + 500, 2570 + 380, 0, 1, 80);
+        ASSERT_EQ(below.size(), 1U) << dpi;
+        EXPECT_NEAR(below[0], shadow, 1.5) << dpi;
+        // The letter's stem is white between the two sides of its halo, a 150th of an inch each.
+        constexpr double halo = 3.4;
+        const std::vector<int> across = darkRuns(drawn, 1600 + 180, 2570 + 150, 1, 0, 80);
+        ASSERT_EQ(across.size(), 2U) << dpi;
+        EXPECT_NEAR(across[0], halo, 1.5) << dpi;
+        EXPECT_NEAR(across[1], halo, 1.5) << dpi;
+    }
 }
 
 TEST_F(Print, BurntInAnnotationsAreNoVectors) {
