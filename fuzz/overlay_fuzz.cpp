@@ -57,7 +57,7 @@ std::vector<CCsPointDouble> points(Bytes& in) {
 }
 
 CCsOverlay* overlay(Bytes& in, CCs2dTrafo& view, int depth) {
-    static constexpr std::array<const wchar_t*, 3> strings{L"note", L"", nullptr};
+    static constexpr std::array<const wchar_t*, 4> strings{L"note", L"", nullptr, L"\u05E7\u05D5 \u76F4 12"};
     CCs2dTrafo* const t = in.ConsumeIntegralInRange(0, 7) == 0 ? nullptr : &view;
     switch (in.ConsumeIntegralInRange(0, depth > 0 ? 5 : 4)) {
         case 0: {
@@ -92,9 +92,12 @@ CCsOverlay* overlay(Bytes& in, CCs2dTrafo& view, int depth) {
             ellipse->select(rect);
             return ellipse;
         }
-        case 4:
-            return new CCsText(t, number(in), number(in), in.PickValueInArray(strings), in.ConsumeIntegralInRange(0, 3),
-                               in.ConsumeBool());
+        case 4: {
+            auto* const text = new CCsText(t, number(in), number(in), in.PickValueInArray(strings),
+                                           in.ConsumeIntegralInRange(0, 3), in.ConsumeBool());
+            if (in.ConsumeBool()) text->setTransformable(0);
+            return text;
+        }
         default: {
             auto* const group = new CCsGroup;
             const int count = in.ConsumeIntegralInRange(0, 3);
@@ -114,6 +117,11 @@ void use(Bytes& in, CCsGroup& group, CCs2dTrafo& view, CCs2dTrafo& output) {
         group.setDicomPrintFlag(in.ConsumeBool());
         group.render(t, in.ConsumeBool() ? &output : nullptr, in.ConsumeIntegral<std::uint32_t>(), canvas.dc,
                      in.ConsumeIntegralInRange(0, 5), 64, 64, coordinate(in), coordinate(in));
+        if (CCsOverlay* const one = group.Find(in.ConsumeIntegralInRange(1, 4))) {
+            one->render(t, &output, 0, canvas.dc,
+                        static_cast<CCsImageTextFont::CCsImageTextFontType>(in.ConsumeIntegralInRange(-1, 4)),
+                        in.ConsumeIntegralInRange(0, 5), 64, 64, 0, coordinate(in));
+        }
         CCsTrack track(&group);
         track.downEvent(coordinate(in), coordinate(in));
         track.motionEvent(coordinate(in), coordinate(in));
@@ -147,6 +155,10 @@ void use(Bytes& in, CCsGroup& group, CCs2dTrafo& view, CCs2dTrafo& output) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Bytes in(data, size);
+    static int width = 0;
+    width = in.ConsumeIntegralInRange(-1, 20);
+    myCSFontWidth = in.ConsumeBool() ? &width : nullptr;
+    myCSFontName = in.ConsumeBool() ? L"No Such Face" : nullptr;
     const unsigned int before = ZolGdiObjectCount();
     {
         CCs2dTrafo view = zolfuzz::trafo(in);

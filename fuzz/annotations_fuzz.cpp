@@ -1,0 +1,44 @@
+// A file of annotations with anything in it: drawn over a small picture and burnt into it, or refused.
+#include "zolview/annotations.h"
+#include "zolview/render.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "fuzz_input.h"
+
+namespace {
+
+zolview::StoredImage smallImage(bool tall) {
+    zolview::StoredImage image;
+    image.width = 24;
+    image.height = 16;
+    image.samples.assign(24 * 16, 100);
+    image.maxLevel = 255;
+    image.ratioYx = tall ? 2.0 : 1.0;
+    return image;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // Numbers are taken from the end, so that an example file is a good seed.
+    zolfuzz::Bytes in(data, size);
+    zolview::RenderOptions options;
+    options.size = zolview::Size{48, 40};
+    options.zoom = in.ConsumeBool() ? 1.0 : in.ConsumeFloatingPointInRange(zolview::minZoom, zolview::maxZoom);
+    options.degrees = in.ConsumeBool() ? 0.0 : in.ConsumeFloatingPointInRange(-360.0, 360.0);
+    options.burnIn = in.ConsumeBool();
+    const bool tall = in.ConsumeBool();
+    const unsigned int before = ZolGdiObjectCount();
+    try {
+        options.annotations = zolview::parseAnnotations(in.ConsumeRemainingBytesAsString());
+        if (options.annotations.size() > 20) options.annotations.resize(20);
+        std::vector<std::string> notes;
+        static_cast<void>(zolview::render(smallImage(tall), options, notes));
+    } catch (const zolview::Refusal&) {
+        // as it should be
+    }
+    if (ZolGdiObjectCount() != before) std::abort();
+    return 0;
+}
