@@ -100,8 +100,8 @@ std::size_t expandedLength(const Bytes& bytes, std::size_t at, std::size_t end) 
 void checkRunLengths(const Bytes& bytes, const FrameShape& shape) {
     constexpr std::size_t headerLength = 64;
     const auto number = [&bytes](std::size_t i) -> std::size_t {
-        return bytes[4 * i] | (bytes[4 * i + 1] << 8U) | (bytes[4 * i + 2] << 16U) |
-               (std::size_t{bytes[4 * i + 3]} << 24U);
+        const auto byte = [&](std::size_t k) { return std::size_t{bytes[4 * i + k]}; };
+        return byte(0) | (byte(1) << 8U) | (byte(2) << 16U) | (byte(3) << 24U);
     };
     const Refusal broken("has Pixel Data that cannot be decoded (broken run lengths)");
     if (bytes.size() < headerLength) throw broken;
