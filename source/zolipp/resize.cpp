@@ -2,6 +2,7 @@
 
 #include "zolipp/checks.h"
 #include "zolipp/rowoperations.h"
+#include "zolipp/sse2.h"
 
 #include <algorithm>
 #include <cmath>
@@ -128,7 +129,9 @@ public:
         const auto place = static_cast<std::size_t>(y % taps);
         float* filtered = &filtered_[place * pitch_];
         if (known_[place] != y) {
-            widen(source_.rows.at(static_cast<std::ptrdiff_t>(y)));
+            const std::byte* pixels = source_.rows.at(static_cast<std::ptrdiff_t>(y));
+            prefetchNext(pixels);
+            widen(pixels);
             operations_.filterColumns[taps / 4](widened_.data(), columns_.table(), filtered);
             known_[place] = y;
         }
@@ -138,6 +141,17 @@ public:
 private:
     static std::size_t floatsOf(int pixels) {
         return (static_cast<std::size_t>(pixels) + rowSlack) * static_cast<std::size_t>(Format::channels);
+    }
+
+    /// Where every row is in pages of its own, the processors' own prefetching starts anew with each.
+    void prefetchNext(const std::byte* row) const {
+#if defined(ZOLIPP_SSE2)
+        const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(columns_.firstColumn()) * pixelBytes<Format>;
+        const std::ptrdiff_t bytes = std::ptrdiff_t{columns_.width()} * pixelBytes<Format>;
+        for (std::ptrdiff_t i = 0; i < bytes; i += cacheLine) prefetch(row, source_.rows.step + first + i);
+#else
+        static_cast<void>(row);
+#endif
     }
 
     void widen(const std::byte* row) {

@@ -54,19 +54,27 @@ void filterGrey(const float* row, const ColumnTable& columns, float* out) {
     for (int i = 0; i < columns.count; i += lanes) {
         const std::int32_t* first = columns.first + i;
         const auto indices = hn::LoadU(di, first);
-        const auto weights = [&](int k) HWY_ATTR { return hn::LoadU(df, columns.weights + k * columns.pitch + i); };
-        // Neighbouring columns mostly lie close together: then one load and a permutation fetch all of them.
-        if (first[lanes - 1] - first[0] < lanes) {
-            const auto order = hn::IndicesFromVec(df, hn::Sub(indices, hn::Set(di, first[0])));
-            const float* start = row + first[0];
+        const float* start = row + first[0];
+        const auto fromStart = hn::Sub(indices, hn::Set(di, first[0]));
+        const int reach = first[lanes - 1] - first[0];
+        const auto weigh = [&](auto neighbours) HWY_ATTR {
             const auto sum = sumOf<taps>([&](int k) HWY_ATTR {
-                return hn::Mul(weights(k), hn::TableLookupLanes(hn::LoadU(df, start + k), order));
+                return hn::Mul(hn::LoadU(df, columns.weights + k * columns.pitch + i), neighbours(k));
             });
             hn::StoreU(sum, df, out + i);
+        };
+        // Neighbouring columns mostly lie close together: then one load for all neighbours, or for each, and
+        // permutations fetch them much faster than a gather.
+        if (reach + taps <= lanes) {
+            const auto window = hn::LoadU(df, start);
+            weigh([&](int k) HWY_ATTR {
+                return hn::TableLookupLanes(window, hn::IndicesFromVec(df, hn::Add(fromStart, hn::Set(di, k))));
+            });
+        } else if (reach < lanes) {
+            const auto order = hn::IndicesFromVec(df, fromStart);
+            weigh([&](int k) HWY_ATTR { return hn::TableLookupLanes(hn::LoadU(df, start + k), order); });
         } else {
-            const auto sum =
-                sumOf<taps>([&](int k) HWY_ATTR { return hn::Mul(weights(k), hn::GatherIndex(df, row + k, indices)); });
-            hn::StoreU(sum, df, out + i);
+            weigh([&](int k) HWY_ATTR { return hn::GatherIndex(df, row + k, indices); });
         }
     }
 }

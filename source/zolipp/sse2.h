@@ -10,6 +10,8 @@
 
 namespace zolipp {
 
+inline constexpr std::ptrdiff_t cacheLine = 64;
+
 inline __m128i loadVector(const std::byte* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
 inline void storeVector(std::byte* to, __m128i vector) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), vector); }
 
