@@ -60,6 +60,7 @@ void convertColours(StoredImage& image, std::span<const std::uint16_t> words, co
     const Samples samples(words, format, layout);
     const int bits = format.bitsStored > 8 ? 12 : 8;
     const unsigned int channel = bits == 8 ? 8 : 16;
+    bits == 8 ? image.rgb8.reserve(pixels) : image.rgb12.reserve(pixels);
     for (std::size_t i = 0; i < pixels; ++i) {
         Triple rgb = samples.at(i);
         if (layout.model != ColourModel::Rgb) rgb = fromYbr(rgb, format.bitsStored);

@@ -284,6 +284,8 @@ StoredImage DicomFile::image(int frame) const {
     }
     readOverlays(image, dataset, frame - 1, pixels.words, format);
     convertSamples(image, pixels.words, format, padding, embeddedBits(image));
+    if (attributes.has(DCM_RedPaletteColorLookupTableDescriptor))
+        image.notes.emplace_back("the palette that it has beside its greys is not applied");
     // MONOCHROME1 and the presentation shape INVERSE say the same thing; an image that has both is inverted once.
     image.inverted = shape.photometric == "MONOCHROME1";
     if (const auto modality = readModality(attributes, format.isSigned, image.notes)) apply(image, *modality);

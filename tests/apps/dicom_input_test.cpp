@@ -143,6 +143,13 @@ TEST(DicomInput, UnusableWindowIsSaidAndLeftOut) {
     EXPECT_EQ(image.notes.size(), 1U);
 }
 
+TEST(DicomInput, PalettesBesideGreysAreSaid) {
+    DicomWriter writer = image2x2();
+    zoltest::putDescriptor(writer.dataset(), DCM_RedPaletteColorLookupTableDescriptor, {2, 0, 16});
+    EXPECT_EQ(load(writer).notes,
+              (std::vector<std::string>{"the palette that it has beside its greys is not applied"}));
+}
+
 TEST(DicomInput, FunctionalGroupsOfTheFirstFrameCount) {
     DicomWriter writer = image2x2();
     DcmItem* frame = nullptr;
