@@ -144,8 +144,7 @@ void convertPalette(StoredImage& image, const std::vector<std::uint16_t>& words,
     std::vector<std::uint32_t> colours(deepLevels);
     for (std::size_t word = 0; word < colours.size(); ++word) {
         const int stored = format.value(static_cast<std::uint16_t>(word));
-        const bool isPadding = padding && stored >= padding->low && stored <= padding->high;
-        colours[word] = isPadding ? 0 : tables.colour(stored);
+        colours[word] = padding && padding->contains(stored) ? 0 : tables.colour(stored);
     }
     image.rgb8.resize(words.size());
     const IppiSize size{image.width, image.height};

@@ -16,9 +16,7 @@ int PixelFormat::value(std::uint16_t word) const {
 
 namespace {
 
-bool isPadding(const std::optional<PaddingRange>& range, int value) {
-    return range && value >= range->low && value <= range->high;
-}
+bool isPadding(const std::optional<PaddingRange>& range, int value) { return range && range->contains(value); }
 
 struct Extremes {
     int low = 0;

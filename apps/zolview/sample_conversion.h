@@ -26,6 +26,8 @@ struct PixelFormat {
 struct PaddingRange {
     int low = 0;
     int high = 0;
+
+    [[nodiscard]] bool contains(int value) const { return value >= low && value <= high; }
 };
 
 /// Fills samples, levels, lowest, minLevel, maxLevel and padding of an image whose width and height are set; `words`

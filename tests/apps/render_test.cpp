@@ -331,6 +331,22 @@ TEST(Render, BackgroundIsForOutsideOnly) {
     EXPECT_EQ(picture.at(2, 1), grey(0));
 }
 
+TEST(Render, NoColourOfAPaletteIsTakenForBackground) {
+    const StoredImage image = makeImage(2, 2, [](int, int) { return 2048; });
+    RenderOptions options;
+    options.size = Size{4, 2};
+    options.background = 200;
+    options.palette.emplace();
+    for (const std::uint32_t colour : {0x000001U, 0x000000U, 0xC8C8C8U}) {
+        options.palette->fill(colour);
+        const Picture picture = show(image, options);
+        EXPECT_EQ(picture.at(0, 0), grey(200));
+        EXPECT_EQ(picture.at(1, 0), colour);
+        EXPECT_EQ(picture.at(2, 1), colour);
+        EXPECT_EQ(picture.at(3, 1), grey(200));
+    }
+}
+
 TEST(Render, NegativeSlopesShowHighLevelsDark) {
     StoredImage image = makeImage(2, 1, [](int x, int) { return x * 4095; });
     image.slope = -1.0;
