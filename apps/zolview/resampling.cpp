@@ -16,7 +16,7 @@ namespace zolview {
 
 namespace {
 
-/// As the resampler writes background: a blue of 1 is neither a grey nor the colour of an overlay.
+/// As the resampler writes background: a blue of 1 is no grey.
 constexpr unsigned char marker = 1;
 
 constexpr int done = 255;
@@ -31,8 +31,9 @@ void mapInto(RasterSetup& setup, CCsRaster& raster, CCsImage& display, IGreyMap&
 }
 
 /// One value for each pixel of the frame: whether the resampler took it for background.
-std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, IMap& map) {
-    CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, nullptr, marker);
+std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view) {
+    // Without a map all pixels are black or have a shutter's grey, whatever the colours of the palette.
+    CCsNearest().nearestGrey12IndexMap(raster, frame, view, nullptr, nullptr, marker);
     ReportLog::check();
     std::vector<bool> out;
     ImagePixels<std::uint32_t>(frame).forEach([&out](std::uint32_t pixel) { out.push_back(pixel == marker); });
@@ -53,7 +54,7 @@ void resampleByLoops(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGre
                      const RenderOptions& options) {
     CCsRaster& raster = setup.raster();
     std::vector<bool> outside;
-    if (options.background != 0) outside = findBackground(raster, frame, view, map);
+    if (options.background != 0) outside = findBackground(raster, frame, view);
     switch (options.interpolation) {
         case Interpolation::Nearest:
             CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
