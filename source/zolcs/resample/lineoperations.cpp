@@ -5,6 +5,10 @@
 
 #include <algorithm>
 
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#endif
+
 namespace zolcs {
 
 namespace {
@@ -165,5 +169,29 @@ const LineOperations& LineOperations::chosen() {
 }
 
 const LineOperations& LineOperations::portable() { return portableOperations; }
+
+bool lookUpLine(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out, StopFlag stop) {
+    int begin = 0;
+    for (; begin + StopFlag::block <= count; begin += StopFlag::block) {
+        if (stop.isRaised()) return false;
+#if defined(__SSE2__) || defined(_M_X64)
+        // As a number: the address may lie beyond the image.
+        constexpr std::uintptr_t page = 4096;
+        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(out + begin) + page), _MM_HINT_T0);
+        const auto entries = [&](int i) {
+            const auto entry = [&](int at) { return _mm_cvtsi32_si128(static_cast<int>(table[values[at]])); };
+            return _mm_unpacklo_epi32(entry(i), entry(i + 1));
+        };
+        for (int i = begin; i < begin + StopFlag::block; i += 4) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi64(entries(i), entries(i + 2)));
+        }
+#else
+        for (int i = begin; i < begin + StopFlag::block; ++i) out[i] = table[values[i]];
+#endif
+    }
+    if (begin < count && stop.isRaised()) return false;
+    for (; begin < count; ++begin) out[begin] = table[values[begin]];
+    return true;
+}
 
 }  // namespace zolcs

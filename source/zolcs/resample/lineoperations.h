@@ -69,4 +69,9 @@ struct LineOperations {
     static const LineOperations& portable();
 };
 
+/// out[i] = table[values[i]] for a table of 65536 entries; looks at the flag before each block, false when it was
+/// raised.
+ZOLWEBCS_API bool lookUpLine(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out,
+                             StopFlag stop);
+
 }  // namespace zolcs

@@ -295,6 +295,13 @@ bool bilinearGrey16Down(const std::array<const std::int32_t*, 2>& rows, std::uin
     });
 }
 
+/// Tells the processor that what lies a page behind will be written soon: its own prefetching ends with each page. As a
+/// number: the address may lie beyond the image.
+HWY_INLINE void prefetchAhead(const std::uint32_t* out) {
+    constexpr std::uintptr_t page = 4096;
+    hwy::Prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(out) + page));
+}
+
 /// Makes display pixels of levels and stores them; the fourth byte becomes 0.
 template <typename V>
 HWY_INLINE void storePixels(V levels, std::uint32_t* out) {
@@ -315,6 +322,7 @@ bool bilinearRgbDown(const std::array<const std::uint32_t*, 2>& rows, std::uint3
         return hn::BitCast(Levels(), hn::PromoteTo(du, bytes));
     };
     return forBlocks(count, out, stop, [&](int block, std::uint32_t* blockOut) {
+        prefetchAhead(blockOut);
         for (int i = 0; i < blockSize; i += pixels) {
             const auto top = levels(rows[0] + block + i);
             const auto bottom = levels(rows[1] + block + i);
@@ -506,6 +514,7 @@ bool cubicRgbDown(const std::array<const std::int16_t*, 4>& rows, const CubicWei
     constexpr int pixels = static_cast<int>(hn::MaxLanes(Levels())) / 4;
     const RowPairWeights<Levels> pairs(weights);
     return forBlocks(count, out, stop, [&](int block, std::uint32_t* blockOut) {
+        prefetchAhead(blockOut);
         for (int i = 0; i < blockSize; i += pixels) storePixels(pairs.weigh(rows, 4 * (block + i)), blockOut + i);
     });
 }

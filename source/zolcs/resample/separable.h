@@ -316,7 +316,11 @@ private:
         const Pixel* values = values_.data();
         const int count = columns.end - columns.begin;
         if (keptBits() == 0) {
-            return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
+            if constexpr (std::is_same_v<Convert, GreyTable>) {
+                return lookUpLine(values, count, convert_.entries, out, stop_);
+            } else {
+                return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
+            }
         }
         const Pixel* centres = kernel_.source().pixels().line(centreRow);
         const std::int32_t* offsets = columns_.centres(columns.begin);
