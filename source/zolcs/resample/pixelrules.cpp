@@ -10,6 +10,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace zolcs {
@@ -33,6 +34,22 @@ ColumnRange columnsNear(double a, double b, double low, double high, ColumnRange
     const ColumnRange result{std::max(clamped(std::floor(std::min(t0, t1)) - 1.0), within.begin),
                              std::min(clamped(std::ceil(std::max(t0, t1)) + 2.0), within.end)};
     return result.empty() ? none : result;
+}
+
+/// Paints `count` of the `room` pixels from `out` on. Runs of a few pixels, which figures mostly are, cost no branch
+/// that depends on their length.
+void paintRun(std::uint32_t* out, int count, int room, std::uint32_t colour) {
+    constexpr std::size_t few = 8;
+    static constexpr std::array<std::uint32_t, 2 * few> window{~0U, ~0U, ~0U, ~0U, ~0U, ~0U, ~0U, ~0U};
+    if (count > static_cast<int>(few) || room < static_cast<int>(few)) {
+        std::fill_n(out, count, colour);
+        return;
+    }
+    const std::uint32_t* painted = window.data() + few - count;
+    std::array<std::uint32_t, few> pixels;
+    std::memcpy(pixels.data(), out, sizeof pixels);
+    for (std::size_t i = 0; i < few; ++i) pixels[i] = (pixels[i] & ~painted[i]) | (colour & painted[i]);
+    std::memcpy(out, pixels.data(), sizeof pixels);
 }
 
 ColumnRange common(ColumnRange a, ColumnRange b) { return {std::max(a.begin, b.begin), std::min(a.end, b.end)}; }
@@ -195,15 +212,6 @@ void PixelRules::ColumnLookup::build(const Stepping& upright, bool roundedPositi
     for (std::size_t c = 1; c < before.size(); ++c) before[c] += before[c - 1];
 }
 
-ColumnRange PixelRules::ColumnLookup::columnsOf(std::int64_t first, std::int64_t last) const {
-    const auto below = [this](std::int64_t column) {
-        return before[static_cast<std::size_t>(std::clamp<std::int64_t>(column, 0, std::ssize(before) - 1))];
-    };
-    const int begin = below(first);
-    const int end = below(last + 1);
-    return mirrored ? ColumnRange{width - end, width - begin} : ColumnRange{begin, end};
-}
-
 void PixelRules::prepareFor(const Stepping& stepping) {
     const auto hasBits = [](const Layer& layer) { return layer.kind == Kind::Bits; };
     if (!stepping.hasSource() || std::none_of(layers_.begin(), layers_.end(), hasBits)) return;
@@ -234,7 +242,7 @@ void PixelRules::paintPlanes(const SourceLine& line, ColumnRange columns, std::u
     for (const Layer& layer : layers_) {
         if (layer.shows != PixelRun::Shows::Plane) continue;
         visitBits(line, columns, layer, [&](ColumnRange run) {
-            std::fill(out + (run.begin - columns.begin), out + (run.end - columns.begin), layer.colour);
+            paintRun(out + (run.begin - columns.begin), run.end - run.begin, columns.end - run.begin, layer.colour);
         });
     }
 }

@@ -110,8 +110,12 @@ private:
     struct ColumnLookup {
         /// For positions as they choose a bit: through single precision, or exact.
         void build(const Stepping& upright, bool roundedPositions);
-        /// The display columns that show the source columns first to last.
-        [[nodiscard]] ColumnRange columnsOf(std::int64_t first, std::int64_t last) const;
+        /// The display columns that show the source columns first to last, which lie on or directly beside the source.
+        [[nodiscard]] ColumnRange columnsOf(std::int64_t first, std::int64_t last) const {
+            const int begin = before[static_cast<std::size_t>(first)];
+            const int end = before[static_cast<std::size_t>(last) + 1];
+            return mirrored ? ColumnRange{width - end, width - begin} : ColumnRange{begin, end};
+        }
 
         std::vector<int> before;  ///< [c]: number of display columns that show a source column below c
         bool mirrored = false;    ///< counted from the right

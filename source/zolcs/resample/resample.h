@@ -155,7 +155,7 @@ bool fillRows(const Stepping& stepping, const Display<Pixel>& display, F& filler
 template <typename Pixel, Filler<Pixel> F>
 bool fillStrips(const Stepping& stepping, const Display<Pixel>& display, F& filler) {
     constexpr int stripWidth = 32;
-    constexpr int tileHeight = 512;
+    constexpr int tileHeight = 1200;
     // Not a power of two, so that the lines of the buffer do not share a few cache sets.
     constexpr int tilePitch = tileHeight + 16;
 
