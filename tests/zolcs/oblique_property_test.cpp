@@ -3,28 +3,22 @@
 
 #include "support/bicubic_members.h"
 #include "support/bilinear_members.h"
-#include "support/variants.h"
+#include "support/same_as_plain.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <memory>
-#include <numeric>
+#include <string>
 #include <vector>
 
 namespace {
 
+using zolcs::BlockOperations;
+using zolcs::fixed16One;
 using zolcs::SpanOperations;
-using zoltest::GuardedImage;
-using zoltest::GuardedRaster;
+using zolcs::StopFlag;
 using zoltest::Random;
-
-/// From one pixel to beyond the longest block.
-int anyExtent(Random& random) {
-    if (random.chance(0.3)) return random.integer(1, 8);
-    return random.integer(1, random.chance(0.1) ? 700 : 80);
-}
 
 /// Turned, mirrored, sheared by pixels that are not square, in and out of the image.
 CCs2dTrafo obliqueView(Random& random, CCsImage& src, CCsImage& dst) {
@@ -38,61 +32,114 @@ CCs2dTrafo obliqueView(Random& random, CCsImage& src, CCsImage& dst) {
     return trafo;
 }
 
-/// The pixels of an image in memory that ends with its last one, so that a sanitizer sees every read beside them.
-class TightMemory {
-public:
-    explicit TightMemory(GuardedRaster& image)
-        : bytes_(static_cast<std::size_t>((image.getHeight() - 1) * image.getPitch() + image.getWidth()) *
-                 static_cast<std::size_t>(zoltest::bytesOfType(image.getType()))),
-          memory_(new unsigned char[bytes_]) {
-        std::memcpy(memory_.get(), image.memory.pixels(), bytes_);
-        image.GetMemBuffer()->setHeapBuffer(memory_.get());
-    }
+TEST(ObliqueProperty, BilinearEqualsThePlainLoop) {
+    zoltest::expectSameAsPlain(zoltest::bilinearMembers(), 20240601, 500, obliqueView);
+}
 
-private:
-    std::size_t bytes_;
-    std::unique_ptr<unsigned char[]> memory_;
-};
+TEST(ObliqueProperty, BicubicEqualsThePlainLoop) {
+    zoltest::expectSameAsPlain(zoltest::bicubicMembers(), 20240602, 500, obliqueView);
+}
 
-/// Compares the whole memory of the destination, guards and line padding included.
-template <typename Resampler>
-void expectSameAsPlain(const zoltest::ResamplerMembers<Resampler>& members, std::uint64_t seed, int rounds) {
-    Random random(seed);
+/// A source of one row of random pixels, repeated without memory for it: the pitch is 0.
+template <typename Kernel>
+void expectSameAtTheFarEnd(const Kernel& kernel, const zolcs::Stepping& stepping) {
+    const zolcs::Copy<typename Kernel::Pixel> copy;
     zoltest::forEachVariant([&](const std::string& variant) {
-        if (variant == "plain") return;
-        Resampler resampler;
-        for (int round = 0; round < rounds; ++round) {
-            const auto& member = members[static_cast<std::size_t>(round) % members.size()];
-            const int srcWidth = anyExtent(random);
-            const int dstWidth = anyExtent(random);
-            GuardedRaster src(srcWidth, anyExtent(random), member.sourceType, srcWidth + random.integer(0, 9),
-                              random.chance(0.6) ? 1.0 : random.real(0.3, 3.0));
-            GuardedImage dst(dstWidth, random.integer(1, 60), member.destinationType, dstWidth + random.integer(0, 9),
-                             1.0);
-            src.memory.randomise(random);
-            dst.memory.randomise(random);
-            if (random.chance(0.3)) {  // only extremes: products and overshoots are largest
-                for (unsigned char& byte : src.memory.all()) byte = random.chance(0.5) ? 255 : 0;
-            }
-            const TightMemory tight(src);
-            CCs2dTrafo trafo = obliqueView(random, src, dst);
-            const std::vector<unsigned char> before = dst.memory.all();
-            SpanOperations::choose("plain");
-            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
-            const std::vector<unsigned char> expected = dst.memory.all();
-            dst.memory.all() = before;
-            SpanOperations::choose(variant);
-            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
-            ASSERT_TRUE(dst.memory.all() == expected)
-                << zoltest::narrow(member.name) << " round " << round << ' ' << srcWidth << 'x' << src.getHeight()
-                << " type " << member.sourceType << " to " << dstWidth << 'x' << dst.getHeight() << " type "
-                << member.destinationType << ' ' << zoltest::textOf(zoltest::toImageOf(trafo, src, dst));
+        using Fast = zolcs::ObliqueFiller<Kernel, zolcs::Copy<typename Kernel::Pixel>>;
+        const bool hasVectors = variant != "plain" && BlockOperations::chosen() != nullptr;
+        EXPECT_EQ(Fast::isUsableFor(kernel, stepping), hasVectors && stepping.limitU <= 32768 * fixed16One);
+        if (!Fast::isUsableFor(kernel, stepping)) return;
+        Fast fast(kernel, copy, StopFlag());
+        zolcs::PlainFiller plain(kernel, copy);
+        for (int y = 0; y < stepping.height; ++y) {
+            const zolcs::Span span = stepping.span(y);
+            const auto count = static_cast<std::size_t>(span.end() - span.begin());
+            std::vector<typename Kernel::Pixel> expected(count);
+            std::vector<typename Kernel::Pixel> shown(count);
+            const zolcs::ColumnRange columns{span.begin(), span.end()};
+            EXPECT_TRUE(plain.fill(stepping.line(y), columns, expected.data()));
+            EXPECT_TRUE(fast.fill(stepping.line(y), columns, shown.data()));
+            ASSERT_EQ(shown, expected) << y;
         }
     });
 }
 
-TEST(ObliqueProperty, BilinearEqualsThePlainLoop) { expectSameAsPlain(zoltest::bilinearMembers(), 20240601, 700); }
+TEST(ObliqueProperty, PositionsUpToThirtyOneBits) {
+    const CCsBicubic buildsTheWeights;
+    Random random(20240603);
+    for (const int size : {32767, 32768, 32769}) {
+        std::vector<std::uint16_t> grey(static_cast<std::size_t>(size));
+        std::vector<std::uint32_t> colour(grey.size());
+        for (auto& pixel : grey) pixel = static_cast<std::uint16_t>(random.bits());
+        for (auto& pixel : colour) pixel = static_cast<std::uint32_t>(random.bits());
+        // The lower right corner of the source lies within the display.
+        const zolcs::Stepping stepping =
+            zolcs::makeStepping({0.7, 0.4, -0.4, 0.7, size - 50.0, size - 100.0}, size, size, 150, 120);
+        const zolcs::ImageView<const std::uint16_t> greyView(grey.data(), 0);
+        const zolcs::ImageView<const std::uint32_t> colourView(colour.data(), 0);
+        expectSameAtTheFarEnd(zolcs::BilinearGrey({greyView, stepping}, 0xFFFF, 0), stepping);
+        expectSameAtTheFarEnd(zolcs::BilinearRgb({colourView, stepping}), stepping);
+        expectSameAtTheFarEnd(zolcs::CubicGrey({greyView, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0xF000),
+                              stepping);
+        expectSameAtTheFarEnd(zolcs::CubicRgb({colourView, stepping, zolcs::coarseCubicWeights()}), stepping);
+    }
+}
 
-TEST(ObliqueProperty, BicubicEqualsThePlainLoop) { expectSameAsPlain(zoltest::bicubicMembers(), 20240602, 700); }
+/// All pairs of weights: each position is a step of both tables further.
+TEST(ObliqueProperty, EveryEntryOfTheWeights) {
+    const CCsBicubic buildsTheWeights;
+    Random random(20240604);
+    constexpr int size = 8;
+    std::array<std::uint16_t, size * size> pixels{};
+    zoltest::forEachVariant([&](const std::string& variant) {
+        const BlockOperations* operations = BlockOperations::chosen();
+        if (variant == "plain" || operations == nullptr) return;
+        for (const auto mask : {std::uint16_t{0x0FFF}, std::uint16_t{0xFFFF}}) {
+            for (int round = 0; round < 20; ++round) {
+                for (auto& pixel : pixels) {
+                    pixel = random.chance(0.5) ? static_cast<std::uint16_t>(random.bits())
+                                               : static_cast<std::uint16_t>(random.chance(0.5) ? 0xFFFF : 0);
+                }
+                const zolcs::Stepping stepping = zolcs::makeStepping({1, 0, 0, 1, 0, 0}, size, size, size, size);
+                const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, mask, 0);
+                const auto v = static_cast<std::uint32_t>(2 * fixed16One + random.integer(0, 65535));
+                std::vector<std::uint16_t> shown(zolcs::deepCubicSteps);
+                operations->cubicGrey(pixels.data(), {2U << 16U, v, 16, 0, size}, zolcs::deepCubicWeights(), mask,
+                                      zolcs::deepCubicSteps, shown.data());
+                for (int i = 0; i < zolcs::deepCubicSteps; ++i) {
+                    const zolcs::Fixed16 u = 2 * fixed16One + i * 16;
+                    ASSERT_EQ(shown[static_cast<std::size_t>(i)], kernel(u + 32768, v + 32768)) << i;
+                }
+            }
+        }
+    });
+}
+
+TEST(ObliqueProperty, StopsWithinSixteenPixels) {
+    const CCsBicubic buildsTheWeights;
+    constexpr int size = 100;
+    const std::vector<std::uint16_t> pixels(static_cast<std::size_t>(size) * size, 500);
+    const zolcs::Stepping stepping = zolcs::makeStepping({0.8, 0.6, -0.6, 0.8, 40, -30}, size, size, size, size);
+    zoltest::forEachVariant([&](const std::string& variant) {
+        if (variant == "plain" || BlockOperations::chosen() == nullptr) return;
+        for (const int raiseAfter : {1, 5, 16, 17, 99, 100, 101, 500, 3000}) {
+            int left = raiseAfter;
+            int written = 0;
+            std::int32_t flag = 0;
+            const zoltest::RaisingTable convert{left, written, flag};
+            const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
+            zolcs::ObliqueFiller<zolcs::CubicGrey, zoltest::RaisingTable> filler(kernel, convert, StopFlag(flag));
+            std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
+            const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
+            EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
+            EXPECT_GE(written, raiseAfter);
+            EXPECT_LE(written, raiseAfter + 15);
+            // What was written stays, and nothing else has been.
+            EXPECT_EQ(std::count(shown.begin(), shown.end(), 501U), written);
+            EXPECT_EQ(std::count(shown.begin(), shown.end(), 0U) + std::count(shown.begin(), shown.end(), 7U),
+                      size * size - written);
+        }
+    });
+}
 
 }  // namespace

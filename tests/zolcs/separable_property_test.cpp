@@ -3,24 +3,16 @@
 
 #include "support/bicubic_members.h"
 #include "support/bilinear_members.h"
-#include "support/variants.h"
+#include "support/same_as_plain.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace {
 
-using zolcs::SpanOperations;
 using zolcs::StopFlag;
 using zoltest::GuardedImage;
-using zoltest::GuardedRaster;
 using zoltest::Random;
-
-/// From one pixel to beyond the length of every vector, block and strip.
-int anyExtent(Random& random) {
-    if (random.chance(0.3)) return random.integer(1, 8);
-    return random.integer(1, random.chance(0.1) ? 1100 : 90);
-}
 
 /// Upright, turned by quarters, mirrored; sometimes so that rows begin where one rule differs from another.
 CCs2dTrafo separableView(Random& random, CCsImage& src, CCsImage& dst) {
@@ -34,52 +26,13 @@ CCs2dTrafo separableView(Random& random, CCsImage& src, CCsImage& dst) {
     return trafo;
 }
 
-/// Compares the whole memory of the destination, guards and line padding included.
-template <typename Resampler>
-void expectSameAsPlain(const zoltest::ResamplerMembers<Resampler>& members, std::uint64_t seed, int rounds) {
-    Random random(seed);
-    zoltest::forEachVariant([&](const std::string& variant) {
-        if (variant == "plain") return;
-        Resampler resampler;
-        for (int round = 0; round < rounds; ++round) {
-            const auto& member = members[static_cast<std::size_t>(round) % members.size()];
-            const bool wide = random.chance(0.5);
-            const auto extent = [&](bool isLong) { return isLong ? anyExtent(random) : random.integer(1, 40); };
-            const int srcWidth = extent(wide);
-            const int dstWidth = extent(wide);
-            GuardedRaster src(srcWidth, extent(!wide), member.sourceType, srcWidth + random.integer(0, 9),
-                              random.chance(0.8) ? 1.0 : random.real(0.3, 3.0));
-            GuardedImage dst(dstWidth, extent(!wide), member.destinationType, dstWidth + random.integer(0, 9), 1.0);
-            src.memory.randomise(random);
-            dst.memory.randomise(random);
-            if (random.chance(0.3)) {  // only extremes: products and overshoots are largest
-                for (unsigned char& byte : src.memory.all()) byte = random.chance(0.5) ? 255 : 0;
-            }
-            CCs2dTrafo trafo = separableView(random, src, dst);
-            const std::vector<unsigned char> before = dst.memory.all();
-
-            SpanOperations::choose("plain");
-            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
-            const std::vector<unsigned char> expected = dst.memory.all();
-            dst.memory.all() = before;
-            // What lies beside the pixels plays no part.
-            const auto guard = static_cast<std::ptrdiff_t>(src.memory.guard());
-            std::fill_n(src.memory.all().begin(), guard, static_cast<unsigned char>(0x5A));
-            std::fill_n(src.memory.all().end() - guard, guard, static_cast<unsigned char>(0xA5));
-
-            SpanOperations::choose(variant);
-            ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
-            ASSERT_TRUE(dst.memory.all() == expected)
-                << zoltest::narrow(member.name) << " round " << round << ' ' << srcWidth << 'x' << src.getHeight()
-                << " type " << member.sourceType << " to " << dstWidth << 'x' << dst.getHeight() << " type "
-                << member.destinationType << ' ' << zoltest::textOf(zoltest::toImageOf(trafo, src, dst));
-        }
-    });
+TEST(SeparableProperty, BilinearEqualsThePlainLoop) {
+    zoltest::expectSameAsPlain(zoltest::bilinearMembers(), 20240501, 450, separableView);
 }
 
-TEST(SeparableProperty, BilinearEqualsThePlainLoop) { expectSameAsPlain(zoltest::bilinearMembers(), 20240501, 450); }
-
-TEST(SeparableProperty, BicubicEqualsThePlainLoop) { expectSameAsPlain(zoltest::bicubicMembers(), 20240502, 450); }
+TEST(SeparableProperty, BicubicEqualsThePlainLoop) {
+    zoltest::expectSameAsPlain(zoltest::bicubicMembers(), 20240502, 450, separableView);
+}
 
 TEST(SeparableProperty, NothingBesideThePixelsIsRead) {
     // The raster's memory ends with its pixels; the address sanitizer watches.
@@ -112,19 +65,6 @@ TEST(SeparableProperty, NothingBesideThePixelsIsRead) {
     });
 }
 
-/// A display pixel of a value that raises a flag when it is the last one of some.
-struct RaisingTable {
-    int& left;
-    int& written;
-    std::int32_t& flag;
-
-    std::uint32_t operator()(std::uint16_t sample) const {
-        ++written;
-        if (--left == 0) zolcs::setFlag(flag, 1);
-        return sample + 1U;
-    }
-};
-
 TEST(SeparableProperty, StopsWithinSixteenPixels) {
     const CCsBicubic buildsTheWeights;
     zoltest::forEachVariant([](const std::string& variant) {
@@ -136,9 +76,10 @@ TEST(SeparableProperty, StopsWithinSixteenPixels) {
             int left = raiseAfter;
             int written = 0;
             std::int32_t flag = 0;
-            const RaisingTable convert{left, written, flag};
+            const zoltest::RaisingTable convert{left, written, flag};
             const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
-            zolcs::SeparableFiller<zolcs::CubicGrey12Lines, RaisingTable> filler(kernel, convert, StopFlag(flag));
+            zolcs::SeparableFiller<zolcs::CubicGrey12Lines, zoltest::RaisingTable> filler(kernel, convert,
+                                                                                          StopFlag(flag));
             std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
             const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
             EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));

@@ -1,6 +1,7 @@
 // Interpolation of neighbouring display pixels in oblique views, in the variants that the processor offers.
 #pragma once
 
+#include "zolcs/ccsexport.h"
 #include "zolcs/resample/cubicweights.h"
 #include "zolcs/resample/spanoperations.h"
 
@@ -23,7 +24,7 @@ struct BlockOperations {
                      int count, std::uint32_t* out);
 
     /// The variant for this processor, or the one that a test has chosen; null where there is none.
-    static const BlockOperations* chosen();
+    ZOLWEBCS_API static const BlockOperations* chosen();
 };
 
 }  // namespace zolcs

@@ -148,7 +148,7 @@ private:
         } else {
             std::array<Value, mostAtOnce> values;
             computeValues(positions, count, values.data());
-            std::transform(values.begin(), values.begin() + count, out, convert_);
+            for (int i = 0; i < count; ++i) out[i] = convert_(values[static_cast<std::size_t>(i)]);
         }
     }
 
