@@ -39,13 +39,8 @@ std::string turned(int x, int y, const std::string& world, int top, int right) {
            std::to_string(-top) + "\nrestore\n";
 }
 
-class EllipseDrawing : public testing::Test {
+class EllipseDrawing : public zoltest::DrawingTest {
 protected:
-    [[nodiscard]] Rendering mode(int mode) { return {&view, &output, mode}; }
-    [[nodiscard]] Rendering screen() { return mode(1); }
-
-    CCs2dTrafo view = identityView();
-    CCs2dTrafo output = identityView();
     RECT unused{};
 };
 
@@ -65,9 +60,7 @@ TEST_F(EllipseDrawing, InItsRectangleInEveryMode) {
                                       }));
     for (const int m : {1, 3, 4}) EXPECT_EQ(drawn(plain, mode(m)), ellipse("ellipse 10 20 50 40\n")) << m;
     for (const int dotsPerInch : {96, 300, 600}) {  // unlike a line's
-        Rendering printer = mode(2);
-        printer.prepare = [dotsPerInch](GdiRecorder& recorder) { recorder.dotsPerInch = dotsPerInch; };
-        EXPECT_EQ(drawn(plain, printer), ellipse("ellipse 10 20 50 40\n", "", "pen solid 10 0x0000ff"));
+        EXPECT_EQ(drawn(plain, printer(dotsPerInch)), ellipse("ellipse 10 20 50 40\n", "", "pen solid 10 0x0000ff"));
     }
     plain.setDicomPrintFlag(true);  // no shadow, so nothing to change
     EXPECT_EQ(drawn(plain, mode(4)), ellipse("ellipse 10 20 50 40\n"));

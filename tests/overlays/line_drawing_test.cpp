@@ -55,18 +55,8 @@ Look textLook(int width, const char* shadowColor = "0x000000") {
     return {pen + " 0x00ffff", "brush 0x00ffff", pen + ' ' + shadowColor};
 }
 
-class LineDrawing : public testing::Test {
+class LineDrawing : public zoltest::DrawingTest {
 protected:
-    CCs2dTrafo view = identityView();
-    CCs2dTrafo output = identityView();
-
-    [[nodiscard]] Rendering mode(int mode) { return {&view, &output, mode}; }
-    [[nodiscard]] Rendering screen() { return mode(1); }
-    [[nodiscard]] Rendering printer(int dotsPerInch) {
-        Rendering out = mode(2);
-        out.prepare = [dotsPerInch](GdiRecorder& recorder) { recorder.dotsPerInch = dotsPerInch; };
-        return out;
-    }
     [[nodiscard]] Rendering text(int height) {
         Rendering out = mode(4);
         out.prepare = [height](GdiRecorder& recorder) { recorder.textHeight = height; };

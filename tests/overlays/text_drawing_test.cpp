@@ -33,23 +33,18 @@ std::string haloed(const char* text, int x, int y) {
            "text colour 0x0000ff\n" + written(text, x, y, {{0, 0}});
 }
 
-class TextDrawing : public testing::Test {
+class TextDrawing : public zoltest::DrawingTest {
 protected:
     ~TextDrawing() override {
         myCSFontName = nullptr;
         myCSFontWidth = nullptr;
     }
 
-    [[nodiscard]] Rendering mode(int mode) { return {&view, &output, mode}; }
-    [[nodiscard]] Rendering screen() { return mode(1); }
-
     void setHostFont() {
         myCSFontName = L"DejaVu Sans";
         myCSFontWidth = &width;
     }
 
-    CCs2dTrafo view = identityView();
-    CCs2dTrafo output = identityView();
     int width = 9;
 };
 

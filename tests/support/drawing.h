@@ -3,8 +3,11 @@
 
 #include "support/gdi_canvas.h"
 #include "support/gdi_recorder.h"
+#include "support/overlay_views.h"
 
 #include "zolcs/ccsoverlay.h"
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <initializer_list>
@@ -52,6 +55,21 @@ inline std::string drawn(CCsOverlay& overlay, const Rendering& rendering) {
                        rendering.offsetX, rendering.offsetY);
     });
 }
+
+/// Renders through views whose matrices are exact.
+class DrawingTest : public ::testing::Test {
+protected:
+    [[nodiscard]] Rendering mode(int mode) { return {&view, &output, mode}; }
+    [[nodiscard]] Rendering screen() { return mode(1); }
+    [[nodiscard]] Rendering printer(int dotsPerInch) {
+        Rendering out = mode(2);
+        out.prepare = [dotsPerInch](GdiRecorder& recorder) { recorder.dotsPerInch = dotsPerInch; };
+        return out;
+    }
+
+    CCs2dTrafo view = identityView();
+    CCs2dTrafo output = identityView();
+};
 
 /// Calls as the recorder writes them.
 inline std::string calls(std::initializer_list<const char*> lines) {
