@@ -114,7 +114,7 @@ Figures linesWithin(const Figures& figures, double limit) {
         if (isWithin(figure, limit)) {
             out.push_back(figure);
         } else {
-            appendCut(figure, limit, out);
+            appendCut(flattened(figure), limit, out);
         }
     }
     return out;
@@ -123,8 +123,9 @@ Figures linesWithin(const Figures& figures, double limit) {
 Figures surfacesWithin(const Figures& figures, double limit) {
     Figures out;
     for (const Figure& figure : figures) {
-        Figure cut = figure;
-        if (!isWithin(figure, limit)) {
+        const bool within = isWithin(figure, limit);
+        Figure cut = within ? figure : flattened(figure);
+        if (!within) {
             cut.points = cutSurface(cut.points, [&](PointD p) { return p.x + limit; });
             cut.points = cutSurface(cut.points, [&](PointD p) { return limit - p.x; });
             cut.points = cutSurface(cut.points, [&](PointD p) { return p.y + limit; });

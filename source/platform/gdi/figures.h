@@ -8,12 +8,16 @@ namespace zolgdi {
 /// The same figures without curves.
 Figures flattened(const Figures& figures);
 
-/// The parts of straight-lined outlines inside [-limit, limit] in both directions; closed figures are opened when they
-/// are cut.
+/// The parts of outlines inside [-limit, limit] in both directions. Figures that lie wholly inside stay as they are;
+/// others lose their curves and, where they are cut, are open.
 Figures linesWithin(const Figures& figures, double limit);
 
-/// Straight-lined, closed figures that cover the same pixels inside [-limit, limit].
+/// Closed figures that cover the same pixels inside [-limit, limit]; those that do not lie wholly inside lose their
+/// curves.
 Figures surfacesWithin(const Figures& figures, double limit);
+
+/// Cairo's coordinates end near 2^23: what lies farther away than this is cut off before it gets there.
+inline constexpr double cairoLimit = 1 << 21;
 
 /// A closed, curved figure for the ellipse that touches the sides of a rectangle with the given corners; the corners
 /// may be turned.

@@ -78,7 +78,7 @@ public:
         clipped(cairo_, clip, [&] {
             setSource(cairo_, color);
             cairo_set_fill_rule(cairo_, fillMode == WINDING ? CAIRO_FILL_RULE_WINDING : CAIRO_FILL_RULE_EVEN_ODD);
-            appendPath(cairo_, figures, 0.5);
+            appendPath(cairo_, surfacesWithin(figures, cairoLimit), 0.5);
             cairo_fill(cairo_);
         });
     }
@@ -89,10 +89,11 @@ public:
             const double width = std::max(stroke.width, 1.0);
             cairo_set_line_cap(cairo_, width > 1.0 ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
             cairo_set_line_join(cairo_, CAIRO_LINE_JOIN_ROUND);
-            cairo_set_line_width(cairo_, width);
-            if (stroke.style != PS_SOLID && stroke.opaqueGaps) strokePath(figures, stroke.gapColor);
+            cairo_set_line_width(cairo_, std::min(width, cairoLimit));
+            const Figures lines = linesWithin(figures, cairoLimit);
+            if (stroke.style != PS_SOLID && stroke.opaqueGaps) strokePath(lines, stroke.gapColor);
             setDashes(stroke.style);
-            strokePath(figures, stroke.color);
+            strokePath(lines, stroke.color);
         });
     }
 
@@ -109,6 +110,7 @@ public:
     void text(const Area& clip, const TextRun& run) override {
         const TextLine& line = TextLine::shaped(*run.font, run.dpi, true, run.text);
         const Affine placement = line.placed(run.transform);
+        if (isEmpty(intersection(line.extent(placement), clip.bounds()))) return;
         if (run.opaque) fill(clip, {line.cell(placement)}, ALTERNATE, run.background);
         clipped(cairo_, clip, [&] {
             setSource(cairo_, run.color);

@@ -216,10 +216,8 @@ RECT boundsOf(const Figures& figures, double margin) {
             roundToDevice(high.y + margin)};
 }
 
-/// Round ends and joins, a whole number of pixels thick: an even one lies more to the left and top. Cairo's coordinates
-/// end near 2^23: what lies farther away is cut off well before.
+/// Round ends and joins, a whole number of pixels thick: an even one lies more to the left and top.
 void strokeWide(const Pixels& to, const Area& clip, const Figures& lines, const Stroke& stroke) {
-    constexpr double cairoLimit = 1 << 21;
     const double width = std::round(std::min(stroke.width, cairoLimit));
     const double shift = std::fmod(width, 2.0) / 2.0;
     const Figures near = linesWithin(lines, cairoLimit);

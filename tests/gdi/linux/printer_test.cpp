@@ -323,6 +323,72 @@ TEST_F(PrinterTest, WhatIsDrawnStandsWhereItWasDrawn) {
     EXPECT_EQ(page.pixel(30, 69), 0xFFFFFFU);
 }
 
+TEST_F(PrinterTest, FarCoordinatesKeepTheirDirection) {
+    REQUIRE_POPPLER();
+    constexpr int far = 130000000;
+    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 25.4, 25.4, 72);
+    const DOCINFOW info = named(L"far");
+    ASSERT_GT(StartDocW(dc, &info), 0);
+    EXPECT_GT(StartPage(dc), 0);
+    {
+        const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
+        const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
+        EXPECT_TRUE(MoveToEx(dc, -far, -far, nullptr));
+        EXPECT_TRUE(LineTo(dc, far, far));
+        const POINT corners[] = {{-far, 50}, {far, 50}, {far, far}, {-far, far}};
+        EXPECT_TRUE(Polygon(dc, corners, 4));
+        const POINT curve[] = {{20, -far}, {20, -10}, {20, 10}, {20, far}};
+        EXPECT_TRUE(PolyBezier(dc, curve, 4));
+        for (const int x : {-far, far}) EXPECT_TRUE(TextOutW(dc, x, 10, L"far away", 8));
+    }
+    EXPECT_GT(EndPage(dc), 0);
+    EXPECT_GT(EndDoc(dc), 0);
+    EXPECT_TRUE(DeleteDC(dc));
+    const Rendered page(file(), file("page"));
+    ASSERT_TRUE(page.valid());
+    EXPECT_EQ(page.pixel(36, 36), 0xFF0000U);
+    EXPECT_EQ(page.pixel(10, 10), 0xFF0000U);
+    EXPECT_EQ(page.pixel(60, 20), 0xFFFFFFU);
+    EXPECT_EQ(page.pixel(5, 45), 0xFFFFFFU);
+    EXPECT_EQ(page.pixel(40, 50), 0xFF0000U);
+    EXPECT_EQ(page.pixel(5, 60), 0x008000U);
+    EXPECT_EQ(page.pixel(65, 68), 0x008000U);
+    EXPECT_EQ(page.pixel(20, 5), 0xFF0000U);
+    EXPECT_EQ(page.pixel(20, 68), 0xFF0000U);
+}
+
+TEST_F(PrinterTest, PathsAreVectorsAndLettersInThemAreOutlines) {
+    REQUIRE_POPPLER();
+    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 50.8, 25.4, 72);
+    const DOCINFOW info = named(L"paths");
+    ASSERT_GT(StartDocW(dc, &info), 0);
+    EXPECT_GT(StartPage(dc), 0);
+    {
+        const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
+        const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
+        const Using font(dc, CreateFontW(-60, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
+        SetBkMode(dc, TRANSPARENT);
+        EXPECT_TRUE(BeginPath(dc));
+        EXPECT_TRUE(Ellipse(dc, 10, 10, 60, 60));
+        EXPECT_TRUE(TextOutW(dc, 75, 0, L"I", 1));
+        EXPECT_TRUE(EndPath(dc));
+        EXPECT_TRUE(StrokeAndFillPath(dc));
+    }
+    EXPECT_GT(EndPage(dc), 0);
+    EXPECT_GT(EndDoc(dc), 0);
+    EXPECT_TRUE(DeleteDC(dc));
+    EXPECT_EQ(ask("pdffonts", "'" + file() + "'").find("DejaVu"), std::string::npos);
+    const Rendered page(file(), file("page"));
+    ASSERT_TRUE(page.valid());
+    EXPECT_EQ(page.pixel(35, 35), 0x008000U);
+    EXPECT_EQ(page.pixel(10, 35), 0xFF0000U);
+    EXPECT_EQ(page.pixel(35, 59), 0xFF0000U);
+    EXPECT_EQ(page.pixel(12, 12), 0xFFFFFFU);
+    int stem = 0;
+    for (int x = 70; x < 110; ++x) stem += page.pixel(x, 36) == 0x008000U ? 1 : 0;
+    EXPECT_GT(stem, 5);
+}
+
 TEST_F(PrinterTest, TextStaysText) {
     REQUIRE_POPPLER();
     HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 100.0, 50.0, 600);
