@@ -1,8 +1,7 @@
 #include "zolipp/rowoperations.h"
 
+#include "platform/vectorchoice.h"
 #include "zolipp/rowvectors.h"
-
-#include <atomic>
 
 namespace zolipp {
 
@@ -76,51 +75,23 @@ constexpr FormatOperations portableOf{widen<Format>,
 constexpr RowOperations portableOperations{
     {locate<1>, locate<2>, locate<4>}, portableOf<Grey16>, portableOf<FourBytes>, portableOf<ThreeOfFourBytes>};
 
-enum class Mode : std::uint8_t { Best, Plain, Portable };
-
-constinit std::atomic<Mode> mode{Mode::Best};
+constinit zolplatform::VectorChoice choice;
 
 }  // namespace
 
 const RowOperations& RowOperations::chosen() {
 #if defined(ZOL_USE_HIGHWAY)
-    if (mode.load(std::memory_order_relaxed) == Mode::Best) return rowvectors::chosen();
+    if (choice.wantsVectors()) return rowvectors::chosen();
 #endif
     return portableOperations;
 }
 
 const RowOperations& RowOperations::portable() { return portableOperations; }
 
-bool RowOperations::isPlain() { return mode.load(std::memory_order_relaxed) == Mode::Plain; }
+bool RowOperations::isPlain() { return choice.wantsPlainLoops(); }
 
-std::vector<std::string> RowOperations::variants() {
-    std::vector<std::string> names{"plain", "portable"};
-#if defined(ZOL_USE_HIGHWAY)
-    for (const rowvectors::Variant& variant : rowvectors::variants()) names.push_back(variant.name);
-#endif
-    return names;
-}
+std::vector<std::string> RowOperations::variants() { return zolplatform::VectorChoice::names(); }
 
-bool RowOperations::choose(const std::string& variant) {
-    Mode wanted = Mode::Best;
-    std::int64_t target = 0;
-    if (variant == "plain") {
-        wanted = Mode::Plain;
-    } else if (variant == "portable") {
-        wanted = Mode::Portable;
-    } else if (!variant.empty()) {
-#if defined(ZOL_USE_HIGHWAY)
-        for (const rowvectors::Variant& known : rowvectors::variants()) {
-            if (known.name == variant) target = known.target;
-        }
-#endif
-        if (target == 0) return false;
-    }
-#if defined(ZOL_USE_HIGHWAY)
-    rowvectors::choose(target);
-#endif
-    mode.store(wanted, std::memory_order_relaxed);
-    return true;
-}
+bool RowOperations::choose(const std::string& variant) { return choice.choose(variant); }
 
 }  // namespace zolipp

@@ -269,23 +269,6 @@ HWY_EXPORT(operations);
 
 namespace rowvectors {
 
-std::vector<Variant> variants() {
-    // Asked once: a chosen variant would hide the others.
-    static const std::vector<Variant> all = [] {
-        std::vector<Variant> result;
-        for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-            result.push_back({hwy::TargetName(target), target});
-        }
-        return result;
-    }();
-    return all;
-}
-
-void choose(std::int64_t target) {
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().DeInit();
-}
-
 const RowOperations& chosen() { return *HWY_DYNAMIC_DISPATCH(operations)(); }
 
 }  // namespace rowvectors

@@ -3,13 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
+#include "reference/primitive_reference.h"
 #include "support/test_data.h"
 #include "zolipp/rowoperations.h"
 #include "zolipp/zolipp.h"
@@ -145,6 +150,37 @@ auto sameInEveryVariant(Make make) {
     }
     EXPECT_TRUE(plain.isIntactAround());
     return plain;
+}
+
+/// What a destination pixel shows.
+struct Shown {
+    enum class Kind : std::uint8_t { Nothing, Point, WithinRounding } kind;
+    double x;
+    double y;
+};
+
+/// Holds a drawn image to the definition: what shows nothing, or belongs to a byte that is left alone, is as it was
+/// before; the rest is the nearest value but for what single precision loses. `shownAt(x, y)` tells what a pixel shows;
+/// one that rounding may decide either way is passed over.
+template <typename Primitives, typename Image, typename ShownAt>
+void expectDefined(const Image& source, const Image& before, const Image& drawn, int interpolation, ShownAt shownAt) {
+    constexpr double largest = std::numeric_limits<std::remove_cvref_t<decltype(drawn.at(0, 0))>>::max();
+    for (int y = 0; y < drawn.height(); ++y) {
+        for (int x = 0; x < drawn.width(); ++x) {
+            const Shown shown = shownAt(x, y);
+            if (shown.kind == Shown::Kind::WithinRounding) continue;
+            for (int channel = 0; channel < Primitives::channels; ++channel) {
+                if (shown.kind == Shown::Kind::Nothing || channel >= Primitives::written) {
+                    ASSERT_EQ(drawn.at(x, y, channel), before.at(x, y, channel)) << x << ", " << y;
+                    continue;
+                }
+                const double value = zolref::valueAt([&](int i, int j) { return source.at(i, j, channel); },
+                                                     source.size(), shown.x, shown.y, interpolation);
+                ASSERT_LE(std::fabs(drawn.at(x, y, channel) - std::clamp(value, 0.0, largest)), 0.53)
+                    << x << ", " << y << " channel " << channel;
+            }
+        }
+    }
 }
 
 /// One argument that a primitive refuses, and with which status.

@@ -1,13 +1,13 @@
 #include <cmath>
 #include <limits>
 
-#include "reference/primitive_reference.h"
 #include "zolipp_images.h"
 
 namespace {
 
 using zoltest::GreyImage;
 using zoltest::Random;
+using zoltest::Shown;
 
 /// Everything of a call but the images.
 struct View {
@@ -32,30 +32,6 @@ View copyOf(IppiSize size, int interpolation) {
             static_cast<double>(size.height / 2), interpolation};
 }
 
-/// Holds the drawn image to the definition: pixels outside the region untouched, others the nearest value but for what
-/// single precision loses.
-template <typename Primitives, typename Image>
-void expectDefined(const Image& source, const Image& before, const Image& drawn, const View& view) {
-    constexpr double largest = std::numeric_limits<std::remove_cvref_t<decltype(drawn.at(0, 0))>>::max();
-    for (int y = 0; y < drawn.height(); ++y) {
-        for (int x = 0; x < drawn.width(); ++x) {
-            const double u = view.xCenter + (x + 0.5 - drawn.width() / 2) / view.xFactor;
-            const double v = view.yCenter + (y + 0.5 - drawn.height() / 2) / view.yFactor;
-            const bool inside = zolref::isInside(view.region, u, v);
-            for (int channel = 0; channel < Primitives::channels; ++channel) {
-                if (!inside || channel >= Primitives::written) {
-                    ASSERT_EQ(drawn.at(x, y, channel), before.at(x, y, channel)) << x << ", " << y;
-                    continue;
-                }
-                const double value = zolref::valueAt([&](int i, int j) { return source.at(i, j, channel); },
-                                                     source.size(), u, v, view.interpolation);
-                ASSERT_LE(std::fabs(drawn.at(x, y, channel) - std::clamp(value, 0.0, largest)), 0.53)
-                    << x << ", " << y << " channel " << channel;
-            }
-        }
-    }
-}
-
 template <typename Primitives>
 class ResizeCenter : public ::testing::Test {
 protected:
@@ -74,7 +50,12 @@ protected:
             EXPECT_EQ(resize<Primitives>(source, target, view), ippStsNoErr);
             return target;
         });
-        expectDefined<Primitives>(source, before, drawn, view);
+        zoltest::expectDefined<Primitives>(source, before, drawn, view.interpolation, [&](int x, int y) {
+            const double u = view.xCenter + (x + 0.5 - drawn.width() / 2) / view.xFactor;
+            const double v = view.yCenter + (y + 0.5 - drawn.height() / 2) / view.yFactor;
+            const bool inside = zolref::isInside(view.region, u, v);
+            return Shown{inside ? Shown::Kind::Point : Shown::Kind::Nothing, u, v};
+        });
     }
 };
 TYPED_TEST_SUITE(ResizeCenter, zoltest::AllFormats);
@@ -102,7 +83,7 @@ TYPED_TEST(ResizeCenter, CopiesAtFactorOne) {
 
 TYPED_TEST(ResizeCenter, ShowsWhatTheDefinitionSays) {
     Random random(102);
-    for (int round = 0; round < 250; ++round) {
+    for (int round = 0; round < 120; ++round) {
         const auto source = this->randomImage(random, random.integer(1, 40), random.integer(1, 24),
                                               random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
         const auto before = this->randomImage(random, random.integer(1, 90), random.integer(1, 30),

@@ -2,12 +2,12 @@
 #include <cmath>
 #include <limits>
 
-#include "reference/primitive_reference.h"
 #include "zolipp_images.h"
 
 namespace {
 
 using zoltest::Random;
+using zoltest::Shown;
 
 /// As the primitives take it: rows of three.
 struct Coefficients {
@@ -50,29 +50,13 @@ std::array<double, 2> sourcePoint(const Coefficients& coefficients, double x, do
 
 bool isNearWhole(double number) { return std::fabs(number - std::round(number)) < 1e-9; }
 
-/// Holds the drawn image to the definition. Where a point falls within rounding of an edge between pixels, nearest
-/// neighbour and the region's end may take either side.
-template <typename Primitives, typename Image>
-void expectDefined(const Image& source, const Image& before, const Image& drawn, const View& view) {
-    constexpr double largest = std::numeric_limits<std::remove_cvref_t<decltype(drawn.at(0, 0))>>::max();
-    for (int y = 0; y < drawn.height(); ++y) {
-        for (int x = 0; x < drawn.width(); ++x) {
-            const auto [u, v] = sourcePoint(view.coefficients, x + 0.5, y + 0.5);
-            const bool inTarget = zolref::isInside(view.target, x + 0.5, y + 0.5);
-            if (inTarget && (isNearWhole(u) || isNearWhole(v))) continue;
-            const bool inside = inTarget && zolref::isInside(view.region, u, v);
-            for (int channel = 0; channel < Primitives::channels; ++channel) {
-                if (!inside || channel >= Primitives::written) {
-                    ASSERT_EQ(drawn.at(x, y, channel), before.at(x, y, channel)) << x << ", " << y;
-                    continue;
-                }
-                const double value = zolref::valueAt([&](int i, int j) { return source.at(i, j, channel); },
-                                                     source.size(), u, v, view.interpolation);
-                ASSERT_LE(std::fabs(drawn.at(x, y, channel) - std::clamp(value, 0.0, largest)), 0.53)
-                    << x << ", " << y << " channel " << channel;
-            }
-        }
-    }
+/// Where a point falls within rounding of an edge between pixels, nearest neighbour and the region's end may take
+/// either side.
+Shown shownAt(const View& view, int x, int y) {
+    if (!zolref::isInside(view.target, x + 0.5, y + 0.5)) return {Shown::Kind::Nothing, 0.0, 0.0};
+    const auto [u, v] = sourcePoint(view.coefficients, x + 0.5, y + 0.5);
+    if (isNearWhole(u) || isNearWhole(v)) return {Shown::Kind::WithinRounding, u, v};
+    return {zolref::isInside(view.region, u, v) ? Shown::Kind::Point : Shown::Kind::Nothing, u, v};
 }
 
 template <typename Primitives>
@@ -123,7 +107,7 @@ TYPED_TEST(WarpAffine, CopiesWithTheIdentity) {
 
 TYPED_TEST(WarpAffine, ShowsWhatTheDefinitionSays) {
     Random random(502);
-    for (int round = 0; round < 250; ++round) {
+    for (int round = 0; round < 120; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         const auto source = this->randomImage(random, random.integer(2, 40), random.integer(2, 24),
                                               random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
@@ -155,7 +139,8 @@ TYPED_TEST(WarpAffine, ShowsWhatTheDefinitionSays) {
         if (status == ippStsWrongIntersectQuad) {
             ASSERT_TRUE(drawn == before);
         }
-        expectDefined<TypeParam>(source, before, drawn, view);
+        zoltest::expectDefined<TypeParam>(source, before, drawn, view.interpolation,
+                                          [&](int x, int y) { return shownAt(view, x, y); });
         if (this->HasFatalFailure() || this->HasNonfatalFailure()) return;
     }
 }
@@ -255,7 +240,7 @@ TYPED_TEST(WarpAffine, CopesWithExtremeCoefficients) {
     const auto source = this->randomImage(random, 6, 4);
     const auto before = this->randomImage(random, 9, 5);
     const double numbers[] = {0.0, 1.0, -1.0, 1e-9, 1e9, -1e15, 1e-99, 1e99, -1e101, 1e-101, 1e300, -1.7e308, 5e-324};
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1500; ++round) {
         Coefficients coefficients{};
         for (auto& row : coefficients.rows) {
             for (double& c : row) c = numbers[random.integer(0, static_cast<int>(std::size(numbers)) - 1)];

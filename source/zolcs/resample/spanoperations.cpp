@@ -1,10 +1,10 @@
 #include "zolcs/resample/spanoperations.h"
 
+#include "platform/vectorchoice.h"
 #include "zolcs/resample/spanvectors.h"
 #include "zolcs/resample/stepping.h"
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <cstring>
 
@@ -66,9 +66,7 @@ void portableTranspose32(const std::uint32_t* tile, const TileShape& shape, std:
 constexpr SpanOperations portable{portableOffsets, portableTestBits<ExactPixel>, portableTestBits<RoundedPixel>,
                                   portableTranspose32};
 
-enum class Mode : std::uint8_t { Best, Plain, Portable };
-
-constinit std::atomic<Mode> mode{Mode::Best};
+constinit zolplatform::VectorChoice choice;
 
 }  // namespace
 
@@ -79,39 +77,13 @@ const SpanOperations& SpanOperations::chosen() {
     return portable;
 }
 
-bool SpanOperations::isPlain() { return mode.load(std::memory_order_relaxed) == Mode::Plain; }
+bool SpanOperations::isPlain() { return choice.wantsPlainLoops(); }
 
-bool SpanOperations::usesVectors() { return mode.load(std::memory_order_relaxed) == Mode::Best; }
+bool SpanOperations::usesVectors() { return choice.wantsVectors(); }
 
-std::vector<std::string> SpanOperations::variants() {
-    std::vector<std::string> names{"plain", "portable"};
-#if defined(ZOL_USE_HIGHWAY)
-    for (const spanvectors::Variant& variant : spanvectors::variants()) names.push_back(variant.name);
-#endif
-    return names;
-}
+std::vector<std::string> SpanOperations::variants() { return zolplatform::VectorChoice::names(); }
 
-bool SpanOperations::choose(const std::string& variant) {
-    Mode wanted = Mode::Best;
-    std::int64_t target = 0;
-    if (variant == "plain") {
-        wanted = Mode::Plain;
-    } else if (variant == "portable") {
-        wanted = Mode::Portable;
-    } else if (!variant.empty()) {
-#if defined(ZOL_USE_HIGHWAY)
-        for (const spanvectors::Variant& known : spanvectors::variants()) {
-            if (known.name == variant) target = known.target;
-        }
-#endif
-        if (target == 0) return false;
-    }
-#if defined(ZOL_USE_HIGHWAY)
-    spanvectors::choose(target);
-#endif
-    mode.store(wanted, std::memory_order_relaxed);
-    return true;
-}
+bool SpanOperations::choose(const std::string& variant) { return choice.choose(variant); }
 
 void prefetchStart(const void* data) {
 #if defined(__SSE2__) || defined(_M_X64)
