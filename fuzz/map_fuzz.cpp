@@ -1,5 +1,7 @@
-// Grey maps under any sequence of settings, and whole-raster mapping.
+// All four maps under any sequence of settings: tables, whole rasters, burning in, clones.
+#include <array>
 #include <cstddef>
+#include <cstdlib>
 
 #include "fuzz_input.h"
 #include "zolcs/ccscolorman.h"
@@ -59,21 +61,16 @@ void configure(zolfuzz::Bytes& in, IGreyMap& map) {
     }
 }
 
-}  // namespace
+void configure(zolfuzz::Bytes& in, IColorMap& map) {
+    const int steps = in.ConsumeIntegralInRange(0, 3);
+    for (int i = 0; i < steps; ++i) {
+        map.setWindow(in.ConsumeIntegral<unsigned>(), in.ConsumeIntegral<int>());
+        if (in.ConsumeBool()) map.getLut();
+    }
+}
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    zolfuzz::Bytes in(data, size);
-    const std::unique_ptr<IMap> owner(MapFactory::CreateMap(MapFactory::Grey12));
-    auto& map = static_cast<IGreyMap&>(*owner);
-    CCsColorMan palette;
-    CCsColorMapT colors;
-    palette.getColorMap(colors);
-    if (in.ConsumeIntegralInRange(0, 9) != 0) map.setColorMapIndex(&colors);
-    unsigned planeColors[16] = {};
-    unsigned groupColors[16] = {};
-    map.setOverlayColors(planeColors, groupColors);
-    configure(in, map);
-
+/// Everything that a grey map answers.
+void ask(zolfuzz::Bytes& in, IGreyMap& map) {
     std::vector<unsigned> copy(0x10000);
     unsigned* out = copy.data();
     map.copyLut(&out);
@@ -81,23 +78,94 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     unsigned short* values = nullptr;
     unsigned first = 0;
     unsigned count = 0;
-    map.getWindowedNonLinearLut(&values, &first, &count, in.ConsumeBool());
+    if (map.getWindowedNonLinearLut(&values, &first, &count, in.ConsumeBool()) == 255) {
+        // The address sanitizer watches whether what is handed out can be read to its end.
+        const std::vector<unsigned short> read(values, values + count);
+        map.setNonLinearLut(read.data(), first, static_cast<int>(count), in.ConsumeBool());
+    }
+}
+
+int bytesOfPixel(int type) {
+    if (type == CCS_RGB12) return 8;
+    return type == CCS_RGB8 ? 4 : 2;
+}
+
+std::size_t bytesOf(const CCsRaster& raster) {
+    return static_cast<std::size_t>(bytesOfPixel(raster.getType())) * static_cast<std::size_t>(raster.getPitch()) *
+           static_cast<std::size_t>(raster.getHeight());
+}
+
+/// A bitmap of any size burnt into a raster of the kind that the map takes.
+void burnIn(zolfuzz::Bytes& in, IMap& map, int type) {
+    const int width = in.ConsumeIntegralInRange(0, 40);
+    const int height = in.ConsumeIntegralInRange(-30, 30);
+    std::vector<std::uint32_t> words(10 + static_cast<std::size_t>(width) * static_cast<std::size_t>(std::abs(height)));
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = width;
+    header.biHeight = height;
+    std::memcpy(words.data(), &header, sizeof header);
+    constexpr std::array<std::uint32_t, 5> marks = {0, 0x00010101, 0x00FFFF00, 0x00123456, 0xFF000000};
+    for (std::size_t i = 10; i < words.size(); ++i) words[i] = marks[(i * 7 + i / 3) % marks.size()];
+    CCsRaster raster(in.ConsumeIntegralInRange(1, 40), in.ConsumeIntegralInRange(1, 30), type, 1.0, false, false);
+    map.mergeDIBtoData(raster, reinterpret_cast<BITMAPINFO*>(words.data()), in.ConsumeIntegral<unsigned>(),
+                       in.ConsumeIntegral<int>(), in.ConsumeBool());
+}
+
+struct Kind {
+    MapFactory::MapType map;
+    int image;
+    int burnt;  ///< what rendered graphics go into
+};
+
+constexpr std::array<Kind, 4> kinds = {{{MapFactory::Grey12, CCS_GREY12, CCS_GREY12},
+                                        {MapFactory::Grey16, CCS_GREY16, CCS_GREY16},
+                                        {MapFactory::Rgb12, CCS_RGB12, CCS_RGB8},
+                                        {MapFactory::Rgb8, CCS_RGB8, CCS_RGB8}}};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    zolfuzz::Bytes in(data, size);
+    const Kind& kind = kinds.at(in.ConsumeIntegralInRange<std::size_t>(0, kinds.size() - 1));
+    const std::unique_ptr<IMap> owner(MapFactory::CreateMap(kind.map));
+    auto* grey = dynamic_cast<IGreyMap*>(owner.get());
+    auto* colour = dynamic_cast<IColorMap*>(owner.get());
+    CCsColorMan palette;
+    if (in.ConsumeBool()) palette.invertPalette();
+    CCsColorMapT colors;
+    palette.getColorMap(colors);
+    if (in.ConsumeIntegralInRange(0, 9) != 0) owner->setColorMapIndex(&colors);
+    unsigned planeColors[16] = {};
+    unsigned groupColors[16] = {};
+    if (grey != nullptr) {
+        grey->setOverlayColors(planeColors, groupColors);
+        configure(in, *grey);
+        ask(in, *grey);
+    } else {
+        configure(in, *colour);
+    }
 
     std::vector<zolfuzz::Plane> planes;
-    CCsRaster src(in.ConsumeIntegralInRange(1, 60), in.ConsumeIntegralInRange(1, 40), CCS_GREY12, 1.0, false, false);
+    // Sometimes large enough for what small images are not worth.
+    const bool large = in.ConsumeIntegralInRange(0, 63) == 0;
+    CCsRaster src(large ? 1024 : in.ConsumeIntegralInRange(1, 60), large ? 1025 : in.ConsumeIntegralInRange(1, 40),
+                  kind.image, 1.0, false, false);
     const bool same = in.ConsumeIntegralInRange(0, 9) != 0;
     CCsRaster dst(same ? src.getWidth() : 7, src.getHeight(), CCS_RGB8, 1.0, false, false);
     zolfuzz::decorate(in, src, planes);
-    zolfuzz::scribble(in, src,
-                      2 * static_cast<std::size_t>(src.getPitch()) * static_cast<std::size_t>(src.getHeight()));
+    zolfuzz::scribble(in, src, bytesOf(src));
     std::vector<unsigned char> padding(
         static_cast<std::size_t>(src.getWidth()) * static_cast<std::size_t>(src.getHeight()) / 8 + 1,
         in.ConsumeIntegral<unsigned char>());
     CCs2dTrafo trafo = zolfuzz::trafo(in);
     trafo.setSizes(src, dst);
-    map.mapRaster(src, dst, zolfuzz::rect(in), in.ConsumeBool(), in.ConsumeBool() ? padding.data() : nullptr,
-                  in.ConsumeBool() ? &trafo : nullptr);
-    const std::unique_ptr<IMap> twin(map.clone());
+    const RECT whole = {0, 0, src.getWidth(), src.getHeight()};
+    owner->mapRaster(src, dst, large ? whole : zolfuzz::rect(in), in.ConsumeBool(),
+                     in.ConsumeBool() ? padding.data() : nullptr, in.ConsumeBool() ? &trafo : nullptr);
+    if (colour != nullptr) colour->mapRasterSeparate(src, dst);
+    burnIn(in, *owner, in.ConsumeBool() ? kind.burnt : kind.image);
+    const std::unique_ptr<IMap> twin(owner->clone());
     if (twin != nullptr) {
         twin->getLut();
         twin->setColorMapIndex(&colors);
