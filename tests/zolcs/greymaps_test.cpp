@@ -972,6 +972,54 @@ TEST_P(MapRaster, RefusesWithoutATable) {
     EXPECT_NE(pixelsOf(dst), before);
 }
 
+// A pool without chunks, as when the system has no memory left: logged each time, never reported, and nothing is
+// touched but the copy, which becomes zeroes.
+TEST_P(MapRaster, WithoutChunksNothingIsMappedAndCopiesAreZero) {
+    const zoltest::LogCapture log;
+    CCsRaster src = source(4, 4);
+    CCsRaster dst = display(4, 4);
+    const Pixels before = pixelsOf(dst);
+    Pixels copy(0x10001, 0x77777777U);
+    unsigned* out = copy.data();
+    {
+        const zoltest::ExhaustedChunks exhausted;
+        for (const bool whole : {false, true}) {
+            EXPECT_EQ(map().mapRaster(src, dst, everything, whole, nullptr, nullptr), 2);
+        }
+        EXPECT_EQ(pixelsOf(dst), before);
+        map().copyLut(&out);
+        EXPECT_TRUE(std::all_of(copy.begin(), copy.end() - 1, [](std::uint32_t p) { return p == 0; }));
+        EXPECT_EQ(copy.back(), 0x77777777U);
+        const std::unique_ptr<IMap> clone(map().clone());
+        ASSERT_NE(clone, nullptr) << "a clone starts without a chunk";
+        clone->setColorMapIndex(&palette_.map);
+        EXPECT_EQ(clone->getLut(), nullptr);
+    }
+    const std::pair<std::wstring, std::wstring> line(L"zolcs - E", L"Exception: Out of memory");
+    EXPECT_EQ(log.lines(), (std::vector<std::pair<std::wstring, std::wstring>>(4, line)));
+    EXPECT_TRUE(ReportCapture::take().empty());
+    EXPECT_EQ(map().mapRaster(src, dst, everything, true, nullptr, nullptr), 255);
+    map().copyLut(&out);
+    const Pixels table = lut();
+    EXPECT_TRUE(std::equal(copy.begin(), copy.begin() + 1024, table.begin()));
+    EXPECT_EQ(log.lines().size(), 4U);
+}
+
+// A table that is built needs no chunk.
+TEST_P(MapRaster, AMapThatHasItsChunkGoesOnWithoutThePool) {
+    const zoltest::LogCapture log;
+    CCsRaster src = source(4, 4);
+    CCsRaster dst = display(4, 4);
+    map().getLut();
+    const zoltest::ExhaustedChunks exhausted;
+    map().setWindow(100, 50);
+    EXPECT_EQ(map().mapRaster(src, dst, everything, true, nullptr, nullptr), 255);
+    expectLut([](int v) { return windowLevel(v, 100, 50); }, "rebuilt");
+    map().releaseLut();
+    EXPECT_EQ(map().getLut(), nullptr);
+    EXPECT_EQ(log.lines().size(), 1U);
+}
+
 TEST_P(MapRaster, RefusesImagesWithoutMemory) {
     CCsRaster src = source(4, 4);
     CCsRaster dst = display(4, 4);
