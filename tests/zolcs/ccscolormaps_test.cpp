@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <ostream>
 #include <vector>
 
 #include "support/map_support.h"
@@ -42,6 +43,8 @@ struct Kind {
     const wchar_t* sourceRefused;
     int line;
 };
+std::ostream& operator<<(std::ostream& out, const Kind& kind) { return out << kind.entries << " entries"; }
+
 constexpr Kind rgb12 = {MapFactory::Rgb12, 4096, CCS_RGB12, L"Source type must be CCS_RGB12, is", 731};
 constexpr Kind rgb8 = {MapFactory::Rgb8, 256, CCS_RGB8, L"Source type must be CCS_RGB8, is", 771};
 
