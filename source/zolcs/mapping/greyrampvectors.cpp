@@ -13,9 +13,9 @@
 HWY_BEFORE_NAMESPACE();
 namespace zolcs::mapping::HWY_NAMESPACE {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
 #if HWY_MAX_BYTES >= 32 && HWY_TARGET != HWY_SCALAR
+
+namespace hn = hwy::HWY_NAMESPACE;
 
 /// A cache line of values.
 constexpr std::size_t blockPixels = 32;
