@@ -6,11 +6,15 @@
 #include "support/resampler_members.h"
 #include "support/test_data.h"
 #include "support/variants.h"
+#include "zolcs/ccsbicubic.h"
+#include "zolcs/resample/bicubic.h"
+#include "zolcs/resample/resample.h"
 #include "zolcs/resample/spanoperations.h"
 #include "zolcs/resample/stopflag.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -95,5 +99,32 @@ struct RaisingTable {
         return sample + 1U;
     }
 };
+
+/// Fills a display by bicubic interpolation of a flat source, raising the flag early and late; `Filler` is made of a
+/// kernel, the conversion and the flag.
+template <typename Filler>
+void expectStopWithinABlock(const zolcs::DisplayToImage& matrix, const std::vector<int>& raiseAfter) {
+    const CCsBicubic buildsTheWeights;
+    constexpr int size = 100;
+    const std::vector<std::uint16_t> pixels(static_cast<std::size_t>(size) * size, 500);
+    const zolcs::Stepping stepping = zolcs::makeStepping(matrix, size, size, size, size);
+    for (const int values : raiseAfter) {
+        int left = values;
+        int written = 0;
+        std::int32_t flag = 0;
+        const RaisingTable convert{left, written, flag};
+        const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
+        Filler filler(kernel, convert, zolcs::StopFlag(flag));
+        std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
+        const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
+        EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
+        EXPECT_GE(written, values);
+        EXPECT_LE(written, values + zolcs::StopFlag::block - 1);
+        // What was written stays, and nothing else has been.
+        EXPECT_EQ(std::count(shown.begin(), shown.end(), 501U), written);
+        EXPECT_EQ(std::count(shown.begin(), shown.end(), 0U) + std::count(shown.begin(), shown.end(), 7U),
+                  size * size - written);
+    }
+}
 
 }  // namespace zoltest

@@ -116,29 +116,10 @@ TEST(ObliqueProperty, EveryEntryOfTheWeights) {
 }
 
 TEST(ObliqueProperty, StopsWithinSixteenPixels) {
-    const CCsBicubic buildsTheWeights;
-    constexpr int size = 100;
-    const std::vector<std::uint16_t> pixels(static_cast<std::size_t>(size) * size, 500);
-    const zolcs::Stepping stepping = zolcs::makeStepping({0.8, 0.6, -0.6, 0.8, 40, -30}, size, size, size, size);
-    zoltest::forEachVariant([&](const std::string& variant) {
+    zoltest::forEachVariant([](const std::string& variant) {
         if (variant == "plain" || BlockOperations::chosen() == nullptr) return;
-        for (const int raiseAfter : {1, 5, 16, 17, 99, 100, 101, 500, 3000}) {
-            int left = raiseAfter;
-            int written = 0;
-            std::int32_t flag = 0;
-            const zoltest::RaisingTable convert{left, written, flag};
-            const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
-            zolcs::ObliqueFiller<zolcs::CubicGrey, zoltest::RaisingTable> filler(kernel, convert, StopFlag(flag));
-            std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
-            const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
-            EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
-            EXPECT_GE(written, raiseAfter);
-            EXPECT_LE(written, raiseAfter + 15);
-            // What was written stays, and nothing else has been.
-            EXPECT_EQ(std::count(shown.begin(), shown.end(), 501U), written);
-            EXPECT_EQ(std::count(shown.begin(), shown.end(), 0U) + std::count(shown.begin(), shown.end(), 7U),
-                      size * size - written);
-        }
+        zoltest::expectStopWithinABlock<zolcs::ObliqueFiller<zolcs::CubicGrey, zoltest::RaisingTable>>(
+            {0.8, 0.6, -0.6, 0.8, 40, -30}, {1, 5, 16, 17, 99, 100, 101, 500, 3000});
     });
 }
 

@@ -66,30 +66,10 @@ TEST(SeparableProperty, NothingBesideThePixelsIsRead) {
 }
 
 TEST(SeparableProperty, StopsWithinSixteenPixels) {
-    const CCsBicubic buildsTheWeights;
     zoltest::forEachVariant([](const std::string& variant) {
         if (variant == "plain") return;
-        constexpr int size = 100;
-        const std::vector<std::uint16_t> pixels(static_cast<std::size_t>(size) * size, 500);
-        zolcs::Stepping stepping = zolcs::makeStepping({1, 0, 0, 1, 0, 0}, size, size, size, size);
-        for (const int raiseAfter : {1, 5, 16, 17, 99, 100, 101, 500, 5000}) {
-            int left = raiseAfter;
-            int written = 0;
-            std::int32_t flag = 0;
-            const zoltest::RaisingTable convert{left, written, flag};
-            const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
-            zolcs::SeparableFiller<zolcs::CubicGrey12Lines, zoltest::RaisingTable> filler(kernel, convert,
-                                                                                          StopFlag(flag));
-            std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
-            const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
-            EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
-            EXPECT_GE(written, raiseAfter);
-            EXPECT_LE(written, raiseAfter + 15);
-            // What was written stays, and nothing else has been.
-            EXPECT_EQ(std::count(shown.begin(), shown.end(), 501U), written);
-            EXPECT_EQ(std::count(shown.begin(), shown.end(), 0U) + std::count(shown.begin(), shown.end(), 7U),
-                      size * size - written);
-        }
+        zoltest::expectStopWithinABlock<zolcs::SeparableFiller<zolcs::CubicGrey12Lines, zoltest::RaisingTable>>(
+            {1, 0, 0, 1, 0, 0}, {1, 5, 16, 17, 99, 100, 101, 500, 5000});
     });
 }
 

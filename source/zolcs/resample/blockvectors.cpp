@@ -60,13 +60,33 @@ private:
 /// fetching is done by scalar loads, here and for the cubic kernels: on the processors at hand they beat gathering.
 constexpr int blockPixels = 64;
 
-/// Offsets of the next block's positions. Those beyond its end repeat the last one, so that all of them can be fetched.
-HWY_INLINE void storeOffsets(Positions positions, int count, std::uint32_t* offsets) {
+/// The 2 x 2 pixels at a block's positions: left and right in one word.
+template <typename Pixel, typename Pair>
+HWY_INLINE void fetchPairs(const Pixel* source, const SpanPositions& block, int count, Pair* tops, Pair* bottoms) {
+    static_assert(sizeof(Pair) == 2 * sizeof(Pixel));
+    HWY_ALIGN std::uint32_t offsets[blockPixels];
+    Positions positions(block);
     for (int i = 0; i < count; i += lanes32) {
         hn::Store(positions.offset(), U32(), offsets + i);
         positions.advance();
     }
-    for (int i = count; i % lanes32 != 0; ++i) offsets[i] = offsets[count - 1];
+    for (int i = 0; i < count; ++i) {
+        const Pixel* top = source + offsets[i];
+        std::memcpy(tops + i, top, sizeof tops[i]);
+        std::memcpy(bottoms + i, top + block.pitch, sizeof bottoms[i]);
+    }
+}
+
+/// Stores the first `count` lanes.
+template <typename D, typename Pixel>
+HWY_INLINE void storeFirst(hn::Vec<D> pixels, D d, int count, Pixel* out) {
+    if (count >= lanes32) {
+        hn::StoreU(pixels, d, out);
+        return;
+    }
+    HWY_ALIGN Pixel rest[lanes32];
+    hn::Store(pixels, d, rest);
+    std::copy_n(rest, count, out);
 }
 
 /// Calls block(positions, at, count) for blocks of pixels.
@@ -92,16 +112,10 @@ void bilinearGrey(const std::uint16_t* source, const SpanPositions& all, std::ui
     const auto fractionU = hn::Set(d, 0xFFFE);
     const auto fractionV = hn::Set(d, mask & 0xFFFF);
     visitBlocks<blockPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
-        HWY_ALIGN std::uint32_t offsets[blockPixels];
         HWY_ALIGN std::int32_t tops[blockPixels];  // left and right pixel in one word
         HWY_ALIGN std::int32_t bottoms[blockPixels];
         Positions positions(first);
-        storeOffsets(positions, pixels, offsets);
-        for (int i = 0; i < pixels; ++i) {
-            const std::uint16_t* top = source + offsets[i];
-            std::memcpy(tops + i, top, sizeof tops[i]);
-            std::memcpy(bottoms + i, top + all.pitch, sizeof bottoms[i]);
-        }
+        fetchPairs(source, first, pixels, tops, bottoms);
         for (int i = 0; i < pixels; i += lanes32) {
             const auto fu = hn::And(hn::BitCast(d, positions.u()), fractionU);
             const auto fv = hn::And(hn::BitCast(d, positions.v()), fractionV);
@@ -111,14 +125,7 @@ void bilinearGrey(const std::uint16_t* source, const SpanPositions& all, std::ui
                 return blend(hn::And(pair, bits), hn::And(right, bits), fu);
             };
             const auto value = hn::And(blend(across(tops), across(bottoms), fv), hn::Set(d, 0xFFFF));
-            const auto narrow = hn::DemoteTo(d16, value);
-            if (i + lanes32 <= pixels) {
-                hn::StoreU(narrow, d16, out + at + i);
-            } else {
-                HWY_ALIGN std::uint16_t rest[lanes32];
-                hn::Store(narrow, d16, rest);
-                std::copy_n(rest, pixels - i, out + at + i);
-            }
+            storeFirst(hn::DemoteTo(d16, value), d16, pixels - i, out + at + i);
             positions.advance();
         }
     });
@@ -137,16 +144,10 @@ void bilinearRgb(const std::uint32_t* source, const SpanPositions& all, int coun
     const auto lowest = hn::Set(d, 0x000000FF);
     const auto half = hn::Set(d, 0x7FFF);
     visitBlocks<blockPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
-        HWY_ALIGN std::uint32_t offsets[blockPixels];
         HWY_ALIGN std::uint64_t tops[blockPixels];  // left and right pixel in one word
         HWY_ALIGN std::uint64_t bottoms[blockPixels];
         Positions positions(first);
-        storeOffsets(positions, pixels, offsets);
-        for (int i = 0; i < pixels; ++i) {
-            const std::uint32_t* top = source + offsets[i];
-            std::memcpy(tops + i, top, sizeof tops[i]);
-            std::memcpy(bottoms + i, top + all.pitch, sizeof bottoms[i]);
-        }
+        fetchPairs(source, first, pixels, tops, bottoms);
         for (int i = 0; i < pixels; i += lanes32) {
             // Half the fraction in both halves of a pixel.
             const auto fraction = [&](hn::Vec<U32> coordinate) {
@@ -176,14 +177,7 @@ void bilinearRgb(const std::uint32_t* source, const SpanPositions& all, int coun
             const auto bottom = load(bottoms, across);
             const auto blueRed = hn::BitCast(d, blendBytes(top.blueRed, bottom.blueRed, fv));
             const auto green = hn::BitCast(d, blendBytes(top.green, bottom.green, fv));
-            const auto pixel = hn::Or(blueRed, hn::ShiftLeft<8>(green));
-            if (i + lanes32 <= pixels) {
-                hn::StoreU(pixel, d, out + at + i);
-            } else {
-                HWY_ALIGN std::uint32_t rest[lanes32];
-                hn::Store(pixel, d, rest);
-                std::copy_n(rest, pixels - i, out + at + i);
-            }
+            storeFirst(hn::Or(blueRed, hn::ShiftLeft<8>(green)), d, pixels - i, out + at + i);
             positions.advance();
         }
     });
@@ -342,14 +336,7 @@ HWY_INLINE void cubicGreyBlock(const std::uint16_t* source, const SpanPositions&
         values = hn::ShiftRight<16>(sumsOfBlocks(product(0), product(1), product(2), product(3)));
         values = hn::Min(hn::Max(values, hn::Zero(d)), hn::Set(d, 0x0FFF));
     }
-    const auto narrow = hn::DemoteTo(d16, values);
-    if (pixels == cubicPixels) {
-        hn::StoreU(narrow, d16, out);
-        return;
-    }
-    HWY_ALIGN std::uint16_t rest[lanes32];
-    hn::Store(narrow, d16, rest);
-    std::copy_n(rest, pixels, out);
+    storeFirst(hn::DemoteTo(d16, values), d16, pixels, out);
 }
 
 void cubicGrey(const std::uint16_t* source, const SpanPositions& all, const CubicWeights* weights, std::uint16_t mask,
@@ -412,14 +399,7 @@ void cubicRgb(const std::uint32_t* source, const SpanPositions& all, const Cubic
         };
         const auto two = [&](int k) { return hn::BitCast(U64(), hn::InterleaveLower(d, colour(k), colour(k + 1))); };
         const auto even = two(0);
-        const auto pixel = hn::BitCast(d, hn::InterleaveLower(U64(), even, two(2)));
-        if (pixels == cubicPixels) {
-            hn::StoreU(pixel, d, out + at);
-            return;
-        }
-        HWY_ALIGN std::uint32_t rest[lanes32];
-        hn::Store(pixel, d, rest);
-        std::copy_n(rest, pixels, out + at);
+        storeFirst(hn::BitCast(d, hn::InterleaveLower(U64(), even, two(2))), d, pixels, out + at);
     });
 }
 
