@@ -20,7 +20,6 @@
 namespace {
 
 using zoltest::Canvas;
-using zoltest::TestFont;
 
 constexpr int side = 100;
 constexpr std::uint32_t grey = 0x00404040;
@@ -31,6 +30,22 @@ CCs2dTrafo identity() {
     trafo.setSizes(side, side, side, side, 1.0, 1.0, 0, 0);
     return trafo;
 }
+
+/// A font whose letters have hard edges on every system.
+class HardFont {
+public:
+    HardFont()
+        : handle_(CreateFontW(-16, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                              CLIP_DEFAULT_PRECIS, NONANTIALIASED_QUALITY, DEFAULT_PITCH, L"DejaVu Sans")) {}
+    ~HardFont() { DeleteObject(handle_); }
+    HardFont(const HardFont&) = delete;
+    HardFont& operator=(const HardFont&) = delete;
+
+    [[nodiscard]] HFONT get() const { return handle_; }
+
+private:
+    HFONT handle_;
+};
 
 class OverlaysOnImages : public ::testing::Test {
 protected:
@@ -68,7 +83,7 @@ protected:
 };
 
 TEST_F(OverlaysOnImages, PaintedOverTheFrame) {
-    const TestFont font(-16);
+    const HardFont font;
     const Canvas canvas(side, side);
     const auto frame = greyFrame();
     // The first overlay is drawn only when it does not follow the image, the others always.
@@ -92,7 +107,7 @@ TEST_F(OverlaysOnImages, PaintedOverTheFrame) {
 }
 
 TEST_F(OverlaysOnImages, PaintedWhereTheyDoNotFollowTheImage) {
-    const TestFont font(-16);
+    const HardFont font;
     const Canvas canvas(side, side);
     const auto frame = greyFrame();
     group.setTransformable_(0);
@@ -102,7 +117,7 @@ TEST_F(OverlaysOnImages, PaintedWhereTheyDoNotFollowTheImage) {
 }
 
 TEST_F(OverlaysOnImages, Printed) {
-    const TestFont font(-16);
+    const HardFont font;
     for (const bool inColour : {false, true}) {
         for (const int mode : {1, 2, 3}) {
             const Canvas canvas(side, side);
@@ -130,7 +145,7 @@ TEST_F(OverlaysOnImages, PrintedTwiceAsLarge) {
 }
 
 TEST_F(OverlaysOnImages, TakenAlongIntoABitmap) {
-    const TestFont font(-16);
+    const HardFont font;
     const auto frame = greyFrame();
     BITMAPINFO* bitmap = nullptr;
     EXPECT_EQ(frame->MakeDIB(bitmap, &group, nullptr, &view, side, side, nullptr, font.get(), false, 0x00FF00, 0), 255);
@@ -144,7 +159,7 @@ TEST_F(OverlaysOnImages, TakenAlongIntoABitmap) {
 }
 
 TEST_F(OverlaysOnImages, BurntIntoGreyPixels) {
-    const TestFont font(-16);
+    const HardFont font;
     const std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Grey12));
     for (const bool forPrints : {false, true}) {
         CCsRaster raster(side, side, CCS_GREY12, 1.0, false, false);
@@ -173,7 +188,7 @@ TEST_F(OverlaysOnImages, BurntIntoGreyPixels) {
 }
 
 TEST_F(OverlaysOnImages, BurntIntoColourPixels) {
-    const TestFont font(-16);
+    const HardFont font;
     const std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Rgb8));
     CCsRaster raster(side, side, CCS_RGB8, 1.0, false, false);
     auto* const pixels = reinterpret_cast<std::uint32_t*>(raster.getOrigin());
