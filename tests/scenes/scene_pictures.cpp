@@ -16,8 +16,10 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     std::ofstream digests(folder / ".." / "digests.txt");
     for (const zolscenes::Scene& scene : zolscenes::allScenes()) {
-        const zolscenes::Picture picture = scene.draw();
-        digests << scene.name << ' ' << std::hex << zolscenes::digest(picture) << '\n';
+        const zolscenes::Picture picture = zolscenes::draw(scene, zolscenes::Arithmetic::Plain);
+        const zolscenes::Picture packed = zolscenes::draw(scene, zolscenes::Arithmetic::Packed);
+        digests << scene.name << ' ' << std::hex << zolscenes::digest(picture) << ' ' << zolscenes::digest(packed)
+                << '\n';
         if (!zoltest::writePng(folder / (scene.name + ".png"), picture.width, picture.height, picture.pixels)) {
             std::fprintf(stderr, "cannot write %s.png\n", scene.name.c_str());
             return 1;

@@ -5,8 +5,12 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/capability_guard.h"
 #include "zolcs/ccs2dtrafo.h"
+#include "zolcs/ccsbicubic.h"
+#include "zolcs/ccsbilinear.h"
 #include "zolcs/ccscolorman.h"
+#include "zolcs/ccsedgeenhancement.h"
 #include "zolcs/ccsframe.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsnearest.h"
@@ -209,6 +213,148 @@ std::vector<unsigned short> curve(bool falling) {
     return values;
 }
 
+/// The views in which interpolation is looked at: upright, turned a quarter, between, and smaller than the image.
+struct InterpolatedView {
+    const char* name;
+    double degrees;
+    bool mirrored;
+    double zoom;
+};
+
+constexpr InterpolatedView interpolatedViews[] = {
+    {"fit", 0.0, false, 1.0}, {"turned", 90.0, true, 1.3}, {"oblique", 33.0, false, 1.7}, {"shrunk", -80.0, true, 0.4}};
+
+void setView(CCs2dTrafo& trafo, const InterpolatedView& view) {
+    if (view.mirrored) trafo.mirror(CCS_HORIZONTAL);
+    trafo.rotate(view.degrees);
+    trafo.scale(view.zoom);
+    trafo.translate(0.03, -0.02);
+}
+
+/// The test picture in colour: each channel differs from the others everywhere.
+void fillColour(CCsRaster& raster) {
+    auto* line = reinterpret_cast<std::uint32_t*>(raster.getOrigin());
+    for (int y = 0; y < raster.getHeight(); ++y, line += raster.getPitch()) {
+        for (int x = 0; x < raster.getWidth(); ++x) {
+            const auto value = static_cast<std::uint32_t>(storedValue(x, y));
+            line[x] =
+                value >> 4 | (value * 3 >> 4 & 0xFF) << 8 | (static_cast<std::uint32_t>(x * 5 + y * 3) & 0xFF) << 16;
+        }
+    }
+    raster.unlock();
+}
+
+/// The stored values themselves as pixels.
+Picture valuesOf(CCsImage& image) {
+    const int width = image.getWidth();
+    const int height = image.getHeight();
+    Picture picture{width, height, {}};
+    const auto* line = reinterpret_cast<const std::uint16_t*>(image.getOrigin());
+    for (int y = 0; y < height; ++y, line += image.getPitch())
+        picture.pixels.insert(picture.pixels.end(), line, line + width);
+    image.unlock();
+    return picture;
+}
+
+enum class Kind { Nearest, Bilinear, Bicubic };
+
+Picture greyThroughMap(Kind kind, const InterpolatedView& view, bool withEverything) {
+    Stage stage;
+    if (withEverything) everything(stage);
+    setView(stage.trafo, view);
+    CCsFrame frame(143, 117);
+    if (frame.init() != 255) throw std::runtime_error("no frame");
+    frame.clear();
+    const int result = kind == Kind::Bilinear
+                           ? CCsBilinear().bilinearGrey12IndexMap(stage.raster, frame, stage.trafo, stage.map.get(),
+                                                                  false, stage.paddingBits(), 40)
+                           : CCsBicubic().bicubicGrey12IndexMap(stage.raster, frame, stage.trafo, stage.map.get(),
+                                                                stage.paddingBits(), 40);
+    if (result != 255) throw std::runtime_error("resampling refused");
+    return Stage::take(frame, 143, 117);
+}
+
+Picture greyValues(Kind kind, const InterpolatedView& view) {
+    Stage stage;
+    setView(stage.trafo, view);
+    CCsRaster values(131, 119, CCS_GREY12, 1.0, false, false);
+    values.clear();
+    const int result =
+        kind == Kind::Nearest    ? CCsNearest().nearestGrey12Grey12(stage.raster, values, stage.trafo, 77, false)
+        : kind == Kind::Bilinear ? CCsBilinear().bilinearGrey12Grey12(stage.raster, values, stage.trafo, 77, false)
+                                 : CCsBicubic().bicubicGrey12Grey12(stage.raster, values, stage.trafo, 77, true, false);
+    if (result != 255) throw std::runtime_error("resampling refused");
+    return valuesOf(values);
+}
+
+Picture colour(Kind kind, const InterpolatedView& view) {
+    CCsRaster raster(sourceWidth, sourceHeight, CCS_RGB8, 1.0, false, false);
+    fillColour(raster);
+    CCs2dTrafo trafo;
+    setView(trafo, view);
+    CCsFrame frame(139, 101);
+    if (frame.init() != 255) throw std::runtime_error("no frame");
+    frame.clear();
+    const int result = kind == Kind::Nearest    ? CCsNearest().nearestRgb8Rgb8(raster, frame, trafo, 0x102030)
+                       : kind == Kind::Bilinear ? CCsBilinear().bilinearRgb8Rgb8(raster, frame, trafo, 0x102030, false)
+                                                : CCsBicubic().bicubicRgb8Rgb8(raster, frame, trafo, 0x102030);
+    if (result != 255) throw std::runtime_error("resampling refused");
+    return Stage::take(frame, 139, 101);
+}
+
+Picture sharpenedGrey(long box, long strength) {
+    Stage stage;
+    CCsRaster sharp(sourceWidth, sourceHeight, CCS_GREY12, 1.0, false, false);
+    sharp.clear();
+    if (CCsEdgeEnhancement().edgeEnhancementGrey12(stage.raster, sharp, box, strength, 11) != 255) {
+        throw std::runtime_error("sharpening refused");
+    }
+    return valuesOf(sharp);
+}
+
+Picture sharpenedColour(long box, long strength) {
+    CCsRaster raster(sourceWidth, sourceHeight, CCS_RGB8, 1.0, false, false);
+    fillColour(raster);
+    CCsRaster sharp(sourceWidth, sourceHeight, CCS_RGB8, 1.0, false, false);
+    sharp.clear();
+    if (CCsEdgeEnhancement().edgeEnhancementRGB8(raster, sharp, box, strength) != 255) {
+        throw std::runtime_error("sharpening refused");
+    }
+    Picture picture{sourceWidth, sourceHeight, {}};
+    const auto* line = reinterpret_cast<const std::uint32_t*>(sharp.getOrigin());
+    for (int y = 0; y < sourceHeight; ++y, line += sharp.getPitch()) {
+        picture.pixels.insert(picture.pixels.end(), line, line + sourceWidth);
+    }
+    sharp.unlock();
+    return picture;
+}
+
+/// A bitmap with letters of ink, half ink and blank, burnt into the stored values.
+Picture burntIn(unsigned int depth, int bits, bool blankToMax) {
+    Stage stage;
+    std::vector<std::uint32_t> dib(sizeof(BITMAPINFOHEADER) / 4 + static_cast<std::size_t>(sourceWidth * sourceHeight));
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = sourceWidth;
+    header.biHeight = sourceHeight;
+    header.biPlanes = 1;
+    header.biBitCount = 32;
+    std::memcpy(dib.data(), &header, sizeof header);
+    std::uint32_t* pixel = dib.data() + sizeof header / 4;
+    for (int y = 0; y < sourceHeight; ++y) {
+        for (int x = 0; x < sourceWidth; ++x, ++pixel) {
+            if (insideLetter(x - 10, y - 10, 4)) *pixel = 0x00FFFF00;
+            if (insideLetter(x - 40, y - 20, 5)) *pixel = 0x00010101;
+            if (insideLetter(x - 66, y - 30, 5)) *pixel = 0x00123456;
+        }
+    }
+    if (stage.map->mergeDIBtoData(stage.raster, reinterpret_cast<BITMAPINFO*>(dib.data()), depth, bits, blankToMax) !=
+        255) {
+        throw std::runtime_error("burning in refused");
+    }
+    return valuesOf(stage.raster);
+}
+
 std::vector<Scene> makeScenes() {
     std::vector<Scene> scenes;
     const auto add = [&scenes](const std::string& name, std::function<Picture()> draw) {
@@ -327,6 +473,25 @@ std::vector<Scene> makeScenes() {
         everything(stage);
         return stage.mapWhole(true);
     });
+
+    for (const InterpolatedView& view : interpolatedViews) {
+        const std::string suffix = std::string("_") + view.name;
+        add("nearest_values" + suffix, [=] { return greyValues(Kind::Nearest, view); });
+        add("nearest_colour" + suffix, [=] { return colour(Kind::Nearest, view); });
+        add("bilinear_mapped" + suffix, [=] { return greyThroughMap(Kind::Bilinear, view, false); });
+        add("bilinear_precedence" + suffix, [=] { return greyThroughMap(Kind::Bilinear, view, true); });
+        add("bilinear_values" + suffix, [=] { return greyValues(Kind::Bilinear, view); });
+        add("bilinear_colour" + suffix, [=] { return colour(Kind::Bilinear, view); });
+        add("bicubic_mapped" + suffix, [=] { return greyThroughMap(Kind::Bicubic, view, false); });
+        add("bicubic_precedence" + suffix, [=] { return greyThroughMap(Kind::Bicubic, view, true); });
+        add("bicubic_values" + suffix, [=] { return greyValues(Kind::Bicubic, view); });
+        add("bicubic_colour" + suffix, [=] { return colour(Kind::Bicubic, view); });
+    }
+    add("sharpened_grey_3", [] { return sharpenedGrey(3, 2); });
+    add("sharpened_grey_16", [] { return sharpenedGrey(16, 7); });
+    add("sharpened_colour_5", [] { return sharpenedColour(5, 3); });
+    add("burnt_in_black", [] { return burntIn(12, 11, false); });
+    add("burnt_in_white", [] { return burntIn(8, 7, true); });
     return scenes;
 }
 
@@ -335,6 +500,11 @@ std::vector<Scene> makeScenes() {
 const std::vector<Scene>& allScenes() {
     static const std::vector<Scene> scenes = makeScenes();
     return scenes;
+}
+
+Picture draw(const Scene& scene, Arithmetic arithmetic) {
+    const zoltest::CapabilityGuard guard(arithmetic == Arithmetic::Packed ? 1 : 0);
+    return scene.draw();
 }
 
 std::uint64_t digest(const Picture& picture) {

@@ -20,6 +20,11 @@ struct Scene {
     std::function<Picture()> draw;
 };
 
+/// The two ways of computing between which the processor's capability decides. Most pictures are the same in both.
+enum class Arithmetic { Plain, Packed };
+
+Picture draw(const Scene& scene, Arithmetic arithmetic);
+
 /// All scenes, in a fixed order.
 const std::vector<Scene>& allScenes();
 

@@ -1,4 +1,5 @@
-// Every scene must give the digest that stands in digests.txt; the pictures to look at are in pictures/.
+// Every scene must give the digests that stand in digests.txt, of its plain and of its packed arithmetic; the pictures
+// to look at are in pictures/.
 #include "scenes/scenes.h"
 
 #include <gtest/gtest.h>
@@ -15,10 +16,16 @@ namespace {
 
 using zolscenes::Scene;
 
-std::map<std::string, std::string> storedDigests() {
-    std::map<std::string, std::string> digests;
+struct Digests {
+    std::string plain;
+    std::string packed;
+};
+
+std::map<std::string, Digests> storedDigests() {
+    std::map<std::string, Digests> digests;
     std::ifstream file(zoltest::sourceFolder() / "tests/scenes/digests.txt");
-    for (std::string name, value; file >> name >> value;) digests[name] = value;
+    std::string name;
+    for (Digests values; file >> name >> values.plain >> values.packed;) digests[name] = values;
     return digests;
 }
 
@@ -32,13 +39,19 @@ class SceneTest : public ::testing::TestWithParam<Scene> {};
 
 TEST_P(SceneTest, GivesTheStoredDigest) {
     const Scene& scene = GetParam();
-    const zolscenes::Picture picture = scene.draw();
-    const std::string actual = hex(zolscenes::digest(picture));
-    const std::string expected = storedDigests()[scene.name];
-    if (actual != expected) {
-        const std::string left = zoltest::leavePictures(scene.name, picture.width, picture.height, picture.pixels);
-        FAIL() << "digest " << actual << ", stored " << (expected.empty() ? "none" : expected) << "\n" << left;
-    }
+    const Digests stored = storedDigests()[scene.name];
+    const auto expectDigest = [&scene](zolscenes::Arithmetic arithmetic, const std::string& expected) {
+        const zolscenes::Picture picture = zolscenes::draw(scene, arithmetic);
+        const std::string actual = hex(zolscenes::digest(picture));
+        if (actual != expected) {
+            const std::string left = zoltest::leavePictures(scene.name, picture.width, picture.height, picture.pixels);
+            ADD_FAILURE() << (arithmetic == zolscenes::Arithmetic::Packed ? "packed" : "plain") << " digest " << actual
+                          << ", stored " << (expected.empty() ? "none" : expected) << "\n"
+                          << left;
+        }
+    };
+    expectDigest(zolscenes::Arithmetic::Plain, stored.plain);
+    expectDigest(zolscenes::Arithmetic::Packed, stored.packed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, SceneTest, ::testing::ValuesIn(zolscenes::allScenes()),
@@ -48,7 +61,7 @@ TEST(SceneList, HasADigestForEachSceneAndNoOther) {
     std::set<std::string> names;
     for (const Scene& scene : zolscenes::allScenes()) names.insert(scene.name);
     std::set<std::string> stored;
-    for (const auto& [name, value] : storedDigests()) stored.insert(name);
+    for (const auto& [name, values] : storedDigests()) stored.insert(name);
     EXPECT_EQ(names, stored);
 }
 
