@@ -14,7 +14,7 @@ die() {
 build_packages=(g++ cmake ninja-build ccache pkg-config libcairo2-dev libpango1.0-dev libfontconfig-dev libboost-dev
     libhwy-dev libdcmtk-dev libcli11-dev libpng-dev nlohmann-json3-dev libopenjp2-7-dev libgtest-dev libgmock-dev
     fonts-dejavu-core fonts-noto-core fonts-noto-cjk)
-test_packages=(poppler-utils)
+test_packages=(poppler-utils dpkg-dev file)
 cross_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest)
 wine_packages=(wine wine64 xvfb)
 tree_packages=(debootstrap debian-archive-keyring util-linux)
