@@ -245,7 +245,9 @@ public:
 
     void prepare(const Stepping& stepping) {
         columns_.tabulate(kernel_, stepping);
-        for (FilteredRow& row : rows_) row.samples.resize(columns_.size() * Lines::samplesPerPixel);
+        // Weighing down takes whole blocks, too, but from the first column on that is asked for.
+        const std::size_t filteredColumns = columns_.size() + StopFlag::block;
+        for (FilteredRow& row : rows_) row.samples.resize(filteredColumns * Lines::samplesPerPixel);
         values_.resize(columns_.size());
         const auto rowsForward = static_cast<std::int64_t>(std::clamp<Fixed16>(pixelOf(stepping.stepYv), -1000, 1000));
         nextRow_ =
