@@ -6,6 +6,7 @@
 #include "zolcs/resample/bilinear.h"
 #include "zolcs/resample/blockoperations.h"
 #include "zolcs/resample/kernels.h"
+#include "zolcs/resample/lineoperations.h"
 #include "zolcs/resample/nearestfiller.h"
 #include "zolcs/resample/resample.h"
 #include "zolcs/resample/stopflag.h"
@@ -148,7 +149,11 @@ private:
         } else {
             std::array<Value, mostAtOnce> values;
             computeValues(positions, count, values.data());
-            for (int i = 0; i < count; ++i) out[i] = convert_(values[static_cast<std::size_t>(i)]);
+            if constexpr (std::is_same_v<Convert, GreyTable>) {
+                lookUpLine(values.data(), count, convert_.entries, out, StopFlag());
+            } else {
+                for (int i = 0; i < count; ++i) out[i] = convert_(values[static_cast<std::size_t>(i)]);
+            }
         }
     }
 
