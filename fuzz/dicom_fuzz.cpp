@@ -42,6 +42,16 @@ zolview::RenderOptions viewOptions(zolfuzz::Bytes& in) {
     return options;
 }
 
+/// Refusals are as good as pictures.
+template <typename Action>
+void attempt(Action action) {
+    try {
+        action();
+    } catch (const zolview::Refusal&) {
+        return;
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -53,23 +63,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (in.ConsumeBool()) load.voi = in.ConsumeIntegralInRange(0, 4);
     const bool lends = in.ConsumeBool();
     const MemoryFile file(in.ConsumeRemainingBytes<std::uint8_t>());
-    try {
-        static_cast<void>(zolview::describeInput(file.path()));
+    const auto show = [](const zolview::StoredImage& image, const zolview::RenderOptions& wanted) {
         std::vector<std::string> notes;
-        static_cast<void>(zolview::render(zolview::loadInput(file.path(), load), options, notes));
-    } catch (const zolview::Refusal&) {
-        // Whether or not it is an image, its tables and its palette may serve another one.
-    }
+        static_cast<void>(zolview::render(image, wanted, notes));
+    };
+    attempt([&] { static_cast<void>(zolview::describeInput(file.path())); });
+    attempt([&] { show(zolview::loadInput(file.path(), load), options); });
+    // Whether or not it is an image, its tables and its palette may serve another one.
     if (!lends) return 0;
-    try {
-        load = {1, {}, file.path(), file.path(), file.path()};
-        std::vector<std::string> notes;
-        const zolview::StoredImage phantom = zolview::loadInput("phantom", load);
-        zolview::RenderOptions borrowed;
-        borrowed.palette = zolview::loadPalette(file.path());
-        static_cast<void>(zolview::render(phantom, borrowed, notes));
-    } catch (const zolview::Refusal&) {
-        return 0;
-    }
+    attempt([&] { show(zolview::loadInput("phantom", {1, {}, file.path(), "", ""}), options); });
+    attempt([&] { show(zolview::loadInput("phantom", {1, load.voi, "", file.path(), ""}), options); });
+    attempt([&] { show(zolview::loadInput("phantom", {1, {}, "", "", file.path()}), options); });
+    attempt([&] {
+        zolview::RenderOptions coloured = options;
+        coloured.palette = zolview::loadPalette(file.path());
+        show(zolview::loadInput("phantom", {}), coloured);
+    });
     return 0;
 }
