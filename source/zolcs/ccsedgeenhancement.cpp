@@ -16,6 +16,7 @@ namespace {
 
 using zolcs::ImageView;
 using zolcs::ReportSite;
+using zolcs::Rgb24;
 using zolcs::UnsharpSettings;
 using zolcs::UnsharpWorkspace;
 
@@ -94,26 +95,62 @@ struct GreyPlane {
     void put(std::int64_t y, const std::uint16_t* samples) const { std::copy_n(samples, width, destination.line(y)); }
 };
 
-/// One channel of a colour image: a byte of each pixel.
+/// One channel of a three-byte source.
+struct Rgb24Channel {
+    ImageView<const Rgb24> image;
+    int byte;
+
+    void read(std::int64_t y, int width, std::uint16_t* samples) const {
+        const Rgb24* const pixels = image.line(y);
+        for (int x = 0; x < width; ++x) samples[x] = pixels[x].bytes[byte];
+    }
+};
+
+/// One channel of a four-byte image; whole pixels are faster than every fourth byte.
+template <typename Pixel>
+struct Rgb8Channel {
+    ImageView<Pixel> image;
+    int byte;
+
+    void read(std::int64_t y, int width, std::uint16_t* samples) const {
+        const Pixel* const pixels = image.line(y);
+        const auto shift = static_cast<unsigned>(8 * byte);
+        for (int x = 0; x < width; ++x) samples[x] = static_cast<std::uint16_t>((pixels[x] >> shift) & 0xFFU);
+    }
+    /// Leaves the other three bytes of a pixel.
+    void write(std::int64_t y, int width, const std::uint16_t* samples) const {
+        Pixel* const pixels = image.line(y);
+        const auto shift = static_cast<unsigned>(8 * byte);
+        const std::uint32_t others = ~(0xFFU << shift);
+        for (int x = 0; x < width; ++x) pixels[x] = (pixels[x] & others) | std::uint32_t{samples[x]} << shift;
+    }
+};
+
+template <typename Source>
 struct ChannelPlane {
     int width;
     int height;
-    const unsigned char* source;
-    std::ptrdiff_t sourceStep;
-    std::ptrdiff_t sourcePitch;
-    unsigned char* destination;
-    std::ptrdiff_t destinationPitch;
+    Source source;
+    Rgb8Channel<std::uint32_t> destination;
 
     [[nodiscard]] const std::uint16_t* line(std::int64_t y, std::uint16_t* room) const {
-        const unsigned char* byte = source + static_cast<std::ptrdiff_t>(y) * sourcePitch;
-        for (int x = 0; x < width; ++x, byte += sourceStep) room[x] = *byte;
+        source.read(y, width, room);
         return room;
     }
-    void put(std::int64_t y, const std::uint16_t* samples) const {
-        unsigned char* byte = destination + static_cast<std::ptrdiff_t>(y) * destinationPitch;
-        for (int x = 0; x < width; ++x, byte += 4) *byte = static_cast<unsigned char>(samples[x]);
-    }
+    void put(std::int64_t y, const std::uint16_t* samples) const { destination.write(y, width, samples); }
 };
+
+/// Channel by channel; `sourceOf(channel)` reads the channel that goes into the destination's byte of that number.
+template <typename SourceOf>
+void sharpenChannels(const CCsRaster& dst, unsigned char* to, const UnsharpSettings& settings,
+                     const UnsharpWorkspace& space, const SourceOf& sourceOf) {
+    for (int channel = 0; channel < 3; ++channel) {
+        const auto source = sourceOf(channel);
+        const ChannelPlane<decltype(sourceOf(channel))> plane{
+            dst.getWidth(), dst.getHeight(), source, {{to, dst.getPitch()}, channel}};
+        zolcs::sharpenPlane(plane, settings, space);
+    }
+}
 
 }  // namespace
 
@@ -142,13 +179,15 @@ int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long
     if (!mayBegin(colourSites, fits, src, dst, size)) return refused;
     const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
                                    std::numeric_limits<std::uint16_t>::max()};
-    const std::ptrdiff_t step = threeBytes ? 3 : 4;
     return runFilter(colourSites, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
-        for (int channel = 0; channel < 3; ++channel) {
-            const int target = threeBytes ? 2 - channel : channel;
-            zolcs::sharpenPlane(ChannelPlane{src.getWidth(), src.getHeight(), from + channel, step,
-                                             step * src.getPitch(), to + target, std::ptrdiff_t{4} * dst.getPitch()},
-                                settings, space);
+        if (threeBytes) {
+            const ImageView<const Rgb24> image(from, src.getPitch());
+            sharpenChannels(dst, to, settings, space, [&](int channel) { return Rgb24Channel{image, 2 - channel}; });
+        } else {
+            const ImageView<const std::uint32_t> image(from, src.getPitch());
+            sharpenChannels(dst, to, settings, space, [&](int channel) {
+                return Rgb8Channel<const std::uint32_t>{image, channel};
+            });
         }
     });
 }
