@@ -8,8 +8,8 @@
 #include "zollog/zollog.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 namespace {
@@ -65,8 +65,8 @@ bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster&
 
 /// Allocates, locks and filters; `filter(source, destination, workspace)` gets the first pixels.
 template <typename Filter>
-int runFilter(const MemberSites& sites, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
-    const UnsharpWorkspace workspace(src.getWidth());
+int runFilter(const MemberSites& sites, int planes, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
+    const UnsharpWorkspace workspace(src.getWidth(), planes);
     if (!workspace.isAllocated()) return zolcs::fail(sites.memory, 0, refused);
     try {
         const zolcs::ImagePairLock lock(src, dst);
@@ -140,16 +140,15 @@ struct ChannelPlane {
     void put(std::int64_t y, const std::uint16_t* samples) const { destination.write(y, width, samples); }
 };
 
-/// Channel by channel; `sourceOf(channel)` reads the channel that goes into the destination's byte of that number.
+/// All three channels; `sourceOf(channel)` reads the channel that goes into the destination's byte of that number.
 template <typename SourceOf>
 void sharpenChannels(const CCsRaster& dst, unsigned char* to, const UnsharpSettings& settings,
                      const UnsharpWorkspace& space, const SourceOf& sourceOf) {
-    for (int channel = 0; channel < 3; ++channel) {
-        const auto source = sourceOf(channel);
-        const ChannelPlane<decltype(sourceOf(channel))> plane{
-            dst.getWidth(), dst.getHeight(), source, {{to, dst.getPitch()}, channel}};
-        zolcs::sharpenPlane(plane, settings, space);
-    }
+    const auto planeOf = [&](int channel) {
+        return ChannelPlane<decltype(sourceOf(channel))>{
+            dst.getWidth(), dst.getHeight(), sourceOf(channel), {{to, dst.getPitch()}, channel}};
+    };
+    zolcs::sharpenPlanes(std::array{planeOf(0), planeOf(1), planeOf(2)}, settings, space);
 }
 
 }  // namespace
@@ -167,10 +166,11 @@ int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, lo
         static_cast<std::int32_t>((std::uint32_t{2} << static_cast<unsigned>(std::min(bits, mostBits))) - 1);
     const UnsharpSettings settings{fitted(size), fitted(strength), src.getType() == CCS_GREY12 ? 10 : 6, mask,
                                    std::numeric_limits<std::uint32_t>::max()};
-    return runFilter(greySites, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
-        zolcs::sharpenPlane(GreyPlane{src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}},
-                            settings, space);
-    });
+    return runFilter(
+        greySites, 1, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
+            const GreyPlane plane{src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}};
+            zolcs::sharpenPlanes(std::array{plane}, settings, space);
+        });
 }
 
 int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long size, long strength) {
@@ -179,15 +179,18 @@ int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long
     if (!mayBegin(colourSites, fits, src, dst, size)) return refused;
     const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
                                    std::numeric_limits<std::uint16_t>::max()};
-    return runFilter(colourSites, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
-        if (threeBytes) {
-            const ImageView<const Rgb24> image(from, src.getPitch());
-            sharpenChannels(dst, to, settings, space, [&](int channel) { return Rgb24Channel{image, 2 - channel}; });
-        } else {
-            const ImageView<const std::uint32_t> image(from, src.getPitch());
-            sharpenChannels(dst, to, settings, space, [&](int channel) {
-                return Rgb8Channel<const std::uint32_t>{image, channel};
-            });
-        }
-    });
+    return runFilter(colourSites, 3, src, dst,
+                     [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
+                         if (threeBytes) {
+                             const ImageView<const Rgb24> image(from, src.getPitch());
+                             sharpenChannels(dst, to, settings, space, [&](int channel) {
+                                 return Rgb24Channel{image, 2 - channel};
+                             });
+                         } else {
+                             const ImageView<const std::uint32_t> image(from, src.getPitch());
+                             sharpenChannels(dst, to, settings, space, [&](int channel) {
+                                 return Rgb8Channel<const std::uint32_t>{image, channel};
+                             });
+                         }
+                     });
 }
