@@ -101,7 +101,8 @@ void BitSummary::spread(std::int64_t reachU, std::int64_t reachV) {
     const auto inSteps = [](std::int64_t reach, const auto& spreadBy) {
         const std::int64_t wanted = 2 * reach + 1;
         for (std::int64_t wide = 1; wide < wanted;) {
-            const std::int64_t step = std::min(wide, wanted - wide);
+            constexpr std::int64_t longest = 32;  // less than a word
+            const std::int64_t step = std::min({wide, wanted - wide, longest});
             spreadBy(step);
             wide += step;
         }
