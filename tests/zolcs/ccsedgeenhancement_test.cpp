@@ -345,9 +345,6 @@ TEST_F(CCsEdgeEnhancementTest, NegativeStrengthsRoundAsStated) {
     setGrey(src, 0, 0, 1);
     ASSERT_EQ(enhancement_.edgeEnhancementGrey12(src, dst, 3, -1, 11), 255);
     EXPECT_EQ(grey(dst, 1, 1), 1U);  // (-1024 / 9) >> 10 is -1
-    zoltest::Random random(46);
-    GuardedRaster wide(64, 64, CCS_GREY12, 64, 1);
-    GuardedRaster result(64, 64, CCS_GREY12, 64, 1);
     for (const int type : {CCS_GREY12, CCS_GREY16}) {
         GuardedRaster sparse(33, 32, type, 33, 1);
         GuardedRaster out(33, 32, type, 33, 1);
