@@ -64,7 +64,7 @@ in_wine_tree() {
         tree=$1 project=$2
         shift 2
         mount -t proc proc "$tree/proc" && mount --bind "$project" "$tree$project" &&
-            exec chroot "$tree" env -C "$project" HOME=/root "$@"' sh "$wine_tree" "$project" "$@"
+            exec chroot "$tree" env -C "$project" HOME=/srv "$@"' sh "$wine_tree" "$project" "$@"
 }
 
 # with_wine i686|x86_64 COMMAND...: runs a command in whose environment `wine` runs programs of that width.
@@ -72,7 +72,7 @@ with_wine() {
     local width=$1
     shift
     if [ "$width" = i686 ]; then
-        in_wine_tree env WINEPREFIX=/root/wine WINEARCH=win32 "$@"
+        in_wine_tree env WINEPREFIX=/srv/wine WINEARCH=win32 "$@"
     else
         WINEPREFIX=$wine_cache/wine64 WINEARCH=win64 "$@"
     fi
