@@ -1068,14 +1068,16 @@ TEST_P(MapRaster, TwoThreadsThroughOneMap) {
     for (int t = 0; t < 2; ++t) EXPECT_EQ(pixelsOf(mapped[t]), pixelsOf(expected[t])) << t;
 }
 
-// A table that is built may be read by as many threads as like.
+// A table that is built may be read by as many threads as like. (An image serves one thread at a time.)
 TEST_P(MapRaster, TwoThreadsResampleThroughOneMap) {
-    CCsRaster src = source(200, 150);
-    scribble(src, 512, 0, 4095);
-    src.setPresentationShutterValue(0x2000);
-    src.setCircShutter({10, 10, 140, 140});
+    CCsRaster sources[2] = {source(200, 150), source(200, 150)};
+    for (CCsRaster& src : sources) {
+        scribble(src, 512, 0, 4095);
+        src.setPresentationShutterValue(0x2000);
+        src.setCircShutter({10, 10, 140, 140});
+    }
     map().getLut();
-    const auto draw = [&](CCsRaster& frame, double angle) {
+    const auto draw = [&](CCsRaster& src, CCsRaster& frame, double angle) {
         CCs2dTrafo trafo;
         trafo.rotate(angle);
         CCsNearest().nearestGrey12IndexMap(src, frame, trafo, map_.get(), nullptr, 7);
@@ -1083,11 +1085,11 @@ TEST_P(MapRaster, TwoThreadsResampleThroughOneMap) {
     constexpr double angles[2] = {0.0, 30.0};
     CCsRaster expected[2] = {display(300, 200), display(300, 200)};
     CCsRaster drawn[2] = {display(300, 200), display(300, 200)};
-    for (int t = 0; t < 2; ++t) draw(expected[t], angles[t]);
+    for (int t = 0; t < 2; ++t) draw(sources[t], expected[t], angles[t]);
     std::thread threads[2];
     for (int t = 0; t < 2; ++t) {
         threads[t] = std::thread([&, t] {
-            for (int n = 0; n < 5; ++n) draw(drawn[t], angles[t]);
+            for (int n = 0; n < 5; ++n) draw(sources[t], drawn[t], angles[t]);
         });
     }
     for (std::thread& thread : threads) thread.join();
