@@ -85,7 +85,9 @@ public:
     // The same through the host's image primitives: the part of the image that the rectangular, circular and polygonal
     // shutters' boxes have in common, without any other rule. Views within a degree of a quarter turn, mirrored or not,
     // are transposed, mirrored and resized (and not turned by the rest of a degree); others are warped. The pictures
-    // are those of the plain members but for the interpolation's last digits. Everything else becomes background.
+    // lie where the plain members' do, but come of another cubic kernel (parameter -1/2), which differs most along
+    // edges; of a 12-bit source they are limited to 4095, and bits above the 12th count as part of the value.
+    // Everything else becomes background.
     //
     // 255 when the view was drawn. Otherwise 0: unreported, the destination untouched, for a raster with embedded
     // overlay bits; reported, the destination untouched, for wrong types and when the shutters have nothing in common

@@ -13,7 +13,7 @@ class CCsRaster;
 ///
 /// Refused with a report (module "source\zolcs\ccsedgeenhancement") and the result 0, the destination untouched: types
 /// that a member does not take (number: the type), rasters of different size (0), a box edge below 1 (the edge), and
-/// exhausted memory (0), which is also that of a raster without pixels. Otherwise the result is 255.
+/// exhausted memory (0), which is also that of a raster without pixel memory. Otherwise the result is 255.
 ///
 /// An exception while filtering is logged ("zolcs - E", "Exception: unknown") and deliberately gives 255 as well; the
 /// destination may then be partly filtered. Both rasters are unlocked on every path. Source and destination must be

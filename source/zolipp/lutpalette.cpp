@@ -69,7 +69,9 @@ struct BypassingStores {
         if (block % (pageBytes / (4 * blockPixels)) == 0) touch(destination);
     }
     static void touch(const std::byte* position) {
-        _mm_prefetch(reinterpret_cast<const char*>(position + prefetchBytes), _MM_HINT_NTA);
+        // As a number: the address may lie beyond the image.
+        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(position) + prefetchBytes),
+                     _MM_HINT_NTA);
     }
 };
 

@@ -195,11 +195,12 @@ TEST_F(CCsBilinearTest, OverlayBitsAreKeptWhereTheRasterHasThem) {
 TEST_F(CCsBilinearTest, SixteenBitProductsWrap) {
     GuardedRaster src(2, 2, CCS_GREY16, 2, 1.0);
     GuardedImage dst(2, 2, CCS_GREY16, 2, 1.0);
-    setGrey(src, {0, 0xFFFF, 0, 0xFFFF});
-    CCs2dTrafo trafo = shifted(src, dst, -0.25, 0);
+    setGrey(src, {0, 0xFFFF, 0, 0});
+    CCs2dTrafo trafo = shifted(src, dst, -0.25, -0.5);
     ASSERT_EQ(bilinear_.bilinearGrey12Grey12(src, dst, trafo, 7, false), 255);
-    // 0xFFFF * 0xC000 is 0xBFFF4000, negative in 32 bits: shifted and cut to 16 bits it is 0xBFFF again.
-    EXPECT_EQ(grey(dst, 1, 0), 0xBFFFU);
+    // 0xFFFF * 0xC000 is 0xBFFF4000, in 32 bits negative: the upper row gives -16385 there, and half way down to 0 lies
+    // -8193. Without the wrap it would be 0x5FFF.
+    EXPECT_EQ(grey(dst, 1, 1), 0xDFFFU);
 }
 
 TEST_F(CCsBilinearTest, TheFourthByteOfAColourIsZero) {

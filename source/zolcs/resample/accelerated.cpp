@@ -151,6 +151,7 @@ IppiRect turned(const IppiRect& region, const IppiSize& source, Turn turn) {
 template <typename Sample>
 IppStatus resizeTurned(const AcceleratedMember<Sample>& member, View& view, const Pixels<Sample>& source,
                        const IppiRect& region, const Pixels<Sample>& destination) {
+    if (source.first == nullptr || destination.first == nullptr) return ippStsNullPtrErr;
     const Primitives<Sample>& primitives = member.primitives;
     CCsRaster temporary(source.size.height, source.size.width, primitives.temporaryType, 1.0, false, false);
     const ImageLock lock(temporary);

@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <new>
+#include <utility>
 
 namespace zolcs {
 
@@ -12,23 +13,26 @@ struct Tables {
     CubicWeights* coarse = nullptr;
     bool freed = false;
 
-    constexpr Tables() = default;
-    Tables(const Tables&) = delete;
-    Tables& operator=(const Tables&) = delete;
-    ~Tables() {
-        if (!freed) free();
-    }
-
-    /// The pointers stay: nothing is built again after this.
+    /// The pointers stay: nothing is built again after this. A host's own clean-up may come after ours, and the other
+    /// way round.
     void free() {
-        assert(!freed);
-        freed = true;
+        if (std::exchange(freed, true)) return;
         delete[] deep;
         delete[] coarse;
     }
 };
 
 constinit Tables tables;
+
+/// Apart from the tables, so that these can still be asked once it has run.
+struct FreesAtUnload {
+    constexpr FreesAtUnload() = default;
+    FreesAtUnload(const FreesAtUnload&) = delete;
+    FreesAtUnload& operator=(const FreesAtUnload&) = delete;
+    ~FreesAtUnload() { tables.free(); }
+};
+
+constinit FreesAtUnload freesAtUnload;
 
 /// Cubic convolution with the parameter -0.75, at the fraction t. All terms are exact in double.
 CubicWeights weightsAt(double t) {

@@ -4,8 +4,7 @@
 //
 //     bool fill(const SourceLine& line, ColumnRange columns, Pixel* out);    // out is the pixel of columns.begin
 //     void prepare(const Stepping&);                                          // before the first line of a call
-//     void forget();                                                          // pixels written so far may be
-//     overwritten
+//     void expect(ColumnRange columns);                                       // the fills that follow lie within them
 //
 // and returns false to stop the call (an abort flag). It may only depend on the positions, so that one filler serves
 // rows and, for quarter turns, columns of the display.
