@@ -111,4 +111,23 @@ TEST(QuarterTurns, MovePixelsAndReturnAfterFour) {
     });
 }
 
+// Strips of a turned display are cut where they are long; every piece must land in its place.
+TEST(QuarterTurns, MovePixelsOfTallDisplays) {
+    const zoltest::CapabilityGuard plain(0);
+    zoltest::Random random(20261122);
+    constexpr int size = 1250;
+    for (const Member& member : members()) {
+        SCOPED_TRACE(member.name);
+        GuardedRaster image(size, size, member.type, size + 3, 1.0);
+        image.memory.randomise(random);
+        if (member.type == CCS_GREY12) {
+            for (std::size_t i = 1; i < image.memory.bytes(); i += 2) image.memory.pixels()[i] &= 0x0F;
+        }
+        GuardedRaster display(size, size, member.type, size + 1, 1.0);
+        CCs2dTrafo trafo(0.0, -1.0, 0.0, 1.0, 0.0, 0.0);
+        ASSERT_EQ(member.draw(image, display, trafo), 255);
+        EXPECT_TRUE(pixelsOf(display) == turned(pixelsOf(image), size));
+    }
+}
+
 }  // namespace
