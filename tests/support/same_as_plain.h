@@ -24,7 +24,7 @@
 
 namespace zoltest {
 
-/// From one pixel to beyond the length of every vector, block and strip.
+/// From one pixel to beyond the length of every vector and block.
 inline int anyExtent(Random& random) {
     if (random.chance(0.3)) return random.integer(1, 8);
     return random.integer(1, random.chance(0.1) ? 2600 : 90);
