@@ -237,6 +237,7 @@ void CCsLine::reshape_(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegio
     const bool mayReshape = movable && displayPoints != nullptr && pointCount == 4 && selected != 0;
     const int corner = mayReshape ? heldCorner_(dx, dy, x, y) : -1;
     if (corner < 0) {
+        // Not through the table: a host's figure may well do its own moving by one of the reshaping rules.
         CCsLine::move(trafo, dx, dy, x, y, region);
         return;
     }
@@ -271,8 +272,8 @@ void CCsLine::moveCircle(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsReg
 }
 
 void CCsLine::dspToImg(CCs2dTrafo* trafo) {
-    if (trafo == nullptr) return;
     if (displayPointsDouble != nullptr && imagePoints != nullptr) {
+        if (trafo == nullptr) return;
         std::transform(displayPointsDouble.get(), displayPointsDouble.get() + pointCount, imagePoints.get(),
                        [&](const CCsPointDouble& point) { return CCsImageUtils::dspToImgD(*trafo, point); });
     }
@@ -281,7 +282,8 @@ void CCsLine::dspToImg(CCs2dTrafo* trafo) {
 }
 
 void CCsLine::imgToDsp(CCs2dTrafo* trafo) {
-    if (trafo == nullptr || displayPoints == nullptr) return;
+    const bool complete = displayPoints != nullptr && displayPointsDouble != nullptr && imagePoints != nullptr;
+    if (trafo == nullptr || !complete) return;
     for (std::size_t i = 0; i < static_cast<std::size_t>(pointCount); ++i) {
         displayPointsDouble[i] = CCsImageUtils::imgToDspD(*trafo, imagePoints[i]);
         displayPoints[i].setPosition(CCsImageUtils::roundOff(displayPointsDouble[i].x),

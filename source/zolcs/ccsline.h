@@ -81,8 +81,8 @@ public:
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
 
-    /// Takes the image coordinates from the display coordinates, which are no longer authoritative then. Nothing for
-    /// null.
+    /// Takes the image coordinates from the display coordinates, which are no longer authoritative then. Without a
+    /// transformation (null) they stay so.
     void dspToImg(CCs2dTrafo* trafo) override;
 
     /// Grows `rect` to hold all display points, their largest x and y being its right and bottom. A rectangle of zeros,

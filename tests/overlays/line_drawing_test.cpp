@@ -145,6 +145,20 @@ TEST_F(LineDrawing, GapsOfDottedLinesAreTransparent) {
                      calls({"move to 11 21", "line to 31 41"}), calls({"move to 10 20", "line to 30 40"})));
 }
 
+TEST_F(LineDrawing, TheBackgroundModeComesBack) {
+    CCsLine line(&view, 10, 20, 30, 40, dotted);
+    const std::string all = drawn(screen(), [&](HDC dc) {
+        SetBkMode(dc, TRANSPARENT);
+        line.render(&view, &output, 0, dc, 1, 64, 64, 0, 0);
+        EXPECT_EQ(GetBkMode(dc), TRANSPARENT);
+        SetBkMode(dc, OPAQUE);
+        line.render(&view, &output, 0, dc, 1, 64, 64, 0, 0);
+        EXPECT_EQ(GetBkMode(dc), OPAQUE);
+    });
+    EXPECT_NE(all.find("background transparent\nselect caller's brush"), std::string::npos);
+    EXPECT_NE(all.find("background opaque\nselect caller's brush"), std::string::npos);
+}
+
 TEST_F(LineDrawing, NothingAtAll) {
     CCsLine none;
     CCsLine line(&view, 10, 20, 30, 40, solid);

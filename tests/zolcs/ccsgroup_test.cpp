@@ -411,6 +411,20 @@ TEST_F(CCsGroupTest, ForwardsHeadToTail) {
                             "b.updateTrafo 0", "a.print flag 1", "b.print flag 1"}));
 }
 
+TEST_F(CCsGroupTest, ItsOwnFlagsDoNotCountForItsMembers) {
+    OpenGroup group;
+    OverlayDouble& a = add(group, "a", &log);
+    group.setRenderFlag(false);
+    group.setTransformable_(0);
+    group.render(nullptr, nullptr, 0, nullptr, 1, 2, 3, 4, 5);
+    group.renderLast(nullptr, nullptr, 0, nullptr, 1, 2, 3, 4, 5);
+    EXPECT_EQ(a.renders.size(), 2U);
+    EXPECT_EQ(group.isTransformableOverlAdded(), 1);
+    group.setDicomPrintFlag(true);
+    EXPECT_FALSE(group.dicomPrintFlag);
+    EXPECT_EQ(log, (CallLog{"a.render", "a.render", "a.isTransformable", "a.print flag 1"}));
+}
+
 TEST_F(CCsGroupTest, MovesMembersOnlyWhileItIsMovable) {
     CCsGroup group;
     OverlayDouble& a = add(group, "a", &log);

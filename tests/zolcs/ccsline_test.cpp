@@ -279,6 +279,14 @@ TEST(CCsLineConstruction, CopiesAreDeepAndFree) {
     EXPECT_EQ(alsoEmpty.displayPoints, nullptr);
 }
 
+TEST(CCsLineConstruction, ACloneForWhichThereIsNoMemoryIsNull) {
+    CCs2dTrafo view = identityView();
+    OpenLine line(&view, 1, 2, 3, 4, solid);
+    line.pointCount = -1;  // no memory holds as many
+    EXPECT_EQ(line.NewInstance(), nullptr);
+    line.pointCount = 2;
+}
+
 // ---------------------------------------------------------------------------------------------------- accessors
 
 TEST(CCsLineAccessors, GiveAsManyPointsAsAsked) {
@@ -526,6 +534,9 @@ TEST(CCsLineConversions, ClearDisplayAuthoritativeAlsoWithoutPoints) {
     none.displayAuthoritative = 1;
     none.dspToImg(&view);
     EXPECT_EQ(none.displayAuthoritative, 0);
+    none.displayAuthoritative = 1;
+    none.dspToImg(nullptr);
+    EXPECT_EQ(none.displayAuthoritative, 0);
     none.imgToDsp(&view);
     OpenLine fractions(&view, 0.25, 0.5, 0.75, 1.0, solid, true);
     fractions.displayAuthoritative = 1;
@@ -538,6 +549,24 @@ TEST(CCsLineConversions, ClearDisplayAuthoritativeAlsoWithoutPoints) {
     line.imgToDsp(nullptr);
     EXPECT_EQ(line.displayAuthoritative, 1);
     EXPECT_EQ(displayOf(line), (Numbers{1, 2, 3, 4}));
+}
+
+TEST(CCsLineConversions, NothingIsConvertedWithoutAllArrays) {
+    CCs2dTrafo view = zoomedView(1.0);
+    OpenLine withoutImage(&view, 2, 4, 6, 8, solid);
+    withoutImage.imagePoints.reset();
+    withoutImage.imgToDsp(&view);
+    withoutImage.displayAuthoritative = 1;
+    withoutImage.dspToImg(&view);
+    EXPECT_EQ(displayOf(withoutImage), (Numbers{2, 4, 6, 8}));
+    EXPECT_EQ(withoutImage.displayAuthoritative, 0);
+    OpenLine withoutExact(&view, 2, 4, 6, 8, solid);
+    withoutExact.displayPointsDouble.reset();
+    withoutExact.imagePoints[0].setPosition(50, 50);
+    withoutExact.imgToDsp(&view);
+    withoutExact.dspToImg(&view);
+    EXPECT_EQ(displayOf(withoutExact), (Numbers{2, 4, 6, 8}));
+    EXPECT_EQ(imageOf(withoutExact), (Numbers{50, 50, 3, 4}));
 }
 
 // ---------------------------------------------------------------------------------------------------- output positions
@@ -689,6 +718,53 @@ TEST(CCsLinePick, NotWhileThePickFlagIsOff) {
     EXPECT_EQ(line.pick(50, 0), &line);
     line.setGroupPickFlag(0);
     EXPECT_EQ(line.pick(50, 0), nullptr);
+}
+
+/// Whether (x, y) is within 4 pixels of a segment and of its ends, in whole numbers: no root, no rounding.
+bool isNear(CPoint start, CPoint end, int x, int y) {
+    const std::int64_t dx = end.x - start.x;
+    const std::int64_t dy = end.y - start.y;
+    const std::int64_t square = dx * dx + dy * dy;
+    const std::int64_t along = (x - start.x) * dx + (y - start.y) * dy;  // times the length, as is all of this
+    const std::int64_t across = (x - start.x) * dy - (y - start.y) * dx;
+    const auto within4 = [&](std::int64_t way) { return way * way <= 16 * square; };
+    return square != 0 && (along >= 0 || within4(along)) && (along <= square || within4(along - square)) &&
+           within4(across);
+}
+
+TEST(CCsLinePick, FourDisplayPixelsAtEveryZoomTurnAndMirror) {
+    zoltest::Random random(4);
+    int hits = 0;
+    for (int run = 0; run < 60; ++run) {
+        CCs2dTrafo view = identityView();
+        view.scale(random.real(0.05, 20.0));
+        view.rotate(random.chance(0.3) ? 90.0 : random.real(0.0, 360.0));
+        if (random.chance(0.5)) view.mirror(CCS_VERTICAL);
+        const int reach = random.integer(0, 12);
+        std::vector<CCsPointDouble> points(static_cast<std::size_t>(random.integer(1, 4)));
+        for (CCsPointDouble& p : points) p.setPosition(random.integer(-reach, reach), random.integer(-reach, reach));
+        OpenLine line(&view, points, solid, false, false, false);
+        if (random.chance(0.5)) line.close();
+        // Another view, in which the line is picked where it has been painted.
+        view.scale(random.real(0.2, 3.0));
+        view.rotate(random.real(0.0, 360.0));
+        line.render(&view, nullptr, 0, nullptr, 1, 64, 64, 0, 0);
+        std::vector<CPoint> shown;
+        line.getEndPts(shown);
+        const CPoint middle = shown.front();
+        if (line.closed != 0.0) shown.push_back(shown.front());
+        for (int y = middle.y - 40; y <= middle.y + 40; ++y) {
+            for (int x = middle.x - 40; x <= middle.x + 40; ++x) {
+                bool expected = false;
+                for (std::size_t i = 1; i < shown.size(); ++i) {
+                    expected = expected || isNear(shown[i - 1], shown[i], x, y);
+                }
+                ASSERT_EQ(line.pick(x, y), expected ? &line : nullptr) << run << ": " << x << ' ' << y;
+                hits += expected ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(hits, 5000);
 }
 
 TEST(CCsLinePick, CoordinatesAtTheEndsOfTheIntegers) {

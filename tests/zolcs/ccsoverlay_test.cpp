@@ -218,6 +218,8 @@ TEST(CCsOverlayTest, SelectionLeavesTheRectangle) {
     EXPECT_EQ(overlay.unselect(rect), 0);
     EXPECT_EQ(overlay.selected, 0);
     EXPECT_EQ(overlay.isSelected(), nullptr);
+    overlay.selected = -2;  // whatever is not 0
+    EXPECT_EQ(overlay.isSelected(), &overlay);
     EXPECT_EQ(rect.left, 1);
     EXPECT_EQ(rect.top, 2);
     EXPECT_EQ(rect.right, 3);
@@ -298,4 +300,16 @@ TEST(CCsOverlayTest, UnchainLeavesTheGroupAndIsHarmlessTwice) {
     group.append(a);  // free again, it can join
     EXPECT_EQ(group.Find(1), &a);
     a.unchain();
+}
+
+TEST(CCsOverlayTest, UnchainClearsLinksThatNoGroupKnowsOf) {
+    PlainOverlay neighbour;
+    PlainOverlay overlay;
+    overlay.previous = &neighbour;
+    overlay.next = &neighbour;
+    overlay.unchain();
+    EXPECT_EQ(overlay.previous, nullptr);
+    EXPECT_EQ(overlay.next, nullptr);
+    EXPECT_EQ(neighbour.previous, nullptr);
+    EXPECT_EQ(neighbour.next, nullptr);
 }
