@@ -4,6 +4,7 @@
 #include "zolcs/conversion.h"
 #include "zolcs/portablemath.h"
 #include "zolcs/report.h"
+#include "zolcs/viewturn.h"
 
 #include <cmath>
 #include <utility>
@@ -18,13 +19,6 @@ constexpr double smallestDeterminant = 1e-10;
 bool nearZero(double value, double limit) { return value >= -limit && value < limit; }
 
 bool nearOne(double scale) { return std::fabs(scale - 1.0) < 0.01; }
-
-// The tests on angles are false for NaN, which makes such an angle an oblique one.
-bool nearAngle(double angle, double degrees) { return std::fabs(angle - degrees) < 1.0; }
-
-bool isUpright(double angle) { return angle >= 0.0 && angle <= 360.0 && zolcs::truncated(angle) % 360 < 1; }
-
-bool isQuarterTurned(double angle) { return nearAngle(angle, 90.0) || nearAngle(angle, 270.0); }
 
 }  // namespace
 
@@ -192,7 +186,7 @@ CCs2dTrafo::Extents CCs2dTrafo::fitExtents_(bool refitQuarterTurns) {
     double down = srcHeight * srcRatioYx;
     double across = srcWidth;
     const Operations view = operations_();
-    if (isQuarterTurned(view.angle)) {
+    if (zolcs::isTransposed(zolcs::turnOf(view.angle))) {
         const bool refit = nearOne(view.scale) && !transition && refitQuarterTurns;
         if (refit || isSourceAspectRatioOtherThanUnity()) std::swap(down, across);
     }
@@ -271,13 +265,14 @@ int CCs2dTrafo::getDspScaleFactorXY(double& fx, double& fy) {
     adaptTransformation_();
     const Operations view = operations_();
     const auto& [a, b, c, d, e, f] = imgToDsp;
-    if (isUpright(view.angle)) {
+    const zolcs::Turn turn = zolcs::turnOf(view.angle);
+    if (turn == zolcs::Turn::None) {
         fx = view.mirrored != 0 ? -a : a;
         fy = d;
-    } else if (nearAngle(view.angle, 180.0)) {
+    } else if (turn == zolcs::Turn::Half) {
         fx = view.mirrored != 0 ? a : -a;
         fy = -d;
-    } else if (isQuarterTurned(view.angle)) {
+    } else if (zolcs::isTransposed(turn)) {
         fx = std::fabs(b);
         fy = std::fabs(c);
     }

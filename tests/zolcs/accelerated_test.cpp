@@ -235,6 +235,14 @@ TEST_P(AcceleratedTest, TheLimitsDetectShiftsAndFlips) {
         expectRejected(flipped(true, false), "left and right exchanged");
         expectRejected(flipped(false, true), "top and bottom exchanged");
         expectRejected(flipped(true, true), "half a turn");
+        for (const auto& [right, down] : {std::pair{1, 0}, std::pair{-1, 0}, std::pair{0, 1}, std::pair{0, -1}}) {
+            expectRejected(differenceOf(pictures.accelerated,
+                                        [&, right, down](int column, int row, int channel) {
+                                            return sampleAt(plain, std::clamp(column - right, 0, w - 1),
+                                                            std::clamp(row - down, 0, h - 1), channel);
+                                        }),
+                           "a pixel to the right " + std::to_string(right) + " and down " + std::to_string(down));
+        }
         // The view moved by half a display pixel in each direction, drawn by the plain member.
         for (const auto& [x, y] :
              {std::pair{0.5, 0.0}, std::pair{-0.5, 0.0}, std::pair{0.0, 0.5}, std::pair{0.0, -0.5}}) {
@@ -517,8 +525,9 @@ TEST_P(AcceleratedTest, ATransposedImageWithoutMemoryIsReported) {
     EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
 }
 
-TEST_P(AcceleratedTest, TwelveBitPicturesStayWithinTwelveBits) {
-    if (member_.isColour()) GTEST_SKIP() << "a grey member's matter";
+using AcceleratedGreyTest = AcceleratedTest;
+
+TEST_P(AcceleratedGreyTest, TwelveBitPicturesStayWithinTwelveBits) {
     for (const double degrees : {0.0, 90.0, 180.0, 30.0}) {
         for (const int type : {CCS_GREY12, CCS_GREY16}) {
             GuardedRaster src(12, 12, type, 12, 1.0);
@@ -535,6 +544,117 @@ TEST_P(AcceleratedTest, TwelveBitPicturesStayWithinTwelveBits) {
             const bool overshoots = type == CCS_GREY16 && member_.name.starts_with("bicubic");
             EXPECT_EQ(largest > 4095, overshoots) << degrees << " type " << type << " largest " << largest;
             EXPECT_GE(largest, 4095);
+        }
+    }
+}
+
+TEST_P(AcceleratedGreyTest, TwelveAndSixteenBitsMix) {
+    Random random(72);
+    for (const ViewCase& view : viewCases()) {
+        const auto drawn = [&](int from, int to, std::uint64_t seed) {
+            GuardedRaster src(view.sourceWidth, view.sourceHeight, from, view.sourceWidth + 1, view.sourceRatio);
+            GuardedImage dst(view.width, view.height, to, view.width + 2, view.destinationRatio);
+            Random pixels(seed);
+            src.memory.randomise(pixels);
+            CCs2dTrafo trafo = trafoOf(view);
+            EXPECT_EQ(member_.accelerated(src, dst, trafo), 255);
+            return dst.memory.all();
+        };
+        const std::uint64_t seed = random.bits();
+        const std::vector<unsigned char> deep = drawn(CCS_GREY16, CCS_GREY16, seed);
+        EXPECT_TRUE(drawn(CCS_GREY16, CCS_GREY12, seed) == deep) << view;
+        const std::vector<unsigned char> twelve = drawn(CCS_GREY12, CCS_GREY12, seed);
+        EXPECT_TRUE(drawn(CCS_GREY12, CCS_GREY16, seed) == twelve) << view;
+        // All 16 bits count, whatever the source calls itself, until cubic results are limited.
+        std::vector<unsigned char> limited = deep;
+        if (member_.name.starts_with("bicubic")) {
+            for (std::size_t i = 0; i < limited.size(); i += 2) {
+                if (limited[i + 1] < 0x10) continue;
+                limited[i] = 0xFF;
+                limited[i + 1] = 0x0F;
+            }
+        }
+        EXPECT_TRUE(twelve == limited) << view;
+    }
+    EXPECT_TRUE(ReportCapture::take().empty());
+}
+
+/// The angle that a view has, as the members are told it.
+double angleOf(CCs2dTrafo trafo) {
+    double angle = 0.0;
+    int mirrored = 0;
+    double scale = 0.0;
+    double panX = 0.0;
+    double panY = 0.0;
+    trafo.getOperations(angle, mirrored, scale, panX, panY);
+    return angle;
+}
+
+TEST_P(AcceleratedTest, TheClassesOfAnglesEndWhereTheyShould) {
+    // A single column can be resized and transposed, and cannot be warped: what a call does tells how it takes a view.
+    GuardedRaster column(1, 20, member_.type, 3, 1.0);
+    paint(column);
+    GuardedImage dst(20, 20, member_.type, 20, 1.0);
+    const auto isWarped = [&](CCs2dTrafo trafo) {
+        const int result = member_.accelerated(column, dst, trafo);
+        const std::vector<Report> expected{failure(ippStsRectErr)};
+        EXPECT_EQ(takeOwn(), result == 255 ? std::vector<Report>{} : expected);
+        return result == 0;
+    };
+    const auto isOblique = [](double angle) {
+        const bool upright = static_cast<int>(angle) % 360 < 1;
+        return !upright && !(std::abs(angle - 180.0) < 1.0) && !(std::abs(angle - 90.0) < 1.0) &&
+               !(std::abs(angle - 270.0) < 1.0);
+    };
+    for (const bool mirrored : {false, true}) {
+        const auto turned = [&](double degrees) {
+            CCs2dTrafo trafo;
+            if (mirrored) trafo.mirror(CCS_HORIZONTAL);
+            trafo.rotate(mirrored ? -degrees : degrees);  // the angle is counted before the mirror
+            return trafo;
+        };
+        for (const double border : {1.0, 89.0, 91.0, 179.0, 181.0, 269.0, 271.0, 359.0}) {
+            // The smallest steps that the angle of a matrix can take, on both sides of the border.
+            int warped = 0;
+            int others = 0;
+            for (int step = -6; step <= 6; ++step) {
+                const CCs2dTrafo trafo = turned(border + step * 4e-13);
+                const double angle = angleOf(trafo);
+                const bool oblique = isOblique(angle);
+                EXPECT_EQ(isWarped(trafo), oblique) << std::setprecision(17) << angle;
+                ++(oblique ? warped : others);
+            }
+            EXPECT_GT(warped, 0) << border;
+            EXPECT_TRUE(others > 0 || border == 359.0) << border;  // what lies below a whole turn is oblique
+        }
+        for (const double degrees : {0.0, 0.5, 360.0, 360.5, 720.25, -90.0, -90.5, -180.0, -270.0, -360.0, -359.5,
+                                     -1e-9, 450.0, 450.9, 540.0, 630.0, 3690.0}) {
+            EXPECT_FALSE(isWarped(turned(degrees))) << degrees;
+        }
+        for (const double degrees : {45.0, -45.0, 405.0, -0.5, 359.5, -720.5, 358.0, 361.5, 3645.0}) {
+            EXPECT_TRUE(isWarped(turned(degrees))) << degrees;
+        }
+    }
+}
+
+TEST_P(AcceleratedTest, WholeTurnsMoreOrLessShowTheSame) {
+    GuardedRaster src(41, 30, member_.type, 44, 1.0);
+    paint(src);
+    const auto drawn = [&](double degrees, bool mirrored) {
+        GuardedImage dst(50, 47, member_.type, 50, 1.0);
+        CCs2dTrafo trafo = trafoOf({degrees, mirrored, 0.9731, 0.0517, 0.1043, 1, 1, 41, 30, 50, 47});
+        EXPECT_EQ(member_.accelerated(src, dst, trafo), 255);
+        return dst;
+    };
+    for (const bool mirrored : {false, true}) {
+        for (const double degrees : {0.0, 90.0, 180.0, 270.0, 33.0}) {
+            GuardedImage once = drawn(degrees, mirrored);
+            for (const double more : {-720.0, -360.0, 360.0, 1080.0}) {
+                GuardedImage other = drawn(degrees + more, mirrored);
+                const Difference difference = differenceOf(once, other);
+                EXPECT_LE(difference.mean, 0.5) << degrees << " and " << more;
+                EXPECT_LE(difference.coverage, 0);
+            }
         }
     }
 }
@@ -557,8 +677,16 @@ TEST_P(AcceleratedTest, SourcesOfAFewPixels) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Members, AcceleratedTest, ::testing::ValuesIn(acceleratedCases()),
-                         [](const auto& instance) { return instance.param.name; });
+std::string nameOf(const ::testing::TestParamInfo<AcceleratedCase>& instance) { return instance.param.name; }
+
+std::vector<AcceleratedCase> greyCases() {
+    std::vector<AcceleratedCase> grey = acceleratedCases();
+    std::erase_if(grey, [](const AcceleratedCase& member) { return member.isColour(); });
+    return grey;
+}
+
+INSTANTIATE_TEST_SUITE_P(Members, AcceleratedTest, ::testing::ValuesIn(acceleratedCases()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Members, AcceleratedGreyTest, ::testing::ValuesIn(greyCases()), nameOf);
 
 TEST(AcceleratedReportLines, AreDistinctWithinAModule) {
     std::set<std::pair<std::wstring, int>> lines;
@@ -626,11 +754,7 @@ protected:
     }
 
     /// Draws a 40 x 30 image with the rectangle (4, 5, 24, 20) into 101 x 60 pixels at 2.5 times its size.
-    int draw(double degrees, bool mirrored, double ratio = 1.0) {
-        static constexpr zolcs::Primitives<Ipp16u> primitives{
-            2, CCS_GREY12, Recorder::resize, Recorder::mirror, Recorder::transpose, Recorder::warp};
-        static constexpr zolcs::AcceleratedMember<Ipp16u> member{
-            {L"module", L"member", {1, 2, 3, 4, 5}}, primitives, IPPI_INTER_LINEAR};
+    static int draw(double degrees, bool mirrored, double ratio = 1.0) {
         GuardedRaster src(40, 30, CCS_GREY12, 44, ratio);
         GuardedImage dst(101, 60, CCS_GREY16, 104, 1.0);
         src.setRectShutter(RECT{4, 5, 24, 20});
@@ -639,6 +763,14 @@ protected:
         trafo.rotate(degrees);
         trafo.scale(1.25);
         trafo.setSizes(src, dst);
+        return drawWith(src, dst, trafo);
+    }
+
+    static int drawWith(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo) {
+        static constexpr zolcs::Primitives<Ipp16u> primitives{Recorder::resize, Recorder::mirror, Recorder::transpose,
+                                                              Recorder::warp};
+        static constexpr zolcs::AcceleratedMember<Ipp16u> member{
+            {L"module", L"member", {1, 2, 3, 4, 5}}, primitives, IPPI_INTER_LINEAR};
         return zolcs::drawAccelerated(member, {src, dst, trafo, 9});
     }
 
@@ -719,6 +851,57 @@ TEST_F(AcceleratedPlan, FactorsFollowTheRatios) {
     // Twice as many display pixels along a source pixel's long side.
     EXPECT_EQ(Recorder::calls()[0], "resize 40 30 4 5 20 15 101 60 1.25 2.5 19.6 15 2");
     EXPECT_EQ(Recorder::calls()[3], "resize 30 40 10 4 15 20 101 60 3.75 1.875 14.866667 20 2");
+}
+
+TEST_F(AcceleratedPlan, FactorsAndCentreAreThoseOfAViewThatIsTurnedBack) {
+    // Even displays, whose middle is the same from both sides.
+    Random random(73);
+    const auto rounded = [](double value) { return std::round(value * 1e6) / 1e6; };
+    for (int round = 0; round < 200; ++round) {
+        const int quarters = random.integer(0, 3);
+        const bool mirrored = random.chance(0.5);
+        GuardedRaster src(random.integer(1, 60), random.integer(1, 60), CCS_GREY12, 64, random.real(0.4, 2.5));
+        GuardedImage dst(2 * random.integer(1, 40), 2 * random.integer(1, 40), CCS_GREY16, 80, random.real(0.5, 2.0));
+        CCs2dTrafo trafo;
+        if (mirrored) trafo.mirror(CCS_HORIZONTAL);
+        trafo.rotate(90.0 * quarters);
+        if (random.chance(0.7)) trafo.scale(random.real(0.3, 4.0));
+        trafo.setDspPanFactor(random.real(-1.0, 1.0), random.real(-1.0, 1.0));
+        trafo.setSizes(src, dst);
+
+        double angle = 0.0;
+        int m = 0;
+        double scale = 0.0;
+        double tx = 0.0;
+        double ty = 0.0;
+        trafo.getOperations(angle, m, scale, tx, ty);
+        CCs2dTrafo back(trafo);
+        if (std::abs(angle - 180.0) < 1.0) back.rotate(180);
+        if (std::abs(angle - 90.0) < 1.0) {
+            back.rotate(270);
+            back.swapSourceDimension(false, m != 0);
+        }
+        if (std::abs(angle - 270.0) < 1.0) {
+            back.rotate(90);
+            back.swapSourceDimension(true, m != 0);
+        }
+        if (m != 0) back.mirror(CCS_HORIZONTAL);
+        const CCsPointDouble centre =
+            CCsImageUtils::dspToImgD(back, CCsPointDouble(dst.getWidth() / 2, dst.getHeight() / 2));
+        double factorX = 1.0;
+        double factorY = 1.0;
+        back.getDspScaleFactorXY(factorX, factorY);
+
+        Recorder::calls().clear();
+        ASSERT_EQ(drawWith(src, dst, trafo), 255);
+        const bool turned = std::abs(angle - 90.0) < 1.0 || std::abs(angle - 270.0) < 1.0;
+        const int width = turned ? src.getHeight() : src.getWidth();
+        const int height = turned ? src.getWidth() : src.getHeight();
+        const std::string expected =
+            "resize " + Recorder::list(width, height, 0, 0, width, height, dst.getWidth(), dst.getHeight(),
+                                       rounded(factorX), rounded(factorY), rounded(centre.x), rounded(centre.y), 2);
+        EXPECT_EQ(Recorder::calls()[turned ? 2 : 0], expected) << angle << " mirrored " << m;
+    }
 }
 
 TEST_F(AcceleratedPlan, AfterAFailureNothingMoreIsDone) {

@@ -4,6 +4,7 @@
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/imagelock.h"
 #include "zolcs/resample/imageview.h"
+#include "zolcs/viewturn.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,18 +14,6 @@
 namespace zolcs {
 
 namespace {
-
-/// How the primitives can draw a view.
-enum class Turn : std::uint8_t { None, Quarter, Half, ThreeQuarters, Oblique };
-
-Turn turnOf(double angle) {
-    const auto isNear = [angle](double turn) { return std::abs(angle - turn) < 1.0; };
-    if ((angle >= 0.0 && angle < 1.0) || (angle >= 360.0 && angle < 361.0)) return Turn::None;
-    if (isNear(180.0)) return Turn::Half;
-    if (isNear(90.0)) return Turn::Quarter;
-    if (isNear(270.0)) return Turn::ThreeQuarters;
-    return Turn::Oblique;  // not a number included
-}
 
 /// The view as the primitives take it.
 class View {
@@ -43,8 +32,7 @@ public:
     }
 
     [[nodiscard]] Turn turn() const { return turn_; }
-    [[nodiscard]] bool isMirrored() const { return mirrored_; }
-    [[nodiscard]] bool isTransposed() const { return turn_ == Turn::Quarter || turn_ == Turn::ThreeQuarters; }
+    [[nodiscard]] bool isTransposed() const { return zolcs::isTransposed(turn_); }
 
     /// Whether the destination is mirrored once it is drawn, and about which axis.
     [[nodiscard]] bool isMirroredAfterwards() const { return mirrored_ || turn_ == Turn::Half; }
@@ -90,9 +78,9 @@ int stepOf(int pitch, int bytes) {
 /// An image's memory as the primitives take it.
 template <typename Sample>
 struct Pixels {
-    Pixels(const CCsImage& image, unsigned char* origin, int bytes)
+    Pixels(const CCsImage& image, unsigned char* origin)
         : first(reinterpret_cast<Sample*>(origin)),
-          step(stepOf(image.getPitch(), bytes)),
+          step(stepOf(image.getPitch(), Primitives<Sample>::bytes)),
           size{image.getWidth(), image.getHeight()} {}
 
     Sample* first;
@@ -110,7 +98,7 @@ void fill(unsigned char* origin, const CCsImage& image, Pixel value) {
 template <typename Sample>
 void fillBackground(unsigned char* origin, const CCsImage& image, unsigned char background) {
     if (origin == nullptr) return;
-    if constexpr (sizeof(Sample) == sizeof(std::uint16_t)) {
+    if constexpr (Primitives<Sample>::isGrey) {
         fill<std::uint16_t>(origin, image, background);
     } else {
         fill<std::uint32_t>(origin, image, background * 0x010101U);
@@ -153,9 +141,9 @@ IppStatus resizeTurned(const AcceleratedMember<Sample>& member, View& view, cons
                        const IppiRect& region, const Pixels<Sample>& destination) {
     if (source.first == nullptr || destination.first == nullptr) return ippStsNullPtrErr;
     const Primitives<Sample>& primitives = member.primitives;
-    CCsRaster temporary(source.size.height, source.size.width, primitives.temporaryType, 1.0, false, false);
+    CCsRaster temporary(source.size.height, source.size.width, Primitives<Sample>::type, 1.0, false, false);
     const ImageLock lock(temporary);
-    const Pixels<Sample> transposed(temporary, lock.origin(), primitives.bytes);
+    const Pixels<Sample> transposed(temporary, lock.origin());
     IppStatus status = primitives.transpose(source.first, source.step, transposed.first, transposed.step, source.size);
     if (status != ippStsNoErr) return status;
     status = primitives.mirror(transposed.first, transposed.step, transposed.size,
@@ -191,10 +179,9 @@ int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCa
     IppStatus status = ippStsNoErr;
     {
         const ImagePairLock lock(call.src, call.dst);
-        const int bytes = member.primitives.bytes;
         fillBackground<Sample>(lock.destination(), call.dst, call.background);
-        status = draw(member, view, Pixels<Sample>(call.src, lock.source(), bytes), region,
-                      Pixels<Sample>(call.dst, lock.destination(), bytes));
+        status = draw(member, view, Pixels<Sample>(call.src, lock.source()), region,
+                      Pixels<Sample>(call.dst, lock.destination()));
         const bool mayOvershoot = member.interpolation == IPPI_INTER_CUBIC && call.src.getType() == CCS_GREY12;
         if (status == ippStsNoErr && mayOvershoot) limitTo12Bits(lock.destination(), call.dst);
     }

@@ -5,15 +5,21 @@
 #include "zolcs/resample/memberreports.h"
 #include "zolipp/zolipp.h"
 
+#include <type_traits>
+
 class CCs2dTrafo;
 
 namespace zolcs {
 
-/// The primitives for one kind of pixel, of `bytes` bytes.
+/// The primitives for one kind of pixel: grey values of 16 bits, or display colours by their bytes.
 template <typename Sample>
 struct Primitives {
-    int bytes;
-    int temporaryType;  ///< of the raster that holds a transposed image
+    static constexpr bool isGrey = std::is_same_v<Sample, Ipp16u>;
+    static constexpr int bytes = isGrey ? 2 : 4;                 ///< of a pixel
+    static constexpr int type = isGrey ? CCS_GREY12 : CCS_RGB8;  ///< of a raster made for such pixels
+
+    static bool take(int imageType) { return imageType == type || (isGrey && imageType == CCS_GREY16); }
+
     IppStatus (*resizeCenter)(const Sample*, IppiSize, int, IppiRect, Sample*, int, IppiSize, double, double, double,
                               double, int);
     IppStatus (*mirror)(Sample*, int, IppiSize, IppiAxis);
@@ -21,24 +27,16 @@ struct Primitives {
     IppStatus (*warpAffine)(const Sample*, IppiSize, int, IppiRect, Sample*, int, IppiRect, const double (*)[3], int);
 };
 
-inline constexpr Primitives<Ipp16u> greyPrimitives{2,
-                                                   CCS_GREY12,
-                                                   ZOLippiResizeCenter_16u_C1R,
-                                                   ZOLippiMirror_16u_C1IR,
-                                                   ZOLippiTranspose_16u_C1R,
-                                                   ZOLippiWarpAffine_16u_C1R};
+inline constexpr Primitives<Ipp16u> greyPrimitives{ZOLippiResizeCenter_16u_C1R, ZOLippiMirror_16u_C1IR,
+                                                   ZOLippiTranspose_16u_C1R, ZOLippiWarpAffine_16u_C1R};
 
 /// All four bytes of a pixel.
-inline constexpr Primitives<Ipp8u> colourPrimitives{
-    4, CCS_RGB8, ZOLippiResizeCenter_8u_C4R, ZOLippiMirror_8u_C4IR, ZOLippiTranspose_8u_C4R, ZOLippiWarpAffine_8u_C4R};
+inline constexpr Primitives<Ipp8u> colourPrimitives{ZOLippiResizeCenter_8u_C4R, ZOLippiMirror_8u_C4IR,
+                                                    ZOLippiTranspose_8u_C4R, ZOLippiWarpAffine_8u_C4R};
 
 /// The three colour bytes of a pixel; the fourth one stays the background's.
-inline constexpr Primitives<Ipp8u> threeColourPrimitives{4,
-                                                         CCS_RGB8,
-                                                         ZOLippiResizeCenter_8u_AC4R,
-                                                         ZOLippiMirror_8u_AC4IR,
-                                                         ZOLippiTranspose_8u_C4R,
-                                                         ZOLippiWarpAffine_8u_AC4R};
+inline constexpr Primitives<Ipp8u> threeColourPrimitives{ZOLippiResizeCenter_8u_AC4R, ZOLippiMirror_8u_AC4IR,
+                                                         ZOLippiTranspose_8u_C4R, ZOLippiWarpAffine_8u_AC4R};
 
 /// The report sites of one accelerated member; what they report gives 0.
 class AcceleratedReports {
@@ -101,10 +99,8 @@ ZOLWEBCS_API int drawAccelerated(const AcceleratedMember<Sample>& member, const 
 /// A member's whole call; `prepare()` sets the transformation's sizes.
 template <typename Sample, typename Prepare>
 int runAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call, const Prepare& prepare) {
-    const auto fits = [](int type) {
-        return sizeof(Sample) == sizeof(Ipp16u) ? type == CCS_GREY12 || type == CCS_GREY16 : type == CCS_RGB8;
-    };
-    if (!fits(call.src.getType()) || !fits(call.dst.getType())) return member.reports.wrongType();
+    using Pixels = Primitives<Sample>;
+    if (!Pixels::take(call.src.getType()) || !Pixels::take(call.dst.getType())) return member.reports.wrongType();
     try {
         prepare();
         return drawAccelerated(member, call);
