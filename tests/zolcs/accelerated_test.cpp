@@ -4,7 +4,7 @@
 #include "reference/guarded_image.h"
 #include "support/accelerated_members.h"
 #include "support/capability_guard.h"
-#include "support/report_capture.h"
+#include "support/resampler_reports.h"
 #include "zolcs/ccsimageutils.h"
 
 #include <array>
@@ -12,7 +12,6 @@
 #include <cstring>
 #include <iomanip>
 #include <limits>
-#include <set>
 #include <stdexcept>
 
 namespace {
@@ -22,6 +21,7 @@ using zoltest::acceleratedCases;
 using zoltest::errorReport;
 using zoltest::GuardedImage;
 using zoltest::GuardedRaster;
+using zoltest::Problem;
 using zoltest::Random;
 using zoltest::Report;
 using zoltest::ReportCapture;
@@ -175,27 +175,12 @@ protected:
     zoltest::CapabilityGuard plain_{0};
     const AcceleratedCase& member_ = GetParam();
 
-    [[nodiscard]] Report report(const std::wstring& message, long number, int line) const {
-        return errorReport(message, number, member_.module, line);
-    }
-    [[nodiscard]] Report failure(long status) const {
-        return report(L"IPP method failed in " + member_.wideName() + L" method with error ID :", status,
-                      member_.statusLine);
-    }
-    [[nodiscard]] Report nullFailure() const {
-        return report(L"NULL pointer of src/dst passed and IPP method failed in " + member_.wideName() +
-                          L" method with error ID :",
-                      -8, member_.nullLine);
-    }
-    [[nodiscard]] Report exceptionReport() const {
-        return report(L"Exception in function " + member_.wideName(), 0, member_.exceptionLine);
+    /// The report that this member makes of a problem.
+    [[nodiscard]] std::vector<Report> only(Problem problem, long number = 0) const {
+        return {zoltest::statedReport(member_.wideName(), problem, number)};
     }
 
-    std::vector<Report> takeOwn() const {
-        std::vector<Report> all = ReportCapture::take();
-        std::erase_if(all, [&](const Report& r) { return r.file != member_.module; });
-        return all;
-    }
+    [[nodiscard]] std::vector<Report> takeOwn() const { return zoltest::reportsOf(only(Problem::Type).front().file); }
 };
 
 TEST_P(AcceleratedTest, PicturesAgreeWithThePlainMembers) {
@@ -369,8 +354,7 @@ TEST_P(AcceleratedTest, ShuttersWithoutACommonRegionAreReported) {
             CCs2dTrafo trafo;
             trafo.rotate(degrees);
             EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
-            EXPECT_EQ(ReportCapture::take(),
-                      std::vector<Report>{report(L"There is no common shutter region", 0, member_.regionLine)});
+            EXPECT_EQ(ReportCapture::take(), only(Problem::Region));
             EXPECT_EQ(dst.memory.all(), before);
             EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
         }
@@ -422,7 +406,7 @@ TEST_P(AcceleratedTest, OtherTypesAreReported) {
                 EXPECT_NE(dst.memory.all(), before);
             } else {
                 EXPECT_EQ(result, 0);
-                EXPECT_EQ(reports, std::vector<Report>{report(L"Image type not supported", 0, member_.typeLine)});
+                EXPECT_EQ(reports, only(Problem::Type));
                 EXPECT_EQ(dst.memory.all(), before);
             }
         }
@@ -440,7 +424,7 @@ TEST_P(AcceleratedTest, MissingMemoryIsReportedAsANullPointer) {
             manager->setLimit(0);
             EXPECT_EQ(member_.accelerated(deferred, dst, trafo), 0);
             manager->setLimit(static_cast<std::size_t>(-1));
-            EXPECT_EQ(takeOwn(), std::vector<Report>{nullFailure()});
+            EXPECT_EQ(takeOwn(), only(Problem::NullPointer, -8));
             EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
             EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
         }
@@ -459,7 +443,7 @@ TEST_P(AcceleratedTest, MissingMemoryIsReportedAsANullPointer) {
         CCs2dTrafo trafo;
         trafo.rotate(degrees);
         EXPECT_EQ(member_.accelerated(src, nowhere, trafo), 0);
-        EXPECT_EQ(takeOwn(), std::vector<Report>{nullFailure()});
+        EXPECT_EQ(takeOwn(), only(Problem::NullPointer, -8));
         EXPECT_EQ(image.GetMemBuffer()->getLockCount(), 0);
     }
 }
@@ -469,7 +453,7 @@ TEST_P(AcceleratedTest, FailedPrimitivesAreReportedWithTheirStatus) {
     const auto expectStatus = [&](GuardedRaster& src, CCs2dTrafo trafo, long status) {
         std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(1));
         EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
-        EXPECT_EQ(takeOwn(), std::vector<Report>{failure(status)});
+        EXPECT_EQ(takeOwn(), only(Problem::Status, status));
         EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
         EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
         EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
@@ -505,7 +489,7 @@ TEST_P(AcceleratedTest, ExceptionsAreReported) {
         CCs2dTrafo trafo;
         trafo.rotate(degrees);
         EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
-        EXPECT_EQ(ReportCapture::take(), std::vector<Report>{exceptionReport()});
+        EXPECT_EQ(ReportCapture::take(), only(Problem::Exception));
         EXPECT_EQ(dst.memory.all(), before);
     }
 }
@@ -519,7 +503,7 @@ TEST_P(AcceleratedTest, ATransposedImageWithoutMemoryIsReported) {
     manager->setLimit(0);
     EXPECT_EQ(member_.accelerated(src, dst, trafo), 0);
     manager->setLimit(static_cast<std::size_t>(-1));
-    EXPECT_EQ(takeOwn(), std::vector<Report>{exceptionReport()});
+    EXPECT_EQ(takeOwn(), only(Problem::Exception));
     EXPECT_EQ(sampleAt(dst, 25, 20, 0), zoltest::acceleratedBackground);
     EXPECT_EQ(src.GetMemBuffer()->getLockCount(), 0);
     EXPECT_EQ(dst.GetMemBuffer()->getLockCount(), 0);
@@ -597,8 +581,7 @@ TEST_P(AcceleratedTest, TheClassesOfAnglesEndWhereTheyShould) {
     GuardedImage dst(20, 20, member_.type, 20, 1.0);
     const auto isWarped = [&](CCs2dTrafo trafo) {
         const int result = member_.accelerated(column, dst, trafo);
-        const std::vector<Report> expected{failure(ippStsRectErr)};
-        EXPECT_EQ(takeOwn(), result == 255 ? std::vector<Report>{} : expected);
+        EXPECT_EQ(takeOwn(), result == 255 ? std::vector<Report>{} : only(Problem::Status, ippStsRectErr));
         return result == 0;
     };
     const auto isOblique = [](double angle) {
@@ -687,16 +670,6 @@ std::vector<AcceleratedCase> greyCases() {
 
 INSTANTIATE_TEST_SUITE_P(Members, AcceleratedTest, ::testing::ValuesIn(acceleratedCases()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Members, AcceleratedGreyTest, ::testing::ValuesIn(greyCases()), nameOf);
-
-TEST(AcceleratedReportLines, AreDistinctWithinAModule) {
-    std::set<std::pair<std::wstring, int>> lines;
-    for (const AcceleratedCase& member : acceleratedCases()) {
-        for (const int line :
-             {member.typeLine, member.regionLine, member.nullLine, member.statusLine, member.exceptionLine}) {
-            EXPECT_TRUE(lines.emplace(member.module, line).second) << member << ' ' << line;
-        }
-    }
-}
 
 /// Primitives that note how they are called, and fail when told to.
 class Recorder {

@@ -202,7 +202,7 @@ TEST_F(CCsBicubicTest, TheAbortFlagCountsUnlessItIsIgnored) {
     EXPECT_TRUE(ReportCapture::take().empty());
     EXPECT_EQ(bicubic_.bicubicGrey12Grey12(src, wrong, trafo, 1, false, false), 0);
     EXPECT_EQ(ReportCapture::take(),
-              (std::vector{zoltest::errorReport(L"Image type not supported", 0, bicubicModule, 273)}));
+              std::vector{zoltest::statedReport(L"bicubicGrey12Grey12", zoltest::Problem::Type)});
 }
 
 TEST_F(CCsBicubicTest, AStopDuringACallIsSeenBeforeTheNextPixel) {
@@ -280,29 +280,27 @@ TEST(CCsBicubicDeathTest, TheWeightsAreFreedOnce) {
 
 }  // namespace
 
-TEST(CCsBicubicMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bicubicMembers(), bicubicModule); }
+TEST(CCsBicubicMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bicubicMembers()); }
 
-TEST(CCsBicubicMembers, ReportFailuresAndUnlockBothImages) {
-    zoltest::expectStatedFailures(bicubicMembers(), bicubicModule);
-}
+TEST(CCsBicubicMembers, ReportFailuresAndUnlockBothImages) { zoltest::expectStatedFailures(bicubicMembers()); }
 
 TEST(CCsBicubicMembers, ReportAMapThatThrows) {
     zoltest::expectThrowingMapReported<CCsBicubic>(
         [](CCsBicubic& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
            unsigned char background) { return b.bicubicGrey12IndexMap(s, d, t, map, padding, background); },
-        L"bicubicGrey12IndexMap", bicubicModule, 1002);
+        L"bicubicGrey12IndexMap");
 }
 
-TEST(CCsBicubicMembers, ReportLinesAreDistinct) { zoltest::expectDistinctLines(bicubicMembers()); }
-
 TEST(CCsBicubicMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bicubicMembers()); }
+
+TEST(CCsBicubicMembers, StopOnceTheyHaveBegun) { zoltest::expectStoppedOnceBegun(bicubicMembers()); }
 
 TEST(CCsBicubicMembers, StopWhenAnotherThreadAsks) {
     for (const double angle : {0.0, 11.0, 90.0}) {
         SCOPED_TRACE(angle);
-        zoltest::expectStoppedByAnotherThread(bicubicMembers(), angle, false);
+        zoltest::expectStoppedByAnotherThread(bicubicMembers(), angle);
     }
     const zoltest::VariantGuard guard;
     zolcs::SpanOperations::choose("plain");
-    zoltest::expectStoppedByAnotherThread(bicubicMembers(), 11.0, true);
+    zoltest::expectStoppedByAnotherThread(bicubicMembers(), 11.0);
 }

@@ -284,29 +284,27 @@ TEST_F(CCsBilinearTest, AStopDuringACallIsSeenAtTheNextRow) {
 
 }  // namespace
 
-TEST(CCsBilinearMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bilinearMembers(), bilinearModule); }
+TEST(CCsBilinearMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bilinearMembers()); }
 
-TEST(CCsBilinearMembers, ReportFailuresAndUnlockBothImages) {
-    zoltest::expectStatedFailures(bilinearMembers(), bilinearModule);
-}
+TEST(CCsBilinearMembers, ReportFailuresAndUnlockBothImages) { zoltest::expectStatedFailures(bilinearMembers()); }
 
 TEST(CCsBilinearMembers, ReportAMapThatThrows) {
     zoltest::expectThrowingMapReported<CCsBilinear>(
         [](CCsBilinear& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
            unsigned char background) { return b.bilinearGrey12IndexMap(s, d, t, map, false, padding, background); },
-        L"bilinearGrey12IndexMap", bilinearModule, 688);
+        L"bilinearGrey12IndexMap");
 }
 
-TEST(CCsBilinearMembers, ReportLinesAreDistinct) { zoltest::expectDistinctLines(bilinearMembers()); }
-
 TEST(CCsBilinearMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bilinearMembers()); }
+
+TEST(CCsBilinearMembers, StopOnceTheyHaveBegun) { zoltest::expectStoppedOnceBegun(bilinearMembers()); }
 
 TEST(CCsBilinearMembers, StopWhenAnotherThreadAsks) {
     for (const double angle : {0.0, 11.0, 90.0}) {
         SCOPED_TRACE(angle);
-        zoltest::expectStoppedByAnotherThread(bilinearMembers(), angle, false);
+        zoltest::expectStoppedByAnotherThread(bilinearMembers(), angle);
     }
     const zoltest::VariantGuard guard;
     zolcs::SpanOperations::choose("plain");
-    zoltest::expectStoppedByAnotherThread(bilinearMembers(), 11.0, true);
+    zoltest::expectStoppedByAnotherThread(bilinearMembers(), 11.0);
 }

@@ -3,9 +3,8 @@
 #include "reference/guarded_image.h"
 #include "reference/nearest_reference.h"
 #include "reference/random_views.h"
-#include "support/display_rules.h"
-#include "support/report_capture.h"
-#include "support/test_data.h"
+#include "support/nearest_members.h"
+#include "support/variants.h"
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/resample/spanoperations.h"
 
@@ -22,9 +21,11 @@
 namespace {
 
 using zolcs::SpanOperations;
-using zoltest::errorReport;
+using zoltest::forEachVariant;
 using zoltest::GuardedImage;
 using zoltest::GuardedRaster;
+using zoltest::nearestMembers;
+using zoltest::pixelsOf;
 using zoltest::ReportCapture;
 using zoltest::RuleChoice;
 using zoltest::RuledRaster;
@@ -33,204 +34,9 @@ using zoltest::TableMap;
 static_assert(std::is_polymorphic_v<CCsNearest>);
 static_assert(sizeof(CCsNearest) == sizeof(void*) + 12 * sizeof(std::int32_t));
 
-constexpr const wchar_t* module = L"source\\zolcs\\ccsnearest";
-
-/// One member with arguments: which types it takes, how it is called, and what it must draw.
-struct Member {
-    std::wstring name;
-    int sourceType;
-    int destinationType;
-    bool returnsInt;
-    bool eitherTypeWillDo;  ///< one of the two types is enough, as long as the pixels have the right sizes
-    bool sourceMustBeRaster;
-    bool hasTable;
-    std::function<int(CCsNearest&, CCsRaster&, CCsImage&, CCs2dTrafo&)> call;
-    std::function<int(CCsNearest&, CCsRaster&, CCsImage&, CCs2dTrafo&)> callWithoutTable;
-    std::function<void(const double*, const zolref::Pixels&, const zolref::Pixels&)> draw;
-    int typeLine;
-    int sourceLine;
-    int destinationLine;
-    int exceptionLine;
-    int tableLine;
-};
-
-template <std::size_t Size>
-std::array<unsigned char, Size> tableOf(unsigned factor) {
-    std::array<unsigned char, Size> table{};
-    for (std::size_t i = 0; i < Size; ++i) table[i] = static_cast<unsigned char>(i * factor + factor);
-    return table;
-}
-
-struct Tables {
-    std::array<unsigned char, 256> a = tableOf<256>(7);
-    std::array<unsigned char, 256> b = tableOf<256>(13);
-    std::array<unsigned char, 256> c = tableOf<256>(29);
-    std::array<unsigned char, 4096> deep = tableOf<4096>(11);
-    TableMap map;
-    std::vector<std::uint32_t> greyTable;
-
-    Tables() : greyTable(0x10000) {
-        for (std::size_t i = 0; i < greyTable.size(); ++i) greyTable[i] = map.entry(i);
-    }
-};
-
-Tables& tables() {
-    static Tables all;
-    return all;
-}
-
-zolref::GreyView plainGreyView(bool twelveBit) {
-    zolref::GreyView view;
-    view.twelveBit = twelveBit;
-    view.table = tables().greyTable.data();
-    view.background = 0xA5;
-    return view;
-}
-
-int nothing() { return 255; }
-
-std::vector<Member> members() {
-    Tables& t = tables();
-    std::vector<Member> list;
-    const auto copy = [](std::uint64_t background) {
-        return [background](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-            zolref::nearestCopy(m, src, dst, background);
-        };
-    };
-    list.push_back({L"nearestGrey12Grey12", CCS_GREY12, CCS_GREY12, true, false, true, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        return n.nearestGrey12Grey12(s, d, v, 0xBEEF, true);
-                    },
-                    nullptr, copy(0xBEEF), 212, 241, 244, 305, 0});
-    for (const int type : {CCS_GREY12, CCS_GREY16}) {
-        list.push_back({L"nearestGrey12IndexMap", type, CCS_RGB8, false, true, true, false,
-                        [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                            n.nearestGrey12IndexMap(s, d, v, &t.map, nullptr, 0xA5);
-                            return nothing();
-                        },
-                        nullptr,
-                        [type](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                            zolref::nearestGrey(m, src, dst, plainGreyView(type == CCS_GREY12));
-                        },
-                        937, 1058, 1061, 1290, 0});
-    }
-    list.push_back({L"nearestGrey8Grey8", CCS_GREY8, CCS_GREY8, false, true, false, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestGrey8Grey8(s, d, v, 0xA5);
-                        return nothing();
-                    },
-                    nullptr, copy(0xA5), 331, 352, 355, 398, 0});
-    list.push_back({L"nearestGrey8IndexMap", CCS_GREY8, CCS_INDEX8, false, true, false, true,
-                    [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestGrey8IndexMap(s, d, v, t.a.data(), 0xA5);
-                        return nothing();
-                    },
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestGrey8IndexMap(s, d, v, nullptr, 0xA5);
-                        return nothing();
-                    },
-                    [&t](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                        zolref::nearestGrey8Table(m, src, dst, t.a.data(), 0xA5);
-                    },
-                    421, 443, 446, 492, 430});
-    list.push_back({L"nearestIndexIndex", CCS_INDEX8, CCS_INDEX8, false, false, false, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestIndexIndex(s, d, v, 0x5A);
-                        return nothing();
-                    },
-                    nullptr, copy(0x5A), 515, 536, 539, 581, 0});
-    list.push_back({L"nearestRgb12Rgb12", CCS_RGB12, CCS_RGB12, false, true, false, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb12Rgb12(s, d, v, 0x0123456789ABCDEFULL);
-                        return nothing();
-                    },
-                    nullptr, copy(0x0123456789ABCDEFULL), 604, 625, 628, 668, 0});
-    list.push_back({L"nearestRgb12Rgb8Map", CCS_RGB12, CCS_RGB8, false, true, false, true,
-                    [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb12Rgb8Map(s, d, v, t.deep.data(), 0x89ABCDEFUL);
-                        return nothing();
-                    },
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb12Rgb8Map(s, d, v, nullptr, 0);
-                        return nothing();
-                    },
-                    [&t](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                        zolref::nearestRgb12Table(m, src, dst, t.deep.data(), 0x89ABCDEF);
-                    },
-                    691, 713, 716, 764, 700});
-    list.push_back({L"nearestRgb8Rgb24Save", CCS_RGB8, CCS_RGB24, false, false, false, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb8Rgb24Save(s, d, v, 0xC3);
-                        return nothing();
-                    },
-                    nullptr,
-                    [](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                        zolref::nearestRgb24Save(m, src, dst, 0xC3);
-                    },
-                    787, 808, 811, 859, 0});
-    list.push_back({L"nearestRgb8Rgb8", CCS_RGB8, CCS_RGB8, true, false, false, false,
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        return n.nearestRgb8Rgb8(s, d, v, 0x89ABCDEFUL);
-                    },
-                    nullptr, copy(0x89ABCDEF), 1313, 1334, 1337, 1379, 0});
-    list.push_back({L"nearestRgb8Rgb8Map", CCS_RGB8, CCS_RGB8, false, false, false, true,
-                    [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb8Rgb8Map(s, d, v, t.a.data(), 0x89ABCDEFUL);
-                        return nothing();
-                    },
-                    [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb8Rgb8Map(s, d, v, nullptr, 0);
-                        return nothing();
-                    },
-                    [&t](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                        zolref::nearestRgb8Tables(m, src, dst, t.a.data(), t.a.data(), t.a.data(), 0x89ABCDEF);
-                    },
-                    1402, 1424, 1427, 1475, 1411});
-    list.push_back({L"nearestRgb8Rgb8MapSeperate", CCS_RGB8, CCS_RGB8, false, false, false, true,
-                    [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb8Rgb8MapSeperate(s, d, v, t.a.data(), t.b.data(), t.c.data(), 0x11, 0x22, 0x33);
-                        return nothing();
-                    },
-                    [&t](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& v) {
-                        n.nearestRgb8Rgb8MapSeperate(s, d, v, t.a.data(), t.b.data(), nullptr, 0x11, 0x22, 0x33);
-                        return nothing();
-                    },
-                    [&t](const double* m, const zolref::Pixels& src, const zolref::Pixels& dst) {
-                        // Blue is byte 0: its table is the third one.
-                        zolref::nearestRgb8Tables(m, src, dst, t.c.data(), t.b.data(), t.a.data(), 0x112233);
-                    },
-                    1498, 1521, 1524, 1580, 1507});
-    return list;
-}
-
-template <typename Image>
-zolref::Pixels pixelsOf(Image& image) {
-    return {image.memory.pixels(), image.getWidth(), image.getHeight(), image.getPitch(),
-            zoltest::bytesOfType(image.getType())};
-}
-
-/// Runs a body with the plain loop, the portable operations and every variant of the processor.
-template <typename Body>
-void forEachVariant(Body&& body) {
-    for (const std::string& variant : SpanOperations::variants()) {
-        SCOPED_TRACE(variant);
-        ASSERT_TRUE(SpanOperations::choose(variant));
-        body();
-        if (::testing::Test::HasFatalFailure()) break;
-    }
-    SpanOperations::choose("");
-}
-
 class CCsNearestTest : public ::testing::Test {
 protected:
     ~CCsNearestTest() override { SpanOperations::choose(""); }
-
-    /// Reports of this module; singular views make the transformation report, too.
-    static std::vector<zoltest::Report> ownReports() {
-        std::vector<zoltest::Report> all = ReportCapture::take();
-        std::erase_if(all, [](const zoltest::Report& report) { return report.file != module; });
-        return all;
-    }
 
     ReportCapture reports_;
     CCsNearest nearest_;
@@ -304,7 +110,7 @@ TEST_F(CCsNearestTest, ACallSetsTheTransformationsSizes) {
 }
 
 TEST_F(CCsNearestTest, AnIdentityViewCopiesExactly) {
-    forEachVariant([&] {
+    forEachVariant([&](const std::string& /*variant*/) {
         GuardedImage src(4, 4, CCS_GREY8, 5, 1.0);
         GuardedImage dst(4, 4, CCS_GREY8, 7, 1.0);
         for (int i = 0; i < 20; ++i) src.memory.pixels()[i] = static_cast<unsigned char>(i + 1);
@@ -332,11 +138,11 @@ TEST_F(CCsNearestTest, ASmallSourceAtScaleOneLeavesBackgroundAroundIt) {
 }
 
 TEST_F(CCsNearestTest, EveryMemberDrawsWhatItsRulesSay) {
-    const std::vector<Member> all = members();
+    const auto all = nearestMembers();
     zoltest::Random random(41);
     int compared = 0;
     for (int i = 0; i < 2600; ++i) {
-        const Member& member = all[static_cast<std::size_t>(i) % all.size()];
+        const auto& member = all[static_cast<std::size_t>(i) % all.size()];
         const int largest = random.chance(0.1) ? 300 : 45;
         const auto size = [&] { return random.integer(1, largest); };
         const int srcWidth = size();
@@ -354,7 +160,7 @@ TEST_F(CCsNearestTest, EveryMemberDrawsWhatItsRulesSay) {
         if (comparable) member.draw(matrix.m, pixelsOf(src), pixelsOf(dst));
         const std::vector<unsigned char> expected = dst.memory.all();
         const std::vector<unsigned char> source = src.memory.all();
-        forEachVariant([&] {
+        forEachVariant([&](const std::string& /*variant*/) {
             dst.memory.all() = before;
             CCs2dTrafo trafo(view);
             ASSERT_EQ(member.call(nearest_, src, dst, trafo), 255);
@@ -374,7 +180,7 @@ TEST_F(CCsNearestTest, EveryMemberDrawsWhatItsRulesSay) {
         if (HasFatalFailure()) return;
     }
     EXPECT_GT(compared, 5000);
-    EXPECT_TRUE(ownReports().empty());
+    EXPECT_TRUE(zoltest::reportsOf(zoltest::nearestModule).empty());
 }
 
 TEST_F(CCsNearestTest, OverlaysGoBeforeShuttersAndShuttersBeforePadding) {
@@ -436,7 +242,7 @@ TEST_F(CCsNearestTest, OverlaysGoBeforeShuttersAndShuttersBeforePadding) {
                     }
                 }
                 const std::vector<unsigned char> expected = dst.memory.all();
-                forEachVariant([&] {
+                forEachVariant([&](const std::string& /*variant*/) {
                     dst.memory.all() = before;
                     CCs2dTrafo trafo(view);
                     nearest_.nearestGrey12IndexMap(src, dst, trafo, &map, source.paddingData(), 0xA5);
@@ -448,7 +254,7 @@ TEST_F(CCsNearestTest, OverlaysGoBeforeShuttersAndShuttersBeforePadding) {
         }
     }
     EXPECT_GT(overlaysOverShutters, 100);
-    EXPECT_TRUE(ownReports().empty());
+    EXPECT_TRUE(zoltest::reportsOf(zoltest::nearestModule).empty());
 }
 
 /// A 12-bit raster of one value, drawn 1:1 into a display of the same size.
@@ -616,7 +422,7 @@ TEST_F(CCsNearestTest, SourcesOfOnePixelAndOfVeryLongLines) {
             const zoltest::Matrix matrix = zoltest::toImageOf(view, src, dst);
             zolref::nearestCopy(matrix.m, pixelsOf(src), pixelsOf(dst), 0xBEEF);
             const std::vector<unsigned char> expected = dst.memory.all();
-            forEachVariant([&] {
+            forEachVariant([&](const std::string& /*variant*/) {
                 CCs2dTrafo trafo(view);
                 ASSERT_EQ(nearest_.nearestGrey12Grey12(src, dst, trafo, 0xBEEF, false), 255);
                 ASSERT_TRUE(dst.memory.all() == expected) << src.getWidth() << 'x' << src.getHeight();
@@ -630,7 +436,7 @@ TEST_F(CCsNearestTest, TransformationsThatAreNotFiniteGiveBackgroundOnly) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
     const double most = std::numeric_limits<double>::max();
-    for (const Member& member : members()) {
+    for (const auto& member : nearestMembers()) {
         GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
         GuardedImage dst(9, 7, member.destinationType, 10, 1.0);
         GuardedImage blank(9, 7, member.destinationType, 10, 1.0);
@@ -639,7 +445,7 @@ TEST_F(CCsNearestTest, TransformationsThatAreNotFiniteGiveBackgroundOnly) {
         for (const double value : {nan, inf, -inf, most, -most, 1e100, 1e-200}) {
             for (const bool pan : {false, true}) {
                 if (pan && value == 1e-200) continue;
-                forEachVariant([&] {
+                forEachVariant([&](const std::string& /*variant*/) {
                     std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0));
                     CCs2dTrafo trafo;
                     if (pan) {
@@ -656,11 +462,11 @@ TEST_F(CCsNearestTest, TransformationsThatAreNotFiniteGiveBackgroundOnly) {
             }
         }
     }
-    EXPECT_TRUE(ownReports().empty());
+    EXPECT_TRUE(zoltest::reportsOf(zoltest::nearestModule).empty());
 }
 
 TEST_F(CCsNearestTest, ImagesWithoutLinesAreOnlyUnlocked) {
-    for (const Member& member : members()) {
+    for (const auto& member : nearestMembers()) {
         if (member.destinationType == CCS_RGB24) continue;  // has no guard line to look at
         GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
         CCsRaster flat(9, 0, member.destinationType, 1.0, false, false);
@@ -684,167 +490,18 @@ TEST_F(CCsNearestTest, SourcesWithoutPixelsGiveBackgroundOnly) {
     for (int i = 0; i < 18; ++i) EXPECT_EQ(pixels[i], 0x1234);
 }
 
-TEST_F(CCsNearestTest, OnlyTheStatedTypesAreTaken) {
-    for (const Member& member : members()) {
-        for (int sourceType = CCS_INDEX8; sourceType <= CCS_GREY16; ++sourceType) {
-            for (int destinationType = CCS_INDEX8; destinationType <= CCS_GREY16; ++destinationType) {
-                const bool sizes =
-                    zoltest::bytesOfType(sourceType) == zoltest::bytesOfType(member.sourceType) &&
-                    zoltest::bytesOfType(destinationType) == zoltest::bytesOfType(member.destinationType);
-                const bool exact = sourceType == member.sourceType && destinationType == member.destinationType;
-                const bool either = sourceType == member.sourceType || destinationType == member.destinationType;
-                bool accepted = member.eitherTypeWillDo ? either && sizes : exact;
-                if (member.name == L"nearestGrey12IndexMap") {
-                    accepted = (sourceType == CCS_GREY12 || sourceType == CCS_GREY16) && destinationType == CCS_RGB8;
-                }
-                GuardedRaster src(5, 5, sourceType, 6, 1.0);
-                GuardedImage dst(7, 4, destinationType, 8, 1.0);
-                std::fill(dst.memory.all().begin(), dst.memory.all().end(), static_cast<unsigned char>(0x69));
-                const std::vector<unsigned char> before = dst.memory.all();
-                CCs2dTrafo trafo;
-                const int result = member.call(nearest_, src, dst, trafo);
-                SCOPED_TRACE(zoltest::narrow(member.name) + " " + std::to_string(sourceType) + " to " +
-                             std::to_string(destinationType));
-                if (accepted) {
-                    EXPECT_TRUE(ReportCapture::take().empty());
-                    EXPECT_NE(dst.memory.all(), before);
-                    EXPECT_EQ(trafo.getSrcSize().cx, 5);
-                } else {
-                    EXPECT_EQ(ReportCapture::take(),
-                              (std::vector{errorReport(L"Image type not supported", 0, module, member.typeLine)}));
-                    EXPECT_EQ(dst.memory.all(), before);
-                    EXPECT_EQ(result, member.returnsInt ? 0 : 255);
-                    EXPECT_EQ(trafo.getSrcSize().cx, 1);  // the transformation is not touched
-                }
-            }
-        }
-    }
-}
-
-TEST_F(CCsNearestTest, AMissingTableIsReportedAndNothingIsWritten) {
-    for (const Member& member : members()) {
-        if (!member.hasTable) continue;
-        GuardedRaster src(5, 5, member.sourceType, 6, 1.0);
-        GuardedImage dst(7, 4, member.destinationType, 8, 1.0);
-        const std::vector<unsigned char> before = dst.memory.all();
-        CCs2dTrafo trafo;
-        member.callWithoutTable(nearest_, src, dst, trafo);
-        EXPECT_EQ(
-            ReportCapture::take(),
-            (std::vector{errorReport(L"look-up table is NULL in method " + member.name, 0, module, member.tableLine)}));
-        EXPECT_EQ(dst.memory.all(), before);
-    }
-}
-
-/// Images that tell what is done to them.
-std::vector<std::string>& locks() {
-    static std::vector<std::string> list;
-    return list;
-}
-
-template <typename Base>
-class WatchedImage : public Base {
-public:
-    template <typename... Arguments>
-    explicit WatchedImage(std::string name, Arguments... arguments) : Base(arguments...), name_(std::move(name)) {}
-
-    unsigned char* getOrigin() override {
-        locks().push_back("lock " + name_);
-        if (throws) throw 17;
-        return hasMemory ? Base::getOrigin() : nullptr;
-    }
-    void unlock() override {
-        locks().push_back("unlock " + name_);
-        Base::unlock();
-    }
-
-    bool hasMemory = true;
-    bool throws = false;
-
-private:
-    std::string name_;
-};
-
-TEST_F(CCsNearestTest, BothImagesAreLockedAndUnlockedSourceFirst) {
-    for (const Member& member : members()) {
-        WatchedImage<CCsRaster> src("src", 5, 5, member.sourceType, 1.0, false, false);
-        WatchedImage<CCsRaster> dst("dst", 5, 5, member.destinationType, 1.0, false, false);
-        CCs2dTrafo trafo;
-        locks().clear();
-        EXPECT_EQ(member.call(nearest_, src, dst, trafo), 255);
-        EXPECT_EQ(locks(), (std::vector<std::string>{"lock src", "lock dst", "unlock src", "unlock dst"}));
-    }
-    EXPECT_TRUE(ReportCapture::take().empty());
-}
-
-TEST_F(CCsNearestTest, ImagesWithoutMemoryAreReportedAndUnlocked) {
-    for (const Member& member : members()) {
-        for (const bool sourceMissing : {true, false}) {
-            WatchedImage<CCsRaster> src("src", 5, 5, member.sourceType, 1.0, false, false);
-            WatchedImage<CCsRaster> dst("dst", 5, 5, member.destinationType, 1.0, false, false);
-            src.hasMemory = !sourceMissing;
-            dst.hasMemory = false;
-            CCs2dTrafo trafo;
-            locks().clear();
-            EXPECT_EQ(member.call(nearest_, src, dst, trafo), member.returnsInt ? 0 : 255);
-            EXPECT_EQ(locks(), (std::vector<std::string>{"lock src", "lock dst", "unlock src", "unlock dst"}));
-            const std::wstring image = sourceMissing ? L"source" : L"dst";
-            EXPECT_EQ(
-                ReportCapture::take(),
-                (std::vector{errorReport(L"get origin for " + image + L" raster returned NULL in method " + member.name,
-                                         0, module, sourceMissing ? member.sourceLine : member.destinationLine)}));
-        }
-    }
-}
-
-TEST_F(CCsNearestTest, ExceptionsAreReportedAndStayInside) {
-    for (const Member& member : members()) {
-        WatchedImage<CCsRaster> src("src", 5, 5, member.sourceType, 1.0, false, false);
-        CCsRaster dst(5, 5, member.destinationType, 1.0, false, false);
-        src.throws = true;
-        CCs2dTrafo trafo;
-        EXPECT_EQ(member.call(nearest_, src, dst, trafo), member.returnsInt ? 0 : 255);
-        EXPECT_EQ(ReportCapture::take(),
-                  (std::vector{errorReport(L"Exception in function " + member.name, 0, module, member.exceptionLine)}));
-    }
-}
-
-TEST_F(CCsNearestTest, ADestinationThatThrowsLeavesTheSourceUnlocked) {
-    WatchedImage<CCsRaster> src("src", 5, 5, CCS_GREY12, 1.0, false, false);
-    WatchedImage<CCsRaster> dst("dst", 5, 5, CCS_GREY12, 1.0, false, false);
-    dst.throws = true;
-    CCs2dTrafo trafo;
-    locks().clear();
-    EXPECT_EQ(nearest_.nearestGrey12Grey12(src, dst, trafo, 0, false), 0);
-    EXPECT_EQ(locks(), (std::vector<std::string>{"lock src", "lock dst", "unlock src"}));
-    EXPECT_EQ(ReportCapture::take(),
-              (std::vector{errorReport(L"Exception in function nearestGrey12Grey12", 0, module, 305)}));
-}
-
-TEST_F(CCsNearestTest, AMapThatThrowsIsReportedAndBothImagesAreUnlocked) {
-    WatchedImage<CCsRaster> src("src", 5, 5, CCS_GREY12, 1.0, false, false);
-    WatchedImage<CCsRaster> dst("dst", 5, 5, CCS_RGB8, 1.0, false, false);
-    TableMap map;
-    map.throwsOnCopy = true;
-    CCs2dTrafo trafo;
-    locks().clear();
-    nearest_.nearestGrey12IndexMap(src, dst, trafo, &map, nullptr, 0);
-    EXPECT_EQ(locks(), (std::vector<std::string>{"lock src", "lock dst", "unlock src", "unlock dst"}));
-    EXPECT_EQ(ReportCapture::take(),
-              (std::vector{errorReport(L"Exception in function nearestGrey12IndexMap", 0, module, 1290)}));
-}
-
-TEST_F(CCsNearestTest, ReportLinesAreDistinct) {
-    std::vector<int> lines;
-    for (const Member& member : members()) {
-        if (member.name == L"nearestGrey12IndexMap" && member.sourceType == CCS_GREY16) continue;
-        for (const int line :
-             {member.typeLine, member.sourceLine, member.destinationLine, member.exceptionLine, member.tableLine}) {
-            if (line != 0) lines.push_back(line);
-        }
-    }
-    std::sort(lines.begin(), lines.end());
-    EXPECT_EQ(std::adjacent_find(lines.begin(), lines.end()), lines.end());
-}
-
 }  // namespace
+
+TEST(CCsNearestMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(nearestMembers()); }
+
+TEST(CCsNearestMembers, ReportFailuresAndUnlockBothImages) { zoltest::expectStatedFailures(nearestMembers()); }
+
+TEST(CCsNearestMembers, ReportAMapThatThrows) {
+    zoltest::expectThrowingMapReported<CCsNearest>(
+        [](CCsNearest& n, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
+           unsigned char background) {
+            n.nearestGrey12IndexMap(s, d, t, map, padding, background);
+            return 0;
+        },
+        L"nearestGrey12IndexMap");
+}
