@@ -214,12 +214,11 @@ void CCsLine::move(CCs2dTrafo* /*trafo*/, int dx, int dy, int x, int y, CCsRegio
 }
 
 /// The corner that a drag holds, or -1. The shape's rules may put the corner elsewhere than the pointer is, so a drag
-/// that goes on where it was keeps the corner that it has taken hold of.
+/// that goes on where it was keeps the corner that it has taken hold of, until dspToImg ends it.
 int CCsLine::heldCorner_(int dx, int dy, int x, int y) {
     const int fromX = saturated(std::int64_t{x} - dx);
     const int fromY = saturated(std::int64_t{y} - dy);
-    const bool goesOn =
-        displayAuthoritative != 0 && hold.vertex >= 0 && hold.pointerX == fromX && hold.pointerY == fromY;
+    const bool goesOn = hold.vertex >= 0 && hold.pointerX == fromX && hold.pointerY == fromY;
     if (!goesOn) {
         hold.vertex = vertexAt_(dx, dy, x, y);
         if (hold.vertex < 0) return -1;
@@ -278,7 +277,7 @@ void CCsLine::dspToImg(CCs2dTrafo* trafo) {
                        [&](const CCsPointDouble& point) { return CCsImageUtils::dspToImgD(*trafo, point); });
     }
     displayAuthoritative = 0;
-    hold = Hold();
+    hold = Hold();  // the drag has ended
 }
 
 void CCsLine::imgToDsp(CCs2dTrafo* trafo) {

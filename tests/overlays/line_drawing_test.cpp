@@ -1,4 +1,5 @@
 #include "support/drawing.h"
+#include "support/open_line.h"
 #include "support/overlay_views.h"
 
 #include "zolcs/ccsgroup.h"
@@ -14,6 +15,7 @@ using zoltest::drawn;
 using zoltest::GdiRecorder;
 using zoltest::identityView;
 using zoltest::mirroredView;
+using zoltest::OpenLine;
 using zoltest::quarterTurnedView;
 using zoltest::Rendering;
 using zoltest::square;
@@ -542,24 +544,17 @@ TEST_F(LineDrawing, AFilledCurveIsAClosedArea) {
               figure({}, "", "bezier (10 10) (15 10) (35 0) (40 10) (45 20) (40 60) (40 70)\n"));
 }
 
-/// An ellipse with the interpolated flag too.
-class BothLine : public CCsLine {
-public:
-    using CCsLine::CCsLine;
-    using CCsLine::interpolated;
-};
-
 TEST_F(LineDrawing, TheCurveComesBeforeTheEllipse) {
-    BothLine line(&view, 10.0, 10.0, 40.0, 10.0, 40.0, 40.0, 10.0, 40.0, solid, true, false);
+    OpenLine line(&view, 10.0, 10.0, 40.0, 10.0, 40.0, 40.0, 10.0, 40.0, solid, true, false);
     line.interpolated = 1;
     CCsLine curve(&view, Points{{10, 10}, {40, 10}, {40, 40}, {10, 40}}, solid, true, false, false);
     EXPECT_EQ(drawn(line, screen()), drawn(curve, screen()));
 }
 
 /// Writes down how it is asked to draw.
-class AskedLine : public BothLine {
+class AskedLine : public OpenLine {
 public:
-    using BothLine::BothLine;
+    using OpenLine::OpenLine;
     void renderEllipse(CCs2dTrafo* i, CCs2dTrafo* o, unsigned long color, HDC, int mode, int width, int height,
                        int offsetX, int offsetY, bool flag1, bool flag2) override {
         note("ellipse", i, o, color, {mode, width, height, offsetX, offsetY}, flag1, flag2);

@@ -1,6 +1,7 @@
 // Lines of every kind against the rules of drawing, written down once more as plainly as possible: random figures,
 // flags, modes and views, and for each of them the whole sequence of calls.
 #include "support/drawing.h"
+#include "support/open_line.h"
 #include "support/overlay_views.h"
 #include "support/test_data.h"
 
@@ -13,34 +14,13 @@
 
 namespace {
 
+using zoltest::OpenLine;
+
 using Points = std::vector<CCsPointDouble>;
-
-/// A line all of whose flags can be set.
-class AnyLine : public CCsLine {
-public:
-    using CCsLine::CCsLine;
-
-    using CCsLine::closed;
-    using CCsLine::dicomPrintFlag;
-    using CCsLine::displayAuthoritative;
-    using CCsLine::displayPoints;
-    using CCsLine::displayPointsDouble;
-    using CCsLine::ellipse;
-    using CCsLine::fillColor;
-    using CCsLine::filled;
-    using CCsLine::imagePoints;
-    using CCsLine::interpolated;
-    using CCsLine::normalised;
-    using CCsLine::normalisedPoints;
-    using CCsLine::penStyle;
-    using CCsLine::pointCount;
-    using CCsLine::selected;
-    using CCsLine::shadow;
-};
 
 /// The display coordinates that a line holds: rounded ones and unrounded ones.
 struct Held {
-    explicit Held(const AnyLine& line) {
+    explicit Held(const OpenLine& line) {
         for (std::size_t i = 0; line.displayPoints != nullptr && i < static_cast<std::size_t>(line.pointCount); ++i) {
             shown.push_back(line.displayPoints[i]);
             exact.push_back(line.displayPointsDouble[i]);
@@ -72,7 +52,7 @@ struct Call {
 /// What a line is to draw, and the display points that it has afterwards.
 class Reference {
 public:
-    Reference(const AnyLine& line, const Call& call) : held(line), line_(line), call_(call) {
+    Reference(const OpenLine& line, const Call& call) : held(line), line_(line), call_(call) {
         if (line.isRenderable() && place()) draw();
     }
 
@@ -247,7 +227,7 @@ private:
         return std::string("pen ") + styles[line_.penStyle] + ' ' + std::to_string(width) + ' ' + colored(color);
     }
 
-    const AnyLine& line_;
+    const OpenLine& line_;
     const Call& call_;
     Points at_;
     std::ostringstream out_;
@@ -265,7 +245,7 @@ CCs2dTrafo anyView(zoltest::Random& random) {
     return view;
 }
 
-AnyLine anyLine(zoltest::Random& random, CCs2dTrafo& view) {
+OpenLine anyLine(zoltest::Random& random, CCs2dTrafo& view) {
     const bool normalised = random.chance(0.2);
     const bool whole = random.chance(0.3);
     Points points(static_cast<std::size_t>(random.chance(0.3) ? 4 : random.integer(0, 6)));
@@ -278,7 +258,7 @@ AnyLine anyLine(zoltest::Random& random, CCs2dTrafo& view) {
             p.setPosition(random.real(-300, 900), random.real(-300, 900));
         }
     }
-    AnyLine line(&view, points, random.integer(0, 6), false, normalised, random.chance(0.4));
+    OpenLine line(&view, points, random.integer(0, 6), false, normalised, random.chance(0.4));
     // Whatever is not 0 counts as set.
     const auto flag = [&](double probability) { return random.chance(probability) ? random.integer(1, 3) - 4 : 0; };
     line.interpolated = flag(0.25);
@@ -301,8 +281,8 @@ TEST(LineProperty, EveryFigureIsDrawnByTheRules) {
         CCs2dTrafo made = anyView(random);
         CCs2dTrafo image = anyView(random);
         CCs2dTrafo output = anyView(random);
-        const AnyLine original = anyLine(random, made);
-        AnyLine line(original);  // which is to look the same
+        const OpenLine original = anyLine(random, made);
+        OpenLine line(original);  // which is to look the same
         Call call;
         call.image = random.chance(0.03) ? nullptr : &image;
         call.output = random.chance(0.03) ? nullptr : &output;

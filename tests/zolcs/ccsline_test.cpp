@@ -1,6 +1,7 @@
 #include "zolcs/ccsline.h"
 
 #include "support/gdi_canvas.h"
+#include "support/open_line.h"
 #include "support/overlay_views.h"
 #include "support/test_data.h"
 #include "support/vtable_slots.h"
@@ -18,8 +19,14 @@
 
 namespace {
 
+using zoltest::displayOf;
+using zoltest::exactOf;
 using zoltest::identityView;
+using zoltest::imageOf;
 using zoltest::mirroredView;
+using zoltest::normalisedOf;
+using zoltest::Numbers;
+using zoltest::OpenLine;
 using zoltest::quarterTurnedView;
 using zoltest::zoomedView;
 
@@ -27,55 +34,6 @@ constexpr int solid = 0;
 constexpr int dotted = 2;
 
 static_assert(!std::is_copy_assignable_v<CCsLine>);
-
-/// A line that shows its fields.
-class OpenLine : public CCsLine {
-public:
-    using CCsLine::CCsLine;
-    using CCsLine::transformToOutput;
-
-    using CCsLine::closed;
-    using CCsLine::dicomPrintFlag;
-    using CCsLine::displayAuthoritative;
-    using CCsLine::displayPoints;
-    using CCsLine::displayPointsDouble;
-    using CCsLine::ellipse;
-    using CCsLine::fillColor;
-    using CCsLine::filled;
-    using CCsLine::groupPickFlag;
-    using CCsLine::imagePoints;
-    using CCsLine::interpolated;
-    using CCsLine::maxPointCount;
-    using CCsLine::normalised;
-    using CCsLine::normalisedPoints;
-    using CCsLine::penStyle;
-    using CCsLine::pointCount;
-    using CCsLine::selected;
-    using CCsLine::shadow;
-};
-
-using Numbers = std::vector<double>;
-
-Numbers displayOf(const CCsLine& line) {
-    std::vector<CPoint> points;
-    line.getEndPts(points);
-    Numbers out;
-    for (const CPoint& point : points) out.insert(out.end(), {1.0 * point.x, 1.0 * point.y});
-    return out;
-}
-
-template <typename Points>
-Numbers numbersOf(const Points& points, int count) {
-    Numbers out;
-    for (std::size_t i = 0; points != nullptr && i < static_cast<std::size_t>(count); ++i) {
-        out.insert(out.end(), {1.0 * points[i].x, 1.0 * points[i].y});
-    }
-    return out;
-}
-
-Numbers exactOf(const OpenLine& line) { return numbersOf(line.displayPointsDouble, line.pointCount); }
-Numbers imageOf(const OpenLine& line) { return numbersOf(line.imagePoints, line.pointCount); }
-Numbers normalisedOf(const OpenLine& line) { return numbersOf(line.normalisedPoints, line.pointCount); }
 
 Numbers of(const CCsRegion& region) {
     return {1.0 * region.left, 1.0 * region.top, 1.0 * region.width, 1.0 * region.height};
@@ -654,7 +612,6 @@ TEST(CCsLineOutput, OtherModesAndVerticesHaveNoPosition) {
 
 TEST(CCsLineOutput, PositionsBeyondTheIntegersStayTrueAndSaturateInStore) {
     CCs2dTrafo view = zoomedView(0x1p40);
-    OpenLine line;
     OpenLine distant(&view, 0, 0, 0, 0, solid);
     distant.setImgPts(nullptr, 129.0, 127.0, 128.0, 128.0);
     EXPECT_EQ(positionOf(distant, 0, &view, nullptr, 1), (Position{true, 0x1p41 + 256, -0x1p41 + 256}));
@@ -744,7 +701,7 @@ TEST(CCsLinePick, FourDisplayPixelsAtEveryZoomTurnAndMirror) {
         std::vector<CCsPointDouble> points(static_cast<std::size_t>(random.integer(1, 4)));
         for (CCsPointDouble& p : points) p.setPosition(random.integer(-reach, reach), random.integer(-reach, reach));
         OpenLine line(&view, points, solid, false, false, false);
-        if (random.chance(0.5)) line.close();
+        if (random.chance(0.5)) line.closed = random.chance(0.5) ? 1.0 : -0.25;  // whatever is not 0
         // Another view, in which the line is picked where it has been painted.
         view.scale(random.real(0.2, 3.0));
         view.rotate(random.real(0.0, 360.0));
@@ -947,18 +904,12 @@ TEST(CCsLineReshape, RectanglesWhoseFirstSideIsUpright) {
 
 TEST(CCsLineReshape, TurnedRectanglesKeepTheirDirection) {
     CCs2dTrafo view = identityView();
-    // Sides along (3, 4) and (-4, 3): corner 2 goes on by one unit along each of them.
+    // Sides of 100 along (3, 4) and (-4, 3), both of which the corner makes 50 longer.
     OpenLine line(&view, 100, 100, 160, 180, 80, 240, 20, 160, solid);
     line.select();
     line.moveRectangle(nullptr, -10, 70, 70, 310, nullptr);
-    const Numbers expected{100, 100, 196, 228, 106 - 36 + 0, 310, -26, 182};
-    const Numbers got = displayOf(line);
-    ASSERT_EQ(got.size(), 8U);
-    EXPECT_EQ(got[0], 100);
-    EXPECT_EQ(got[1], 100);
-    EXPECT_EQ(got[4], 70);
-    EXPECT_EQ(got[5], 310);
-    // What is left of the rectangle: its sides stay parallel to what they were, within the rounding of a pixel.
+    EXPECT_EQ(displayOf(line), (Numbers{100, 100, 190, 220, 70, 310, -20, 190}));
+    // Unrounded, too, its sides stay parallel to what they were.
     const Numbers exact = exactOf(line);
     EXPECT_NEAR((exact[2] - exact[0]) * 4 - (exact[3] - exact[1]) * 3, 0.0, 1e-9);
     EXPECT_NEAR((exact[6] - exact[0]) * 3 + (exact[7] - exact[1]) * 4, 0.0, 1e-9);
@@ -1063,6 +1014,79 @@ TEST(CCsLineReshape, JoinsTheAreasBeforeAndAfter) {
     EXPECT_EQ(of(region), (Numbers{7, 17, 97, 107}));
 }
 
+using zoltest::Random;
+using Shape = void (*)(zolcs::Corners&);
+
+/// A rectangle turned anyhow, in either order around it, with sides along u and v, and a drag on one of its corners.
+struct Turned {
+    explicit Turned(Random& random) {
+        // Far enough from the axes: sides within half a pixel of one would be laid on it.
+        const double angle = std::acos(0.0) * random.integer(0, 3) + random.real(0.1, 1.47);
+        u = {std::cos(angle), std::sin(angle)};
+        v = random.chance(0.5) ? zolcs::OutputPoint{-u.y, u.x} : zolcs::OutputPoint{u.y, -u.x};
+        const zolcs::OutputPoint along = u * random.real(20.0, 300.0);
+        const zolcs::OutputPoint across = v * random.real(20.0, 300.0);
+        const zolcs::OutputPoint first{random.real(-500.0, 500.0), random.real(-500.0, 500.0)};
+        corners.points = {first, first + along, first + along + across, first + across};
+        corners.dragged = static_cast<std::size_t>(random.integer(0, 3));
+        corners.target = {random.real(-900.0, 900.0), random.real(-900.0, 900.0)};
+    }
+
+    /// The corners after a reshape by `shape`, which must be a rectangle with its sides still along u and v.
+    [[nodiscard]] std::array<zolcs::OutputPoint, 4> reshaped(Shape shape) const {
+        zolcs::Corners after = corners;
+        shape(after);
+        const auto& p = after.points;
+        expectSame(p[0] + p[2], p[1] + p[3]);
+        EXPECT_NEAR(dot(p[1] - p[0], v), 0.0, 1e-9);
+        EXPECT_NEAR(dot(p[3] - p[0], u), 0.0, 1e-9);
+        return p;
+    }
+
+    /// The longer side from a point to the target.
+    [[nodiscard]] double longerSideFrom(zolcs::OutputPoint from) const {
+        const zolcs::OutputPoint way = corners.target - from;
+        return std::max(std::fabs(dot(way, u)), std::fabs(dot(way, v)));
+    }
+
+    static void expectSame(zolcs::OutputPoint a, zolcs::OutputPoint b) {
+        EXPECT_NEAR(a.x, b.x, 1e-9);
+        EXPECT_NEAR(a.y, b.y, 1e-9);
+    }
+
+    zolcs::OutputPoint u;
+    zolcs::OutputPoint v;
+    zolcs::Corners corners;
+};
+
+TEST(CCsLineReshape, TurnedFiguresKeepWhatTheirRulesKeep) {
+    Random random(90);
+    for (int run = 0; run < 300; ++run) {
+        SCOPED_TRACE(run);
+        const Turned figure(random);
+        const std::size_t dragged = figure.corners.dragged;
+        const std::size_t opposite = (dragged + 2) % 4;
+        const zolcs::OutputPoint fixed = figure.corners.points[opposite];
+        const zolcs::OutputPoint centre = (figure.corners.points[0] + figure.corners.points[2]) * 0.5;
+
+        const auto rectangle = figure.reshaped(zolcs::reshapeRectangle);
+        Turned::expectSame(rectangle[opposite], fixed);
+        Turned::expectSame(rectangle[dragged], figure.corners.target);
+
+        const auto square = figure.reshaped(zolcs::reshapeSquare);
+        Turned::expectSame(square[opposite], fixed);
+        EXPECT_NEAR(std::fabs(dot(square[1] - square[0], figure.u)), figure.longerSideFrom(fixed), 1e-9);
+        EXPECT_NEAR(std::fabs(dot(square[3] - square[0], figure.v)), figure.longerSideFrom(fixed), 1e-9);
+        EXPECT_GE(dot(square[dragged] - fixed, figure.corners.target - fixed), 0.0);  // on the pointer's side
+
+        const auto circle = figure.reshaped(zolcs::reshapeCircle);
+        Turned::expectSame((circle[0] + circle[2]) * 0.5, centre);
+        EXPECT_NEAR(std::fabs(dot(circle[1] - circle[0], figure.u)), 2.0 * figure.longerSideFrom(centre), 1e-9);
+        EXPECT_NEAR(std::fabs(dot(circle[3] - circle[0], figure.v)), 2.0 * figure.longerSideFrom(centre), 1e-9);
+        EXPECT_GE(dot(circle[dragged] - centre, figure.corners.target - centre), 0.0);
+    }
+}
+
 TEST(CCsLineReshape, RulesCopeWithEveryNumber) {
     const double values[] = {0.0,
                              1.0,
@@ -1073,11 +1097,17 @@ TEST(CCsLineReshape, RulesCopeWithEveryNumber) {
                              std::numeric_limits<double>::quiet_NaN()};
     for (const double value : values) {
         for (std::size_t dragged = 0; dragged < 4; ++dragged) {
-            for (auto* const shape : {zolcs::reshapeRectangle, zolcs::reshapeSquare, zolcs::reshapeCircle}) {
-                zolcs::Corners corners{{{{value, 0}, {1, value}, {value, value}, {0, 0}}}, dragged, {value, -value}};
-                shape(corners);  // the sanitizers watch
-                zolcs::Corners target{{{{0, 0}, {10, 0}, {10, 10}, {0, 10}}}, dragged, {value, -value}};
-                shape(target);
+            for (const Shape shape : {zolcs::reshapeRectangle, zolcs::reshapeSquare, zolcs::reshapeCircle}) {
+                zolcs::Corners anything{{{{value, 0}, {1, value}, {value, value}, {0, 0}}}, dragged, {value, -value}};
+                shape(anything);  // the sanitizers watch
+                zolcs::Corners figure{{{{0, 0}, {10, 0}, {10, 10}, {0, 10}}}, dragged, {value, -value}};
+                const zolcs::OutputPoint fixed = figure.points[(dragged + 2) % 4];
+                shape(figure);
+                const zolcs::OutputPoint after = figure.points[(dragged + 2) % 4];
+                // However far the pointer is, the corner that stays does so exactly.
+                if (shape != zolcs::reshapeCircle) {
+                    EXPECT_TRUE(after.x == fixed.x && after.y == fixed.y) << value;
+                }
             }
         }
     }
@@ -1096,7 +1126,8 @@ TEST(CCsLineSize, GrowsARectangleThatHoldsSomething) {
     EXPECT_EQ(sizeOf(line, {0, 0, 0, 0}), (Edges{10, 5, 30, 9}));
     EXPECT_EQ(sizeOf(line, {15, 6, 40, 7}), (Edges{10, 5, 40, 9}));
     EXPECT_EQ(sizeOf(line, {-5, 6, 20, 60}), (Edges{-5, 5, 30, 60}));
-    EXPECT_EQ(sizeOf(line, {50, 5, 0, 0}), (Edges{10, 5, 30, 9}));   // as a text leaves it
+    EXPECT_EQ(sizeOf(line, {50, 5, 0, 0}), (Edges{10, 5, 30, 9}));  // as a text leaves it
+    EXPECT_EQ(sizeOf(line, {5, 50, 60, 7}), (Edges{10, 5, 30, 9}));
     EXPECT_EQ(sizeOf(line, {50, 7, 60, 7}), (Edges{10, 5, 60, 9}));  // a horizontal line's
     OpenLine none;
     EXPECT_EQ(sizeOf(none, {1, 2, 3, 4}), (Edges{1, 2, 3, 4}));

@@ -1,6 +1,7 @@
 #include "zolcs/ccstrack.h"
 
 #include "support/gdi_canvas.h"
+#include "support/open_line.h"
 #include "support/overlay_double.h"
 #include "support/overlay_views.h"
 #include "support/vtable_slots.h"
@@ -17,8 +18,10 @@
 
 namespace {
 
+using zoltest::displayOf;
 using zoltest::identityView;
 using zoltest::mirroredView;
+using zoltest::Numbers;
 using zoltest::OverlayDouble;
 using zoltest::quarterTurnedView;
 using zoltest::zoomedView;
@@ -184,7 +187,6 @@ TEST(CCsTrack, CopyingWithAPickedMemberClonesTheMemberAlone) {
 
 // ---------------------------------------------------------------------------------------------------- drags
 
-using Numbers = std::vector<double>;
 using Reshape = void (CCsLine::*)(CCs2dTrafo*, int, int, int, int, CCsRegion*);
 
 /// A host with a view and a group of annotations: it paints before and after each drag, moves what the press has hit
@@ -242,14 +244,6 @@ private:
 
     zoltest::Canvas canvas_{64, 64};
 };
-
-Numbers displayOf(const CCsLine& line) {
-    std::vector<CPoint> points;
-    line.getEndPts(points);
-    Numbers out;
-    for (const CPoint& point : points) out.insert(out.end(), {1.0 * point.x, 1.0 * point.y});
-    return out;
-}
 
 Numbers imageOf(const CCsLine& line) {
     std::vector<CPoint> points;
