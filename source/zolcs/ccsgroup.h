@@ -9,6 +9,7 @@
 /// group is copied; that is not tested.
 class ZOLWEBCS_API CCsGroup : public CCsOverlay {
 public:
+    /// Empty, with a group pick flag of 0.
     CCsGroup();
     /// Deep: clones every member. Takes over the external flag and else starts like a new group.
     CCsGroup(const CCsGroup& other);
@@ -37,6 +38,7 @@ public:
     void move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) override;
 
     using CCsOverlay::render;
+    /// Draws the members, first to last, whatever the group's own render flag is.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
     void dspToImg(CCs2dTrafo* trafo) override;
@@ -44,6 +46,7 @@ public:
     void getSize(RECT& rect) override;
     void size(unsigned int what, int dx, int dy, CCs2dTrafo* trafo) override;
     void updateTrafo(CCs2dTrafo* trafo, bool flag) override;
+    /// Of the members; the group itself keeps none.
     void setDicomPrintFlag(bool on) override;
 
     /// Links the overlay itself, not a copy, behind the last member. It must be free, which is not tested; the group
@@ -73,15 +76,16 @@ public:
     /// Whether a direct member is not burnt to the image.
     [[nodiscard]] bool isAnyOverlayNotBurnt() const;
 
+    /// Whether the group has members.
     [[nodiscard]] bool isAnyOverlayPresent() const;
 
     /// 1 when a direct member is transformable, else 0.
     [[nodiscard]] int isTransformableOverlAdded() const;
 
-    /// Of the direct members only, not of the members of nested groups.
+    /// Marks the direct members, not those of nested groups, as burnt to the image or not.
     void setBurntToImage(bool on);
 
-    /// Of the direct members only, not of the members of nested groups.
+    /// Sets what isTransformable gives for the direct members, not for those of nested groups.
     void setTransformable(int on);
 
 protected:

@@ -55,6 +55,7 @@ public:
     CCsLine& operator=(const CCsLine&) = delete;
     ~CCsLine() override;
 
+    /// A deep copy on the heap that belongs to the caller, or null when memory is exhausted.
     CCsOverlay* NewInstance() override;
 
     /// This line when (x, y), in display pixels, lies within 4 pixels of a segment (of the closing segment, too, when
@@ -74,8 +75,10 @@ public:
 
     using CCsOverlay::render;
     /// Draws the shadow and the outline, with handles while selected, or the filled area; as a smooth curve or an
-    /// ellipse when the line is one. Pens and colours go by the mode; `color` counts on the screen and in mode 3.
-    /// Width, height and offsets have no effect. Nothing is drawn while not renderable, without vertices, in other
+    /// ellipse when the line is one. On the screen and in mode 3 the pen is one pixel wide and of `color`, on a printer
+    /// a sixtieth of an inch and white, in mode 4 about a tenth of the text's height and yellow; an area is filled with
+    /// its own colour, which on the screen and in mode 3 shows as a mid grey, or like the pen where it has none. Width,
+    /// height and offsets have no effect. Nothing is drawn while not renderable, without vertices, in other
     /// modes than 1 to 4 (normalised lines apart), and where the transformation that the mode needs is null. The device
     /// context keeps its pen, brush and background mode.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
@@ -102,6 +105,7 @@ public:
                                         int mode, int width, int height, int offsetX, int offsetY, bool flag1,
                                         bool flag2);
 
+    /// Shows handles at the vertices, by which they can be dragged.
     virtual void select();
     /// Always 0.
     virtual int unselect();
@@ -170,7 +174,9 @@ public:
     void setNormPts(CCs2dTrafo* trafo, double x1, double y1, double x2, double y2, double x3, double y3, double x4,
                     double y4);
 
+    /// Whether the outline has a dark copy behind it, which keeps it visible on bright tissue.
     void setShadow(bool on);
+    /// GDI's PS_SOLID, PS_DASH and so on; dashes and dots are GDI's, which draws them in pens one pixel wide only.
     void setPenStyle(int style);
     /// 0x00BBGGRR; a colour other than 0 makes the line filled, 0 makes it an outline.
     void setColorFilled(unsigned long newColor);

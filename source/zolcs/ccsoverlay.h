@@ -89,17 +89,21 @@ public:
     /// Leaves the group, which no longer owns this overlay then. Harmless for a free overlay.
     void unchain();
 
+    /// Whether the overlay is drawn.
     [[nodiscard]] bool isRenderable() const { return renderable; }
-    /// While off, nothing is drawn.
+    /// While off, nothing is drawn. On a group it has no effect: each member goes by its own flag.
     void setRenderFlag(bool on) { renderable = on; }
     /// A tag for the caller; nothing here looks at it.
     void setOverlayID(int id) { overlayId = id; }
     [[nodiscard]] bool isExternal() const { return external; }
-    /// External overlays survive CCsGroup::resetAll and can neither be moved nor picked.
+    /// External overlays survive CCsGroup::resetAll and can neither be moved nor picked. Overwrites the move status and
+    /// the group pick flag, also when switched off.
     void setExternalStatus_(bool on);
+    /// While off, move does nothing.
     void setMoveStatus_(bool on) { movable = on; }
     /// Burnt overlays are in the image's pixels already and survive CCsGroup::resetAll.
     void setBurntToImage_(bool on) { burntToImage = on; }
+    /// What isTransformable gives.
     void setTransformable_(int on) { transformable = on; }
     /// On a group: a hit on any member gives the group itself. On a line: whether it can be picked.
     void setGroupPickFlag(int on) { groupPickFlag = on; }

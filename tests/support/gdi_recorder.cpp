@@ -186,8 +186,7 @@ HGDIOBJ ZOL_DOUBLE(SelectObject)(HDC dc, HGDIOBJ object) {
 
 int ZOL_DOUBLE(GetDeviceCaps)(HDC dc, int index) {
     static const auto real = ZOL_REAL(GetDeviceCaps);
-    const bool dots = index == LOGPIXELSX || index == LOGPIXELSY;
-    return dots && active != nullptr && active->dotsPerInch ? *active->dotsPerInch : real(dc, index);
+    return index == LOGPIXELSY && active != nullptr && active->dotsPerInch ? *active->dotsPerInch : real(dc, index);
 }
 
 BOOL ZOL_DOUBLE(GetTextMetricsW)(HDC dc, TEXTMETRICW* metrics) {

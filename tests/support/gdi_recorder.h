@@ -28,7 +28,7 @@ public:
     /// The calls since the beginning or the last take, each with a line end.
     std::string take();
 
-    std::optional<int> dotsPerInch;  ///< what GetDeviceCaps tells instead of the truth
+    std::optional<int> dotsPerInch;  ///< down the page: what GetDeviceCaps tells instead of the truth
     std::optional<LONG> textHeight;  ///< tmHeight in GetTextMetricsW
     std::optional<SIZE> textExtent;  ///< of GetTextExtentPoint32W
     std::optional<LONG> hostFont;    ///< lfHeight of the fonts that CreateFontForStr makes; 0: it makes none

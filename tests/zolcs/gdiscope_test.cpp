@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include "support/gdi_count.h"
 
 namespace {
@@ -52,18 +50,6 @@ TEST_F(GdiScope, AnEmptyScopeOwnsNothing) {
     EXPECT_EQ(pen.get(), nullptr);
 }
 
-TEST_F(GdiScope, MovingHandsTheObjectOver) {
-    zolcs::Pen first(CreatePen(PS_SOLID, 1, 0));
-    HPEN const handle = first.get();
-    zolcs::Pen second(std::move(first));
-    EXPECT_EQ(second.get(), handle);
-    expectLiving(1);
-    zolcs::Pen third(CreatePen(PS_SOLID, 1, 0));
-    expectLiving(2);
-    third = std::move(second);
-    EXPECT_EQ(third.get(), handle);
-}
-
 TEST_F(GdiScope, MemoryContextsAreDeleted) {
     {
         const zolcs::MemoryDC dc(nullptr);
@@ -96,13 +82,30 @@ TEST_F(GdiScope, SelectionsEndBeforeWhatTheySelect) {
             const zolcs::SelectGuard selectedSection(dc.get(), section.get());
             const zolcs::SelectGuard selectedPen(dc.get(), pen.get());
             EXPECT_TRUE(selectedSection && selectedPen);
-            EXPECT_EQ(selectedSection.previous(), bitmapBefore);
-            EXPECT_EQ(selectedPen.previous(), penBefore);
             EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_BITMAP), static_cast<HGDIOBJ>(section.get()));
             EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), static_cast<HGDIOBJ>(pen.get()));
         }
         EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_BITMAP), bitmapBefore);
         EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), penBefore);
+    }
+    expectLiving(0);
+}
+
+TEST_F(GdiScope, OfSeveralSelectionsTheFirstComesBack) {
+    {
+        const zolcs::Pen first(CreatePen(PS_SOLID, 1, RGB(1, 1, 1)));
+        const zolcs::Pen second(CreatePen(PS_SOLID, 1, RGB(2, 2, 2)));
+        const zolcs::MemoryDC dc(nullptr);
+        HGDIOBJ const before = GetCurrentObject(dc.get(), OBJ_PEN);
+        for (HGDIOBJ const begin : {static_cast<HGDIOBJ>(first.get()), static_cast<HGDIOBJ>(nullptr)}) {
+            zolcs::SelectGuard selection(dc.get(), begin);
+            selection.change(second.get());
+            EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), static_cast<HGDIOBJ>(second.get()));
+            selection.change(nullptr);
+            EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), static_cast<HGDIOBJ>(second.get()));
+            selection.change(first.get());
+        }
+        EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), before);
     }
     expectLiving(0);
 }
@@ -113,7 +116,6 @@ TEST_F(GdiScope, SelectingNothingOrInNothingDoesNothing) {
     {
         const zolcs::SelectGuard none(dc.get(), nullptr);
         EXPECT_FALSE(none);
-        EXPECT_EQ(none.previous(), nullptr);
         EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), before);
     }
     EXPECT_EQ(GetCurrentObject(dc.get(), OBJ_PEN), before);

@@ -5,8 +5,6 @@
 
 #include "platform/platform.h"
 
-#include <utility>
-
 namespace zolcs {
 
 /// Owns what a Create call made; may be empty.
@@ -16,11 +14,6 @@ public:
     explicit GdiObject(Handle handle = nullptr) : handle_(handle) {}
     ~GdiObject() {
         if (handle_ != nullptr) DeleteObject(handle_);
-    }
-    GdiObject(GdiObject&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    GdiObject& operator=(GdiObject&& other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
     }
     GdiObject(const GdiObject&) = delete;
     GdiObject& operator=(const GdiObject&) = delete;
@@ -89,8 +82,7 @@ public:
         if (previous_ == nullptr) previous_ = replaced;
     }
 
-    /// What was selected before; null when nothing has been selected.
-    [[nodiscard]] HGDIOBJ previous() const { return previous_; }
+    /// Whether anything has been selected.
     explicit operator bool() const { return previous_ != nullptr; }
 
 private:
