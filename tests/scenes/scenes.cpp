@@ -1,5 +1,7 @@
 #include "scenes/scenes.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -302,6 +304,75 @@ Picture colour(Kind kind, const InterpolatedView& view) {
     return Stage::take(frame, 139, 101);
 }
 
+Picture coloursOf(CCsRaster& image) {
+    Picture picture{image.getWidth(), image.getHeight(), {}};
+    const auto* line = reinterpret_cast<const std::uint32_t*>(image.getOrigin());
+    for (int y = 0; y < picture.height; ++y, line += image.getPitch()) {
+        picture.pixels.insert(picture.pixels.end(), line, line + picture.width);
+    }
+    image.unlock();
+    return picture;
+}
+
+/// What an accelerated member draws of a grey or a colour picture.
+Picture accelerated(Kind kind, CCsRaster& source, CCs2dTrafo& trafo) {
+    const bool isGrey = source.getType() == CCS_GREY12;
+    CCsRaster drawn(67, 58, source.getType(), 1.0, false, false);
+    constexpr unsigned char background = 77;
+    const auto draw = [&] {
+        switch (kind) {
+            case Kind::Nearest:
+                return isGrey ? CCsNearest().nearestIPPGrey12Grey12(source, drawn, trafo, background)
+                              : CCsNearest().nearestIPPRgb8Rgb8(source, drawn, trafo, background);
+            case Kind::Bilinear:
+                return isGrey ? CCsBilinear().bilinearIPPGrey12Grey12(source, drawn, trafo, background)
+                              : CCsBilinear().bilinearIPPRgb8Rgb8(source, drawn, trafo, background);
+            default:
+                return isGrey ? CCsBicubic().bicubicIPPGrey12Grey12(source, drawn, trafo, background)
+                              : CCsBicubic().bicubicIPPRgb8Rgb8(source, drawn, trafo, background);
+        }
+    };
+    if (draw() != 255) throw std::runtime_error("resampling refused");
+    return isGrey ? valuesOf(drawn) : coloursOf(drawn);
+}
+
+void place(const Picture& tile, int left, int top, Picture& sheet) {
+    for (int y = 0; y < tile.height; ++y) {
+        std::copy_n(tile.pixels.begin() + static_cast<std::ptrdiff_t>(y) * tile.width, tile.width,
+                    sheet.pixels.begin() + static_cast<std::ptrdiff_t>(top + y) * sheet.width + left);
+    }
+}
+
+/// A sheet of views: one column for each angle; whole images plain and mirrored, then images of which a shutter leaves
+/// a part, with pixels that are not square, zoomed out of the middle, plain and mirrored.
+Picture acceleratedSheet(Kind kind, bool isGrey, const std::array<double, 4>& angles) {
+    Picture sheet;
+    for (int row = 0; row < 4; ++row) {
+        const bool isMirrored = row % 2 != 0;
+        const bool isPart = row >= 2;
+        Stage grey(isPart ? 1.4 : 1.0);
+        CCsRaster colour(sourceWidth, sourceHeight, CCS_RGB8, isPart ? 1.4 : 1.0, false, false);
+        fillColour(colour);
+        CCsRaster& source = isGrey ? grey.raster : colour;
+        if (isPart) source.setRectShutter(RECT{12, 7, 83, 60});
+        for (int column = 0; column < 4; ++column) {
+            CCs2dTrafo trafo;
+            if (isMirrored) trafo.mirror(CCS_HORIZONTAL);
+            trafo.rotate(angles[static_cast<std::size_t>(column)]);
+            if (isPart) {
+                trafo.scale(1.37);
+                trafo.translate(0.053, -0.021);
+            }
+            const Picture tile = accelerated(kind, source, trafo);
+            sheet.width = 4 * tile.width;
+            sheet.height = 4 * tile.height;
+            sheet.pixels.resize(static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height));
+            place(tile, column * tile.width, row * tile.height, sheet);
+        }
+    }
+    return sheet;
+}
+
 Picture sharpenedGrey(long box, long strength) {
     Stage stage;
     CCsRaster sharp(sourceWidth, sourceHeight, CCS_GREY12, 1.0, false, false);
@@ -320,13 +391,7 @@ Picture sharpenedColour(long box, long strength) {
     if (CCsEdgeEnhancement().edgeEnhancementRGB8(raster, sharp, box, strength) != 255) {
         throw std::runtime_error("sharpening refused");
     }
-    Picture picture{sourceWidth, sourceHeight, {}};
-    const auto* line = reinterpret_cast<const std::uint32_t*>(sharp.getOrigin());
-    for (int y = 0; y < sourceHeight; ++y, line += sharp.getPitch()) {
-        picture.pixels.insert(picture.pixels.end(), line, line + sourceWidth);
-    }
-    sharp.unlock();
-    return picture;
+    return coloursOf(sharp);
 }
 
 /// A bitmap with letters of ink, half ink and blank, burnt into the stored values.
@@ -486,6 +551,18 @@ std::vector<Scene> makeScenes() {
         add("bicubic_precedence" + suffix, [=] { return greyThroughMap(Kind::Bicubic, view, true); });
         add("bicubic_values" + suffix, [=] { return greyValues(Kind::Bicubic, view); });
         add("bicubic_colour" + suffix, [=] { return colour(Kind::Bicubic, view); });
+    }
+    for (const auto& [name, kind] : {std::pair{"nearest", Kind::Nearest}, std::pair{"bilinear", Kind::Bilinear},
+                                     std::pair{"bicubic", Kind::Bicubic}}) {
+        for (const bool isGrey : {true, false}) {
+            const std::string prefix = std::string("accelerated_") + name + (isGrey ? "_values" : "_colour");
+            add(prefix + "_orientations", [=, kind = kind] {
+                return acceleratedSheet(kind, isGrey, {0.0, 90.0, 180.0, 270.0});
+            });
+            add(prefix + "_oblique", [=, kind = kind] {
+                return acceleratedSheet(kind, isGrey, {17.0, 123.4, 200.5, 310.0});
+            });
+        }
     }
     add("sharpened_grey_3", [] { return sharpenedGrey(3, 2); });
     add("sharpened_grey_16", [] { return sharpenedGrey(16, 7); });
