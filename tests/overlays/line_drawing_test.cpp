@@ -5,8 +5,12 @@
 #include "zolcs/ccsgroup.h"
 #include "zolcs/ccsline.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -459,20 +463,22 @@ TEST_F(LineDrawing, TheFlagsOfTheOtherWaysToDrawHaveNoEffect) {
     }
 }
 
-/// The points of a recorded polygon.
-std::vector<POINT> polygonOf(const std::string& recorded) {
+/// The points in a recorded text, each of which follows these words.
+std::vector<POINT> pointsAfter(const std::string& words, const std::string& recorded) {
     std::vector<POINT> points;
-    const std::size_t begin = recorded.find("polygon");
-    std::size_t at = begin;
-    while ((at = recorded.find('(', at)) != std::string::npos && at < recorded.find('\n', begin)) {
+    for (std::size_t at = 0; (at = recorded.find(words, at)) != std::string::npos; ++at) {
         int x = 0;
         int y = 0;
-        std::sscanf(recorded.c_str() + at, "(%d %d)", &x, &y);
-        points.push_back({x, y});
-        ++at;
+        if (std::sscanf(recorded.c_str() + at + words.size(), "%d %d", &x, &y) == 2) points.push_back({x, y});
     }
     return points;
 }
+
+/// Of a polygon, where no curve is drawn.
+std::vector<POINT> polygonOf(const std::string& recorded) { return pointsAfter("(", recorded); }
+
+/// The ends of straight lines.
+std::vector<POINT> endsOf(const std::string& recorded) { return pointsAfter(" to ", recorded); }
 
 TEST_F(LineDrawing, AFilledEllipseIsAPath) {
     CCsLine line(&view, 100.0, 50.0, 300.0, 50.0, 300.0, 150.0, 100.0, 150.0, solid, true, false);
@@ -631,6 +637,34 @@ TEST_F(LineDrawing, FiguresThatLeaveAndComeBack) {
                                                 square(-3, -3) + square(7, -3) + square(7, 17) + square(-3, 17)));
 }
 
+TEST_F(LineDrawing, ALineToAFarVertexComesBackFromWhereItEnters) {
+    CCsLine line(&view, Points{{0, 0}, {0x1p28, 100}, {0, 400}}, solid, false, false, false);
+    line.setShadow(false);
+    EXPECT_EQ(drawn(line, screen()),
+              figure({}, "", calls({"move to 0 0", "line to 134217727 49", "move to 134217727 250", "line to 0 400"})));
+}
+
+TEST_F(LineDrawing, FarAreasKeepTheDirectionsOfTheirSides) {
+    // A spike far beyond one limit, and then beyond each of the others.
+    const double spike[4][2] = {{0, 0}, {100, 0}, {60, -0x1p33}, {40, -0x1p33}};
+    const int cut[4][2] = {{0, 0}, {100, 0}, {99, -134217727}, {0, -134217727}};
+    int cosine = 1;
+    int sine = 0;
+    for (int quarter = 0; quarter < 4; ++quarter) {
+        Points points;
+        std::string expected = "polygon";
+        for (int i = 0; i < 4; ++i) {
+            points.emplace_back(spike[i][0] * cosine - spike[i][1] * sine, spike[i][0] * sine + spike[i][1] * cosine);
+            expected += " (" + std::to_string(cut[i][0] * cosine - cut[i][1] * sine) + ' ' +
+                        std::to_string(cut[i][0] * sine + cut[i][1] * cosine) + ')';
+        }
+        CCsLine area(&view, points, solid, false, false, true);
+        EXPECT_EQ(drawn(area, screen()), figure({}, "", "fill alternate\n" + expected + '\n')) << quarter;
+        cosine = std::exchange(sine, cosine);
+        cosine = -cosine;
+    }
+}
+
 TEST_F(LineDrawing, FarAreasAreCutToWhatGdiCanHold) {
     CCsLine line(&view, Points{{-1e12, -1e12}, {1e12, -1e12}, {1e12, 100}, {-1e12, 100}}, solid, false, false, true);
     const std::vector<POINT> points = polygonOf(drawn(line, screen()));
@@ -668,18 +702,12 @@ TEST_F(LineDrawing, FarCurvesAreDrawnWhereTheyAreVisible) {
     const std::string all = drawn(line, screen());
     EXPECT_EQ(all.find("bezier"), std::string::npos);
     EXPECT_NE(all.find(" 100 0\n"), std::string::npos);
-    std::size_t at = 0;
-    int segments = 0;
-    while ((at = all.find(" to ", at)) != std::string::npos) {
-        int x = 0;
-        int y = 0;
-        std::sscanf(all.c_str() + at, " to %d %d", &x, &y);
-        EXPECT_LE(std::max(std::abs(x), std::abs(y)), 134217727);
-        EXPECT_NEAR(x, onCurve(y), 1.5) << y;
-        ++segments;
-        ++at;
+    const std::vector<POINT> ends = endsOf(all);
+    EXPECT_GT(ends.size(), 100U);
+    for (const POINT& point : ends) {
+        EXPECT_LE(std::max(std::abs(point.x), std::abs(point.y)), 134217727);
+        EXPECT_NEAR(point.x, onCurve(point.y), 1.5) << point.y;
     }
-    EXPECT_GT(segments, 100);
     // Its surface is a polygon then.
     line.setColorFilled(0x00FF00);
     int onOutline = 0;
@@ -694,6 +722,30 @@ TEST_F(LineDrawing, FarCurvesAreDrawnWhereTheyAreVisible) {
                  false);
     lost.setShadow(false);
     EXPECT_EQ(drawn(lost, screen()), figure({}, "", ""));
+}
+
+TEST_F(LineDrawing, HugeCirclesCostNoMoreThanTheirVisiblePart) {
+    // Circles that come from far beyond one limit, and then from beyond each of the others, to 100 pixels past the
+    // origin; within GDI's coordinates they are straight but for 8 pixels.
+    constexpr double radius = 0x1p50;
+    const int directions[4][2] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
+    for (const auto& [dx, dy] : directions) {
+        const double x = dx * (100 - radius);
+        const double y = dy * (100 - radius);
+        CCsLine line(&view, x - radius, y - radius, x + radius, y - radius, x + radius, y + radius, x - radius,
+                     y + radius, solid, true, false);
+        line.setShadow(false);
+        const std::vector<POINT> points = endsOf(drawn(line, screen()));
+        EXPECT_GT(points.size(), 2U);
+        EXPECT_LT(points.size(), 1000U);
+        int farthest = 0;
+        for (const POINT& point : points) {
+            const int ahead = point.x * dx + point.y * dy;
+            EXPECT_GE(ahead, 90);
+            farthest = std::max(farthest, ahead);
+        }
+        EXPECT_NEAR(farthest, 100, 1);
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------- groups
