@@ -916,6 +916,35 @@ TEST(CCsLineReshape, TurnedRectanglesKeepTheirDirection) {
     EXPECT_NEAR(exact[2] + exact[6], exact[0] + exact[4], 1e-9);
 }
 
+TEST(CCsLineReshape, SidesWithinHalfAPixelOfAnAxisAreLaidOnIt) {
+    CCs2dTrafo view = identityView();
+    OpenLine flat(&view, 10.0, 20.0, 50.0, 20.25, 50.0, 80.25, 10.0, 80.0, solid, false, false);
+    flat.select();
+    flat.moveRectangle(nullptr, 5, 3, 55, 83, nullptr);
+    EXPECT_EQ(exactOf(flat), (Numbers{10, 20, 55, 20, 55, 83.25, 10, 83.25}));
+    OpenLine upright(&view, 10.0, 20.0, 10.25, 80.0, 50.25, 80.0, 50.0, 20.0, solid, false, false);
+    upright.select();
+    upright.moveRectangle(nullptr, 5, 3, 55, 83, nullptr);
+    EXPECT_EQ(exactOf(upright), (Numbers{10, 20, 10, 83, 55.25, 83, 55.25, 20}));
+}
+
+TEST(CCsLineReshape, ARectangleWithoutWidthGoesByItsOtherSides) {
+    CCs2dTrafo view = identityView();
+    OpenLine line(&view, 0, 0, 0, 0, 30, 40, 30, 40, solid);
+    line.select();
+    line.moveRectangle(nullptr, -8, 6, 22, 46, nullptr);  // of the two corners there the last one, square to the side
+    EXPECT_EQ(displayOf(line), (Numbers{-8, 6, 0, 0, 30, 40, 22, 46}));
+}
+
+TEST(CCsLineReshape, ASquareGrowsFromNothing) {
+    OpenLine line = rectangle(30, 30, 30, 30);
+    line.select();
+    line.moveSquare(nullptr, 20, 0, 50, 30, nullptr);  // no telling which way the upright sides go: down
+    EXPECT_EQ(displayOf(line), (Numbers{50, 30, 30, 30, 30, 50, 50, 50}));
+    line.moveSquare(nullptr, -35, -8, 15, 22, nullptr);
+    EXPECT_EQ(displayOf(line), (Numbers{15, 30, 30, 30, 30, 15, 15, 15}));
+}
+
 TEST(CCsLineReshape, WhatIsNoRectangleBecomesAnUprightOne) {
     CCs2dTrafo view = identityView();
     OpenLine line(&view, 100, 100, 200, 150, 190, 300, 50, 280, solid);
