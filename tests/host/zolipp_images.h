@@ -98,6 +98,7 @@ using ColourImage = PrimitiveImage<Ipp8u>;
 
 /// The primitives of one pixel format, for tests that hold for all of them.
 struct Grey16Primitives {
+    using Sample = Ipp16u;
     using Image = GreyImage;
     static constexpr int channels = 1;
     static constexpr int written = 1;
@@ -107,6 +108,7 @@ struct Grey16Primitives {
     static constexpr auto warpAffine = ZOLippiWarpAffine_16u_C1R;
 };
 struct FourBytePrimitives {
+    using Sample = Ipp8u;
     using Image = ColourImage;
     static constexpr int channels = 4;
     static constexpr int written = 4;
@@ -116,6 +118,7 @@ struct FourBytePrimitives {
     static constexpr auto warpAffine = ZOLippiWarpAffine_8u_C4R;
 };
 struct ThreeBytePrimitives {
+    using Sample = Ipp8u;
     using Image = ColourImage;
     static constexpr int channels = 4;
     static constexpr int written = 3;
@@ -124,6 +127,24 @@ struct ThreeBytePrimitives {
     static constexpr auto warpAffine = ZOLippiWarpAffine_8u_AC4R;
 };
 using AllFormats = ::testing::Types<Grey16Primitives, FourBytePrimitives, ThreeBytePrimitives>;
+
+/// An image for the primitives, of random pixels or of one value.
+template <typename Primitives>
+typename Primitives::Image randomImage(Random& random, int width, int height, int slack = 0, std::size_t offset = 0) {
+    typename Primitives::Image image(width, height, Primitives::channels, slack, offset);
+    image.fillRandom(random);
+    return image;
+}
+template <typename Primitives>
+typename Primitives::Image flatImage(int width, int height, int value) {
+    typename Primitives::Image image(width, height, Primitives::channels);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width * Primitives::channels; ++x) {
+            image.set(x, y, static_cast<typename Primitives::Sample>(value));
+        }
+    }
+    return image;
+}
 
 inline constexpr int allInterpolations[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC};
 
@@ -183,6 +204,17 @@ void expectDefined(const Image& source, const Image& before, const Image& drawn,
     }
 }
 
+/// Holds a drawn image to be the source itself but for bytes that are left alone.
+template <typename Primitives, typename Image>
+void expectCopied(const Image& source, const Image& before, const Image& drawn) {
+    for (int y = 0; y < source.height(); ++y) {
+        for (int x = 0; x < source.width() * Primitives::channels; ++x) {
+            const bool written = x % Primitives::channels < Primitives::written;
+            ASSERT_EQ(drawn.at(x, y), written ? source.at(x, y) : before.at(x, y)) << x << ", " << y;
+        }
+    }
+}
+
 /// One argument that a primitive refuses, and with which status.
 template <typename Call>
 struct Refusal {
@@ -191,10 +223,55 @@ struct Refusal {
     std::function<void(Call&)> spoil;
 };
 
+template <typename Call>
+using Refusals = std::vector<Refusal<Call>>;
+
+// The refusals that several primitives share.
+
+template <typename Call, typename Pointer>
+Refusals<Call> missing(const std::string& name, Pointer Call::*pointer) {
+    return {{"no " + name, ippStsNullPtrErr, [=](Call& c) { c.*pointer = nullptr; }}};
+}
+
+/// Of a size or a rectangle.
+template <typename Call, typename Extent>
+Refusals<Call> withoutPixels(const std::string& name, Extent Call::*extent) {
+    constexpr int least = std::numeric_limits<int>::min();
+    return {{name + " width 0", ippStsSizeErr, [=](Call& c) { (c.*extent).width = 0; }},
+            {name + " height 0", ippStsSizeErr, [=](Call& c) { (c.*extent).height = 0; }},
+            {name + " width below 0", ippStsSizeErr, [=](Call& c) { (c.*extent).width = -5; }},
+            {name + " height below 0", ippStsSizeErr, [=](Call& c) { (c.*extent).height = least; }}};
+}
+
+/// `step` is as long as a row.
+template <typename Call>
+Refusals<Call> wrongSteps(const std::string& name, int Call::*step) {
+    return {{name + " step short", ippStsStepErr, [=](Call& c) { --(c.*step); }},
+            {name + " step 0", ippStsStepErr, [=](Call& c) { c.*step = 0; }},
+            {name + " step below 0", ippStsStepErr, [=](Call& c) { c.*step = -(c.*step); }}};
+}
+
+template <typename Call>
+Refusals<Call> unknownInterpolations(int Call::*interpolation) {
+    Refusals<Call> refusals;
+    for (const int unknown : {0, 3, 5, 6, 7, 8, 16, -1, 1 << 30}) {
+        refusals.push_back({"interpolation " + std::to_string(unknown), ippStsInterpolationErr,
+                            [=](Call& c) { c.*interpolation = unknown; }});
+    }
+    return refusals;
+}
+
+template <typename Call>
+Refusals<Call> joined(const std::vector<Refusals<Call>>& parts) {
+    Refusals<Call> all;
+    for (const Refusals<Call>& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
 /// Holds a primitive to its statuses. `refusals` stand in the order of their precedence: each is returned alone, and
 /// together with all that follow it.
 template <typename Call, typename Run>
-void expectRefusals(const Call& valid, const std::vector<Refusal<Call>>& refusals, Run run) {
+void expectRefusals(const Call& valid, const Refusals<Call>& refusals, Run run) {
     for (std::size_t i = 0; i < refusals.size(); ++i) {
         Call alone = valid;
         refusals[i].spoil(alone);

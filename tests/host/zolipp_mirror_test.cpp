@@ -3,6 +3,7 @@
 namespace {
 
 using zoltest::Random;
+using zoltest::randomImage;
 
 template <typename Primitives>
 class Mirror : public ::testing::Test {
@@ -36,9 +37,8 @@ TYPED_TEST(Mirror, ExchangesEveryPixelOnEveryAxis) {
     Random random(201);
     for (int width = 1; width <= 75; ++width) {
         for (const int height : {1, 2, 5}) {
-            typename TypeParam::Image image(width, height, TypeParam::channels, width % 4,
-                                            static_cast<std::size_t>(width % 17));
-            image.fillRandom(random);
+            const auto image =
+                randomImage<TypeParam>(random, width, height, width % 4, static_cast<std::size_t>(width % 17));
             for (const IppiAxis axis : {ippAxsHorizontal, ippAxsVertical, ippAxsBoth}) {
                 this->expectMirrored(image, axis);
                 if (this->HasFatalFailure() || this->HasNonfatalFailure()) return;
@@ -49,8 +49,7 @@ TYPED_TEST(Mirror, ExchangesEveryPixelOnEveryAxis) {
 
 TYPED_TEST(Mirror, TwiceIsNothing) {
     Random random(202);
-    typename TypeParam::Image image(133, 41, TypeParam::channels);
-    image.fillRandom(random);
+    auto image = randomImage<TypeParam>(random, 133, 41);
     for (const IppiAxis axis : {ippAxsHorizontal, ippAxsVertical, ippAxsBoth}) {
         auto twice = image;
         for (int i = 0; i < 2; ++i) {
@@ -62,8 +61,7 @@ TYPED_TEST(Mirror, TwiceIsNothing) {
 
 TYPED_TEST(Mirror, BothIsOneAfterTheOther) {
     Random random(203);
-    typename TypeParam::Image image(50, 31, TypeParam::channels);
-    image.fillRandom(random);
+    auto image = randomImage<TypeParam>(random, 50, 31);
     auto both = image;
     auto separately = image;
     ASSERT_EQ(TypeParam::mirror(both.data(), both.step(), both.size(), ippAxsBoth), ippStsNoErr);
@@ -75,8 +73,7 @@ TYPED_TEST(Mirror, BothIsOneAfterTheOther) {
 
 TYPED_TEST(Mirror, TellsWhatIsWrong) {
     Random random(204);
-    typename TypeParam::Image image(6, 4, TypeParam::channels);
-    image.fillRandom(random);
+    auto image = randomImage<TypeParam>(random, 6, 4);
     const auto before = image;
     struct Call {
         decltype(image.data()) pSrcDst;
@@ -84,16 +81,11 @@ TYPED_TEST(Mirror, TellsWhatIsWrong) {
         IppiSize size;
         IppiAxis flip;
     };
-    std::vector<zoltest::Refusal<Call>> refusals{
-        {"no image", ippStsNullPtrErr, [](Call& c) { c.pSrcDst = nullptr; }},
-        {"width 0", ippStsSizeErr, [](Call& c) { c.size.width = 0; }},
-        {"height 0", ippStsSizeErr, [](Call& c) { c.size.height = 0; }},
-        {"width below 0", ippStsSizeErr, [](Call& c) { c.size.width = -6; }},
-        {"height below 0", ippStsSizeErr, [](Call& c) { c.size.height = -4; }},
-        {"step short", ippStsStepErr, [](Call& c) { --c.step; }},
-        {"step 0", ippStsStepErr, [](Call& c) { c.step = 0; }},
-        {"step below 0", ippStsStepErr, [](Call& c) { c.step = -c.step; }},
-        {"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }}};
+    auto refusals =
+        zoltest::joined<Call>({zoltest::missing("image", &Call::pSrcDst),
+                               zoltest::withoutPixels("image", &Call::size),
+                               zoltest::wrongSteps("image", &Call::step),
+                               {{"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }}}});
     for (const int flip : {-1, 3, 4, 1000}) {
         refusals.push_back({"flip " + std::to_string(flip), ippStsMirrorFlipErr, [=](Call& c) { c.flip = flip; }});
     }

@@ -7,6 +7,7 @@ namespace {
 
 using zoltest::GreyImage;
 using zoltest::Random;
+using zoltest::randomImage;
 using zoltest::Shown;
 
 /// Everything of a call but the images.
@@ -37,12 +38,6 @@ class ResizeCenter : public ::testing::Test {
 protected:
     using Image = typename Primitives::Image;
 
-    static Image randomImage(Random& random, int width, int height, int slack = 0, std::size_t offset = 0) {
-        Image image(width, height, Primitives::channels, slack, offset);
-        image.fillRandom(random);
-        return image;
-    }
-
     /// Draws in every variant over the same random bytes.
     static void expectDrawn(const Image& source, const Image& before, const View& view) {
         const Image drawn = zoltest::sameInEveryVariant([&] {
@@ -63,20 +58,15 @@ TYPED_TEST_SUITE(ResizeCenter, zoltest::AllFormats);
 TYPED_TEST(ResizeCenter, CopiesAtFactorOne) {
     Random random(101);
     for (const auto& [width, height] : {std::pair{1, 1}, {1, 9}, {9, 1}, {7, 5}, {40, 33}, {130, 3}}) {
-        const auto source = this->randomImage(random, width, height);
+        const auto source = randomImage<TypeParam>(random, width, height);
         for (const int interpolation : zoltest::allInterpolations) {
-            const auto before = this->randomImage(random, width, height);
+            const auto before = randomImage<TypeParam>(random, width, height);
             const auto drawn = zoltest::sameInEveryVariant([&] {
                 auto target = before;
                 EXPECT_EQ(resize<TypeParam>(source, target, copyOf(source.size(), interpolation)), ippStsNoErr);
                 return target;
             });
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width * TypeParam::channels; ++x) {
-                    const bool written = x % TypeParam::channels < TypeParam::written;
-                    ASSERT_EQ(drawn.at(x, y), written ? source.at(x, y) : before.at(x, y)) << x << ", " << y;
-                }
-            }
+            zoltest::expectCopied<TypeParam>(source, before, drawn);
         }
     }
 }
@@ -84,10 +74,12 @@ TYPED_TEST(ResizeCenter, CopiesAtFactorOne) {
 TYPED_TEST(ResizeCenter, ShowsWhatTheDefinitionSays) {
     Random random(102);
     for (int round = 0; round < 120; ++round) {
-        const auto source = this->randomImage(random, random.integer(1, 40), random.integer(1, 24),
-                                              random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
-        const auto before = this->randomImage(random, random.integer(1, 90), random.integer(1, 30),
-                                              random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
+        const auto source =
+            randomImage<TypeParam>(random, random.integer(1, 40), random.integer(1, 24), random.integer(0, 9),
+                                   static_cast<std::size_t>(random.integer(0, 5)));
+        const auto before =
+            randomImage<TypeParam>(random, random.integer(1, 90), random.integer(1, 30), random.integer(0, 9),
+                                   static_cast<std::size_t>(random.integer(0, 5)));
         const double common = random.real(0.05, 4.0);
         const bool square = random.chance(0.5);
         const View view{random.chance(0.5)
@@ -117,11 +109,11 @@ TYPED_TEST(ResizeCenter, ShowsWhatTheDefinitionSays) {
 // Widths around several vectors, so that every remainder is met.
 TYPED_TEST(ResizeCenter, VariantsAgreeOnEveryWidth) {
     Random random(103);
-    const auto source = this->randomImage(random, 75, 4);
+    const auto source = randomImage<TypeParam>(random, 75, 4);
     for (int width = 1; width <= 75; ++width) {
         for (const double factor : {0.3, 1.0, 1.7}) {
             for (const int interpolation : zoltest::allInterpolations) {
-                const auto before = this->randomImage(random, width, 3, width % 5);
+                const auto before = randomImage<TypeParam>(random, width, 3, width % 5);
                 zoltest::sameInEveryVariant([&] {
                     auto target = before;
                     EXPECT_EQ(
@@ -135,28 +127,22 @@ TYPED_TEST(ResizeCenter, VariantsAgreeOnEveryWidth) {
 }
 
 TYPED_TEST(ResizeCenter, LeavesAFlatImageFlat) {
-    using Sample = std::remove_cvref_t<decltype(this->randomImage(std::declval<Random&>(), 1, 1).at(0, 0))>;
+    using zoltest::flatImage;
+    using Sample = typename TypeParam::Sample;
     for (const int value : {0, 1, 100, int{std::numeric_limits<Sample>::max()}}) {
-        typename TypeParam::Image source(19, 13, TypeParam::channels);
-        for (int y = 0; y < 13; ++y) {
-            for (int x = 0; x < 19 * TypeParam::channels; ++x) source.set(x, y, static_cast<Sample>(value));
-        }
+        const auto source = flatImage<TypeParam>(19, 13, value);
+        // The fourth byte of the destination is not drawn by all.
+        const auto flat = flatImage<TypeParam>(31, 17, value);
         for (const int interpolation : zoltest::allInterpolations) {
             for (const double factor : {0.37, 1.0, 2.9}) {
                 const auto drawn = zoltest::sameInEveryVariant([&] {
-                    typename TypeParam::Image target(31, 17, TypeParam::channels);
-                    // The fourth byte of the destination is not drawn by all.
-                    for (int y = 0; y < 17; ++y) {
-                        for (int x = 0; x < 31 * TypeParam::channels; ++x) target.set(x, y, static_cast<Sample>(value));
-                    }
+                    auto target = flat;
                     EXPECT_EQ(
                         resize<TypeParam>(source, target, {source.whole(), factor, factor, 9.4, 6.6, interpolation}),
                         ippStsNoErr);
                     return target;
                 });
-                for (int y = 0; y < 17; ++y) {
-                    for (int x = 0; x < 31 * TypeParam::channels; ++x) ASSERT_EQ(drawn.at(x, y), value);
-                }
+                EXPECT_TRUE(drawn == flat);
             }
         }
     }
@@ -231,10 +217,10 @@ TEST(ResizeCenterGeometry, OnePixelFillsWhatItCovers) {
 // it.
 TYPED_TEST(ResizeCenter, ARegionCutsThePicture) {
     Random random(104);
-    const auto source = this->randomImage(random, 24, 16);
+    const auto source = randomImage<TypeParam>(random, 24, 16);
     const IppiRect region{7, 5, 9, 6};
     for (const int interpolation : zoltest::allInterpolations) {
-        const auto before = this->randomImage(random, 48, 32);
+        const auto before = randomImage<TypeParam>(random, 48, 32);
         auto whole = before;
         auto part = before;
         View view{source.whole(), 2.0, 2.0, 12.0, 8.0, interpolation};
@@ -255,13 +241,13 @@ TYPED_TEST(ResizeCenter, ARegionCutsThePicture) {
 // A view that is panned away, and factors and centres beyond any picture, draw nothing or one pixel's value, at once.
 TYPED_TEST(ResizeCenter, CopesWithExtremeViews) {
     Random random(105);
-    const auto source = this->randomImage(random, 6, 4);
+    const auto source = randomImage<TypeParam>(random, 6, 4);
     const double numbers[] = {0.0, -0.0, 0.5, 3.0, -1.0, 1e3, -1e9, 1e18, -1e300, 1.7e308, 5e-324};
     const double factors[] = {5e-324, 1e-300, 1e-9, 1.0, 1e9, 1e300, 1.7e308};
     for (const double center : numbers) {
         for (const double factor : factors) {
             for (const int interpolation : zoltest::allInterpolations) {
-                const auto before = this->randomImage(random, 9, 5);
+                const auto before = randomImage<TypeParam>(random, 9, 5);
                 this->expectDrawn(source, before, {source.whole(), factor, 1.0, center, 2.0, interpolation});
                 this->expectDrawn(source, before, {source.whole(), 1.0, factor, 3.0, center, interpolation});
             }
@@ -271,10 +257,10 @@ TYPED_TEST(ResizeCenter, CopesWithExtremeViews) {
 
 TYPED_TEST(ResizeCenter, TellsWhatIsWrong) {
     Random random(106);
-    auto source = this->randomImage(random, 6, 4);
-    auto target = this->randomImage(random, 9, 5);
+    auto source = randomImage<TypeParam>(random, 6, 4);
+    auto target = randomImage<TypeParam>(random, 9, 5);
     const auto before = target;
-    using Sample = std::remove_cvref_t<decltype(source.at(0, 0))>;
+    using Sample = typename TypeParam::Sample;
     struct Call {
         const Sample* pSrc;
         IppiSize srcSize;
@@ -283,45 +269,36 @@ TYPED_TEST(ResizeCenter, TellsWhatIsWrong) {
         Sample* pDst;
         int dstStep;
         IppiSize dstSize;
-        View view;
+        double xFactor;
+        double yFactor;
+        double xCenter;
+        double yCenter;
+        int interpolation;
     };
-    const Call valid{
-        source.data(), source.size(), source.step(), source.whole(),
-        target.data(), target.step(), target.size(), {source.whole(), 1.0, 1.0, 3.0, 2.0, IPPI_INTER_LINEAR}};
-    using Refusals = std::vector<zoltest::Refusal<Call>>;
-    Refusals refusals{
-        {"no source", ippStsNullPtrErr, [](Call& c) { c.pSrc = nullptr; }},
-        {"no destination", ippStsNullPtrErr, [](Call& c) { c.pDst = nullptr; }},
-        {"source width 0", ippStsSizeErr, [](Call& c) { c.srcSize.width = 0; }},
-        {"source height 0", ippStsSizeErr, [](Call& c) { c.srcSize.height = 0; }},
-        {"source width below 0", ippStsSizeErr, [](Call& c) { c.srcSize.width = -5; }},
-        {"source height below 0", ippStsSizeErr, [](Call& c) { c.srcSize.height = -2147483647 - 1; }},
-        {"region width 0", ippStsSizeErr, [](Call& c) { c.srcRoi.width = 0; }},
-        {"region height below 0", ippStsSizeErr, [](Call& c) { c.srcRoi.height = -1; }},
-        {"destination width 0", ippStsSizeErr, [](Call& c) { c.dstSize.width = 0; }},
-        {"destination height below 0", ippStsSizeErr, [](Call& c) { c.dstSize.height = -1; }},
-        {"source step short", ippStsStepErr, [](Call& c) { --c.srcStep; }},
-        {"source step 0", ippStsStepErr, [](Call& c) { c.srcStep = 0; }},
-        {"source step below 0", ippStsStepErr, [](Call& c) { c.srcStep = -c.srcStep; }},
-        {"destination step short", ippStsStepErr, [](Call& c) { --c.dstStep; }},
-        {"destination step below 0", ippStsStepErr, [](Call& c) { c.dstStep = -c.dstStep; }},
-        {"row beyond any step", ippStsStepErr, [](Call& c) { c.srcSize.width = 0x7FFFFFFF; }},
-    };
-    for (const int interpolation : {0, 3, 5, 6, 7, 8, 16, -1, 1 << 30}) {
-        refusals.push_back({"interpolation " + std::to_string(interpolation), ippStsInterpolationErr,
-                            [=](Call& c) { c.view.interpolation = interpolation; }});
-    }
+    const Call valid{source.data(), source.size(), source.step(), source.whole(),
+                     target.data(), target.step(), target.size(), 1.0,
+                     1.0,           3.0,           2.0,           IPPI_INTER_LINEAR};
+    auto refusals =
+        zoltest::joined<Call>({zoltest::missing("source", &Call::pSrc),
+                               zoltest::missing("destination", &Call::pDst),
+                               zoltest::withoutPixels("source", &Call::srcSize),
+                               zoltest::withoutPixels("region", &Call::srcRoi),
+                               zoltest::withoutPixels("destination", &Call::dstSize),
+                               zoltest::wrongSteps("source", &Call::srcStep),
+                               zoltest::wrongSteps("destination", &Call::dstStep),
+                               {{"row beyond any step", ippStsStepErr, [](Call& c) { c.srcSize.width = 0x7FFFFFFF; }}},
+                               zoltest::unknownInterpolations(&Call::interpolation)});
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::nan("");
     for (const double factor : {0.0, -0.0, -1.0, -5e-324, infinity, -infinity, nan}) {
         refusals.push_back(
-            {"x factor " + std::to_string(factor), ippStsResizeFactorErr, [=](Call& c) { c.view.xFactor = factor; }});
+            {"x factor " + std::to_string(factor), ippStsResizeFactorErr, [=](Call& c) { c.xFactor = factor; }});
         refusals.push_back(
-            {"y factor " + std::to_string(factor), ippStsResizeFactorErr, [=](Call& c) { c.view.yFactor = factor; }});
+            {"y factor " + std::to_string(factor), ippStsResizeFactorErr, [=](Call& c) { c.yFactor = factor; }});
     }
     for (const double center : {infinity, -infinity, nan}) {
-        refusals.push_back({"x centre", ippStsBadArgErr, [=](Call& c) { c.view.xCenter = center; }});
-        refusals.push_back({"y centre", ippStsBadArgErr, [=](Call& c) { c.view.yCenter = center; }});
+        refusals.push_back({"x centre", ippStsBadArgErr, [=](Call& c) { c.xCenter = center; }});
+        refusals.push_back({"y centre", ippStsBadArgErr, [=](Call& c) { c.yCenter = center; }});
     }
     for (const IppiRect outside : {IppiRect{6, 0, 3, 3},
                                    {0, 4, 3, 3},
@@ -332,9 +309,8 @@ TYPED_TEST(ResizeCenter, TellsWhatIsWrong) {
         refusals.push_back({"region outside", ippStsWrongIntersectROI, [=](Call& c) { c.srcRoi = outside; }});
     }
     zoltest::expectRefusals(valid, refusals, [](const Call& c) {
-        return TypeParam::resizeCenter(c.pSrc, c.srcSize, c.srcStep, c.srcRoi, c.pDst, c.dstStep, c.dstSize,
-                                       c.view.xFactor, c.view.yFactor, c.view.xCenter, c.view.yCenter,
-                                       c.view.interpolation);
+        return TypeParam::resizeCenter(c.pSrc, c.srcSize, c.srcStep, c.srcRoi, c.pDst, c.dstStep, c.dstSize, c.xFactor,
+                                       c.yFactor, c.xCenter, c.yCenter, c.interpolation);
     });
     EXPECT_TRUE(target == before);
 }

@@ -34,15 +34,12 @@ TEST(SetAC4, TellsWhatIsWrong) {
         int step;
         IppiSize size;
     };
-    const std::vector<zoltest::Refusal<Call>> refusals{
-        {"no value", ippStsNullPtrErr, [](Call& c) { c.value = nullptr; }},
-        {"no destination", ippStsNullPtrErr, [](Call& c) { c.pDst = nullptr; }},
-        {"width 0", ippStsSizeErr, [](Call& c) { c.size.width = 0; }},
-        {"height below 0", ippStsSizeErr, [](Call& c) { c.size.height = -1; }},
-        {"step short", ippStsStepErr, [](Call& c) { --c.step; }},
-        {"step 0", ippStsStepErr, [](Call& c) { c.step = 0; }},
-        {"step below 0", ippStsStepErr, [](Call& c) { c.step = -c.step; }},
-        {"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }}};
+    const auto refusals =
+        zoltest::joined<Call>({zoltest::missing("value", &Call::value),
+                               zoltest::missing("destination", &Call::pDst),
+                               zoltest::withoutPixels("destination", &Call::size),
+                               zoltest::wrongSteps("destination", &Call::step),
+                               {{"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }}}});
     zoltest::expectRefusals(Call{value, image.data(), image.step(), image.size()}, refusals,
                             [](const Call& c) { return ZOLippiSet_8u_AC4R(c.value, c.pDst, c.step, c.size); });
     EXPECT_TRUE(image == before);

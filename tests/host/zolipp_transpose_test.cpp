@@ -3,6 +3,7 @@
 namespace {
 
 using zoltest::Random;
+using zoltest::randomImage;
 
 template <typename Primitives>
 class Transpose : public ::testing::Test {
@@ -36,9 +37,8 @@ TYPED_TEST(Transpose, ExchangesRowsAndColumns) {
     std::vector<std::pair<int, int>> sizes{{1, 1}, {1, 70}, {70, 1}, {16, 16}, {32, 32}, {64, 32}, {96, 33}, {33, 96}};
     for (int i = 0; i < 60; ++i) sizes.emplace_back(random.integer(1, 110), random.integer(1, 110));
     for (const auto& [width, height] : sizes) {
-        typename TypeParam::Image source(width, height, TypeParam::channels, random.integer(0, 7),
-                                         static_cast<std::size_t>(random.integer(0, 17)));
-        source.fillRandom(random);
+        const auto source = randomImage<TypeParam>(random, width, height, random.integer(0, 7),
+                                                   static_cast<std::size_t>(random.integer(0, 17)));
         this->expectTransposed(source, random.integer(0, 7), static_cast<std::size_t>(random.integer(0, 17)));
         if (this->HasFatalFailure() || this->HasNonfatalFailure()) return;
     }
@@ -46,15 +46,13 @@ TYPED_TEST(Transpose, ExchangesRowsAndColumns) {
 
 TYPED_TEST(Transpose, TwiceIsNothing) {
     Random random(302);
-    typename TypeParam::Image source(133, 65, TypeParam::channels);
-    source.fillRandom(random);
+    const auto source = randomImage<TypeParam>(random, 133, 65);
     EXPECT_TRUE(this->transposed(this->transposed(source)) == source);
 }
 
 TYPED_TEST(Transpose, TellsWhatIsWrong) {
     Random random(303);
-    typename TypeParam::Image source(6, 4, TypeParam::channels);
-    source.fillRandom(random);
+    const auto source = randomImage<TypeParam>(random, 6, 4);
     typename TypeParam::Image target(4, 6, TypeParam::channels);
     const auto before = target;
     struct Call {
@@ -64,19 +62,14 @@ TYPED_TEST(Transpose, TellsWhatIsWrong) {
         int dstStep;
         IppiSize size;
     };
-    const std::vector<zoltest::Refusal<Call>> refusals{
-        {"no source", ippStsNullPtrErr, [](Call& c) { c.pSrc = nullptr; }},
-        {"no destination", ippStsNullPtrErr, [](Call& c) { c.pDst = nullptr; }},
-        {"width 0", ippStsSizeErr, [](Call& c) { c.size.width = 0; }},
-        {"height 0", ippStsSizeErr, [](Call& c) { c.size.height = 0; }},
-        {"width below 0", ippStsSizeErr, [](Call& c) { c.size.width = -6; }},
-        {"height below 0", ippStsSizeErr, [](Call& c) { c.size.height = -4; }},
-        {"source step short", ippStsStepErr, [](Call& c) { --c.srcStep; }},
-        {"source step below 0", ippStsStepErr, [](Call& c) { c.srcStep = -c.srcStep; }},
-        {"destination step short", ippStsStepErr, [](Call& c) { --c.dstStep; }},
-        {"destination step 0", ippStsStepErr, [](Call& c) { c.dstStep = 0; }},
-        {"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }},
-        {"column beyond any step", ippStsStepErr, [](Call& c) { c.size.height = 0x7FFFFFFF; }}};
+    const auto refusals = zoltest::joined<Call>(
+        {zoltest::missing("source", &Call::pSrc),
+         zoltest::missing("destination", &Call::pDst),
+         zoltest::withoutPixels("source", &Call::size),
+         zoltest::wrongSteps("source", &Call::srcStep),
+         zoltest::wrongSteps("destination", &Call::dstStep),
+         {{"row beyond any step", ippStsStepErr, [](Call& c) { c.size.width = 0x7FFFFFFF; }},
+          {"column beyond any step", ippStsStepErr, [](Call& c) { c.size.height = 0x7FFFFFFF; }}}});
     zoltest::expectRefusals(
         Call{source.data(), source.step(), target.data(), target.step(), source.size()}, refusals,
         [](const Call& c) { return TypeParam::transpose(c.pSrc, c.srcStep, c.pDst, c.dstStep, c.size); });

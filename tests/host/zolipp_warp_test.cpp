@@ -7,6 +7,7 @@
 namespace {
 
 using zoltest::Random;
+using zoltest::randomImage;
 using zoltest::Shown;
 
 /// As the primitives take it: rows of three.
@@ -64,12 +65,6 @@ class WarpAffine : public ::testing::Test {
 protected:
     using Image = typename Primitives::Image;
 
-    static Image randomImage(Random& random, int width, int height, int slack = 0, std::size_t offset = 0) {
-        Image image(width, height, Primitives::channels, slack, offset);
-        image.fillRandom(random);
-        return image;
-    }
-
     /// Draws in every variant over the same bytes.
     static Image draw(const Image& source, const Image& before, const View& view, IppStatus& status) {
         return zoltest::sameInEveryVariant([&] {
@@ -91,16 +86,11 @@ TYPED_TEST_SUITE(WarpAffine, zoltest::AllFormats);
 TYPED_TEST(WarpAffine, CopiesWithTheIdentity) {
     Random random(501);
     for (const auto& [width, height] : {std::pair{2, 2}, {2, 9}, {7, 5}, {75, 33}, {600, 3}}) {
-        const auto source = this->randomImage(random, width, height);
+        const auto source = randomImage<TypeParam>(random, width, height);
         for (const int interpolation : zoltest::allInterpolations) {
-            const auto before = this->randomImage(random, width, height);
+            const auto before = randomImage<TypeParam>(random, width, height);
             const auto drawn = this->draw(source, before, {source.whole(), before.whole(), identity, interpolation});
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width * TypeParam::channels; ++x) {
-                    const bool written = x % TypeParam::channels < TypeParam::written;
-                    ASSERT_EQ(drawn.at(x, y), written ? source.at(x, y) : before.at(x, y)) << x << ", " << y;
-                }
-            }
+            zoltest::expectCopied<TypeParam>(source, before, drawn);
         }
     }
 }
@@ -109,10 +99,12 @@ TYPED_TEST(WarpAffine, ShowsWhatTheDefinitionSays) {
     Random random(502);
     for (int round = 0; round < 120; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
-        const auto source = this->randomImage(random, random.integer(2, 40), random.integer(2, 24),
-                                              random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
-        const auto before = this->randomImage(random, random.integer(1, 90), random.integer(1, 30),
-                                              random.integer(0, 9), static_cast<std::size_t>(random.integer(0, 5)));
+        const auto source =
+            randomImage<TypeParam>(random, random.integer(2, 40), random.integer(2, 24), random.integer(0, 9),
+                                   static_cast<std::size_t>(random.integer(0, 5)));
+        const auto before =
+            randomImage<TypeParam>(random, random.integer(1, 90), random.integer(1, 30), random.integer(0, 9),
+                                   static_cast<std::size_t>(random.integer(0, 5)));
         Coefficients coefficients =
             turned(random.real(-180.0, 180.0), random.real(0.2, 4.0), source.size(), before.size());
         if (random.chance(0.3)) {
@@ -148,10 +140,10 @@ TYPED_TEST(WarpAffine, ShowsWhatTheDefinitionSays) {
 // Long rows, so that whole blocks of positions are met, and every remainder.
 TYPED_TEST(WarpAffine, VariantsAgreeOnEveryWidth) {
     Random random(503);
-    const auto source = this->randomImage(random, 300, 40);
+    const auto source = randomImage<TypeParam>(random, 300, 40);
     for (int width = 1; width <= 600; width += width < 40 ? 1 : 47) {
         for (const int interpolation : zoltest::allInterpolations) {
-            const auto before = this->randomImage(random, width, 3, width % 3);
+            const auto before = randomImage<TypeParam>(random, width, 3, width % 3);
             this->draw(source, before,
                        {source.whole(), before.whole(), turned(4.0, 1.3, source.size(), before.size()), interpolation});
         }
@@ -161,13 +153,13 @@ TYPED_TEST(WarpAffine, VariantsAgreeOnEveryWidth) {
 // Coordinates that are exact make a warp and the other primitives agree to the bit.
 TYPED_TEST(WarpAffine, AgreesWithMirrorAndResize) {
     Random random(504);
-    const auto source = this->randomImage(random, 22, 15);
+    const auto source = randomImage<TypeParam>(random, 22, 15);
     auto mirrored = source;
     ASSERT_EQ(TypeParam::mirror(mirrored.data(), mirrored.step(), mirrored.size(), ippAxsBoth), ippStsNoErr);
     for (const int interpolation : zoltest::allInterpolations) {
         const Coefficients halfTurn{{{-1, 0, 22}, {0, -1, 15}}};
         EXPECT_TRUE(this->draw(source, source, {source.whole(), source.whole(), halfTurn, interpolation}) == mirrored);
-        const auto before = this->randomImage(random, 50, 40);
+        const auto before = randomImage<TypeParam>(random, 50, 40);
         auto resized = before;
         ASSERT_EQ(TypeParam::resizeCenter(source.data(), source.size(), source.step(), source.whole(), resized.data(),
                                           resized.step(), resized.size(), 2.0, 4.0, 9.25, 7.5, interpolation),
@@ -195,17 +187,10 @@ TEST(WarpAffineGeometry, AnExchangeOfTheAxesTransposes) {
 }
 
 TYPED_TEST(WarpAffine, LeavesAFlatImageFlat) {
-    using Sample = std::remove_cvref_t<decltype(std::declval<typename TypeParam::Image>().at(0, 0))>;
-    const auto flat = [](int width, int height, int value) {
-        typename TypeParam::Image image(width, height, TypeParam::channels);
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width * TypeParam::channels; ++x) image.set(x, y, static_cast<Sample>(value));
-        }
-        return image;
-    };
+    using Sample = typename TypeParam::Sample;
     for (const int value : {0, 1, 100, int{std::numeric_limits<Sample>::max()}}) {
-        const auto source = flat(29, 23, value);
-        const auto before = flat(61, 47, value);
+        const auto source = zoltest::flatImage<TypeParam>(29, 23, value);
+        const auto before = zoltest::flatImage<TypeParam>(61, 47, value);
         for (const int interpolation : zoltest::allInterpolations) {
             for (const double degrees : {0.0, 17.0, 45.0, 133.0}) {
                 EXPECT_TRUE(this->draw(source, before,
@@ -219,8 +204,8 @@ TYPED_TEST(WarpAffine, LeavesAFlatImageFlat) {
 // What lies left of or above the destination's first pixel is cut off; what is beyond the source's edges as well.
 TYPED_TEST(WarpAffine, CutsRegionsToTheirImages) {
     Random random(506);
-    const auto source = this->randomImage(random, 12, 9);
-    const auto before = this->randomImage(random, 12, 9);
+    const auto source = randomImage<TypeParam>(random, 12, 9);
+    const auto before = randomImage<TypeParam>(random, 12, 9);
     for (const int interpolation : zoltest::allInterpolations) {
         const View whole{source.whole(), before.whole(), turned(20.0, 1.0, source.size(), before.size()),
                          interpolation};
@@ -237,8 +222,8 @@ TYPED_TEST(WarpAffine, CutsRegionsToTheirImages) {
 
 TYPED_TEST(WarpAffine, CopesWithExtremeCoefficients) {
     Random random(507);
-    const auto source = this->randomImage(random, 6, 4);
-    const auto before = this->randomImage(random, 9, 5);
+    const auto source = randomImage<TypeParam>(random, 6, 4);
+    const auto before = randomImage<TypeParam>(random, 9, 5);
     const double numbers[] = {0.0, 1.0, -1.0, 1e-9, 1e9, -1e15, 1e-99, 1e99, -1e101, 1e-101, 1e300, -1.7e308, 5e-324};
     for (int round = 0; round < 1500; ++round) {
         Coefficients coefficients{};
@@ -257,10 +242,10 @@ TYPED_TEST(WarpAffine, CopesWithExtremeCoefficients) {
 
 TYPED_TEST(WarpAffine, TellsWhatIsWrong) {
     Random random(508);
-    auto source = this->randomImage(random, 6, 4);
-    auto target = this->randomImage(random, 9, 5);
+    auto source = randomImage<TypeParam>(random, 6, 4);
+    auto target = randomImage<TypeParam>(random, 9, 5);
     const auto before = target;
-    using Sample = std::remove_cvref_t<decltype(source.at(0, 0))>;
+    using Sample = typename TypeParam::Sample;
     struct Call {
         const Sample* pSrc;
         IppiSize srcSize;
@@ -275,34 +260,23 @@ TYPED_TEST(WarpAffine, TellsWhatIsWrong) {
     };
     const Call valid{source.data(), source.size(),  source.step(), source.whole(), target.data(),
                      target.step(), target.whole(), identity,      false,          IPPI_INTER_LINEAR};
-    std::vector<zoltest::Refusal<Call>> refusals{
-        {"no source", ippStsNullPtrErr, [](Call& c) { c.pSrc = nullptr; }},
-        {"no destination", ippStsNullPtrErr, [](Call& c) { c.pDst = nullptr; }},
-        {"no coefficients", ippStsNullPtrErr, [](Call& c) { c.noCoefficients = true; }},
-        {"source width 0", ippStsSizeErr, [](Call& c) { c.srcSize.width = 0; }},
-        {"source height below 0", ippStsSizeErr, [](Call& c) { c.srcSize.height = -4; }},
-        {"region width below 0", ippStsSizeErr, [](Call& c) { c.srcRoi.width = -1; }},
-        {"region height 0", ippStsSizeErr, [](Call& c) { c.srcRoi.height = 0; }},
-        {"destination width 0", ippStsSizeErr, [](Call& c) { c.dstRoi.width = 0; }},
-        {"destination height below 0", ippStsSizeErr, [](Call& c) { c.dstRoi.height = -1; }},
-        {"source step short", ippStsStepErr, [](Call& c) { --c.srcStep; }},
-        {"source step 0", ippStsStepErr, [](Call& c) { c.srcStep = 0; }},
-        {"source step below 0", ippStsStepErr, [](Call& c) { c.srcStep = -c.srcStep; }},
-        {"destination step short", ippStsStepErr, [](Call& c) { --c.dstStep; }},
-        {"destination step 0", ippStsStepErr, [](Call& c) { c.dstStep = 0; }},
-        {"destination step below 0", ippStsStepErr, [](Call& c) { c.dstStep = -c.dstStep; }},
-        {"destination's right edge beyond the step", ippStsStepErr, [](Call& c) { ++c.dstRoi.x; }},
-        {"destination's right edge beyond any step", ippStsStepErr, [](Call& c) { c.dstRoi.x = 0x7FFFFFFF; }},
-        {"destination left of the image, without a step", ippStsStepErr,
-         [](Call& c) {
-             c.dstRoi.x = -100;
-             c.dstStep = 0;
-         }},
-    };
-    for (const int interpolation : {0, 3, 5, 6, 7, 8, 16, -1, 1 << 30}) {
-        refusals.push_back({"interpolation " + std::to_string(interpolation), ippStsInterpolationErr,
-                            [=](Call& c) { c.interpolation = interpolation; }});
-    }
+    auto refusals = zoltest::joined<Call>(
+        {zoltest::missing("source", &Call::pSrc),
+         zoltest::missing("destination", &Call::pDst),
+         {{"no coefficients", ippStsNullPtrErr, [](Call& c) { c.noCoefficients = true; }}},
+         zoltest::withoutPixels("source", &Call::srcSize),
+         zoltest::withoutPixels("region", &Call::srcRoi),
+         zoltest::withoutPixels("destination", &Call::dstRoi),
+         zoltest::wrongSteps("source", &Call::srcStep),
+         zoltest::wrongSteps("destination", &Call::dstStep),
+         {{"destination's right edge beyond the step", ippStsStepErr, [](Call& c) { ++c.dstRoi.x; }},
+          {"destination's right edge beyond any step", ippStsStepErr, [](Call& c) { c.dstRoi.x = 0x7FFFFFFF; }},
+          {"destination left of the image, without a step", ippStsStepErr,
+           [](Call& c) {
+               c.dstRoi.x = -100;
+               c.dstStep = 0;
+           }}},
+         zoltest::unknownInterpolations(&Call::interpolation)});
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (const double bad : {infinity, -infinity, std::nan("")}) {
         for (int i = 0; i < 6; ++i) {
@@ -399,18 +373,17 @@ TEST(GetAffineBound, TellsWhatIsWrong) {
         Coefficients coefficients;
         bool noCoefficients;
     };
-    const std::vector<zoltest::Refusal<Call>> refusals{
-        {"no bound", ippStsNullPtrErr, [](Call& c) { c.noBound = true; }},
-        {"no coefficients", ippStsNullPtrErr, [](Call& c) { c.noCoefficients = true; }},
-        {"width 0", ippStsSizeErr, [](Call& c) { c.region.width = 0; }},
-        {"height below 0", ippStsSizeErr, [](Call& c) { c.region.height = -3; }},
-        {"not finite", ippStsCoeffErr, [](Call& c) { c.coefficients.rows[1][2] = std::nan(""); }},
-        {"singular", ippStsCoeffErr,
-         [](Call& c) {
-             c.coefficients = {{{1, 2, 3}, {2, 4, 5}}};
-         }},
-        {"one column", ippStsRectErr, [](Call& c) { c.region.width = 1; }},
-        {"one row", ippStsRectErr, [](Call& c) { c.region.height = 1; }}};
+    const auto refusals = zoltest::joined<Call>(
+        {{{"no bound", ippStsNullPtrErr, [](Call& c) { c.noBound = true; }},
+          {"no coefficients", ippStsNullPtrErr, [](Call& c) { c.noCoefficients = true; }}},
+         zoltest::withoutPixels("region", &Call::region),
+         {{"not finite", ippStsCoeffErr, [](Call& c) { c.coefficients.rows[1][2] = std::nan(""); }},
+          {"singular", ippStsCoeffErr,
+           [](Call& c) {
+               c.coefficients = {{{1, 2, 3}, {2, 4, 5}}};
+           }},
+          {"one column", ippStsRectErr, [](Call& c) { c.region.width = 1; }},
+          {"one row", ippStsRectErr, [](Call& c) { c.region.height = 1; }}}});
     zoltest::expectRefusals(Call{{0, 0, 5, 5}, false, identity, false}, refusals, [&](const Call& c) {
         return ZOLippiGetAffineBound(c.region, c.noBound ? nullptr : bound,
                                      c.noCoefficients ? nullptr : c.coefficients.rows);
