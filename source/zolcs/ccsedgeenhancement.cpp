@@ -8,8 +8,10 @@
 #include "zollog/zollog.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace {
@@ -64,9 +66,9 @@ bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster&
 }
 
 /// Allocates, locks and filters; `filter(source, destination, workspace)` gets the first pixels.
-template <typename Filter>
-int runFilter(const MemberSites& sites, int planes, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
-    const UnsharpWorkspace workspace(src.getWidth(), planes);
+template <typename Sample, typename Filter>
+int runFilter(const MemberSites& sites, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
+    const UnsharpWorkspace<Sample> workspace(src.getWidth());
     if (!workspace.isAllocated()) return zolcs::fail(sites.memory, 0, refused);
     try {
         const zolcs::ImagePairLock lock(src, dst);
@@ -85,7 +87,7 @@ std::int32_t fitted(long value) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
-struct GreyPlane {
+struct GreyImages {
     int width;
     int height;
     ImageView<const std::uint16_t> source;
@@ -95,60 +97,47 @@ struct GreyPlane {
     void put(std::int64_t y, const std::uint16_t* samples) const { std::copy_n(samples, width, destination.line(y)); }
 };
 
-/// One channel of a three-byte source.
-struct Rgb24Channel {
-    ImageView<const Rgb24> image;
-    int byte;
+/// Four bytes a pixel. The fourth one is sharpened with the others, which costs less than to leave it out.
+const std::uint8_t* bytesOf(const std::uint32_t* pixels, int /*width*/, std::uint8_t* /*room*/) {
+    return reinterpret_cast<const std::uint8_t*>(pixels);
+}
 
-    void read(std::int64_t y, int width, std::uint16_t* samples) const {
-        const Rgb24* const pixels = image.line(y);
-        for (int x = 0; x < width; ++x) samples[x] = pixels[x].bytes[byte];
+/// Three bytes a pixel, which are in the display's order the other way round.
+const std::uint8_t* bytesOf(const Rgb24* pixels, int width, std::uint8_t* room) {
+    for (int x = 0; x < width; ++x) {
+        const auto& bytes = pixels[x].bytes;
+        const std::uint8_t turned[] = {bytes[2], bytes[1], bytes[0], 0};
+        std::copy(std::begin(turned), std::end(turned), room + std::ptrdiff_t{x} * 4);
     }
-};
+    return room;
+}
 
-/// One channel of a four-byte image; whole pixels are faster than every fourth byte.
-template <typename Pixel>
-struct Rgb8Channel {
-    ImageView<Pixel> image;
-    int byte;
-
-    void read(std::int64_t y, int width, std::uint16_t* samples) const {
-        const Pixel* const pixels = image.line(y);
-        const auto shift = static_cast<unsigned>(8 * byte);
-        for (int x = 0; x < width; ++x) samples[x] = static_cast<std::uint16_t>((pixels[x] >> shift) & 0xFFU);
-    }
-    /// Leaves the other three bytes of a pixel.
-    void write(std::int64_t y, int width, const std::uint16_t* samples) const {
-        Pixel* const pixels = image.line(y);
-        const auto shift = static_cast<unsigned>(8 * byte);
-        const std::uint32_t others = ~(0xFFU << shift);
-        for (int x = 0; x < width; ++x) pixels[x] = (pixels[x] & others) | std::uint32_t{samples[x]} << shift;
-    }
-};
-
-template <typename Source>
-struct ChannelPlane {
+template <typename SourcePixel>
+struct ColourImages {
     int width;
     int height;
-    Source source;
-    Rgb8Channel<std::uint32_t> destination;
+    ImageView<const SourcePixel> source;
+    ImageView<std::uint32_t> destination;
 
-    [[nodiscard]] const std::uint16_t* line(std::int64_t y, std::uint16_t* room) const {
-        source.read(y, width, room);
-        return room;
+    [[nodiscard]] const std::uint8_t* line(std::int64_t y, std::uint8_t* room) const {
+        return bytesOf(source.line(y), width, room);
     }
-    void put(std::int64_t y, const std::uint16_t* samples) const { destination.write(y, width, samples); }
+    /// Leaves the fourth byte of a pixel.
+    void put(std::int64_t y, const std::uint8_t* bytes) const {
+        constexpr std::uint32_t fourth = 0xFF000000U;
+        std::uint32_t* const pixels = destination.line(y);
+        for (int x = 0; x < width; ++x) {
+            std::uint32_t colour = 0;
+            std::memcpy(&colour, bytes + std::ptrdiff_t{x} * 4, sizeof colour);
+            pixels[x] = (pixels[x] & fourth) | (colour & ~fourth);
+        }
+    }
 };
 
-/// All three channels; `sourceOf(channel)` reads the channel that goes into the destination's byte of that number.
-template <typename SourceOf>
-void sharpenChannels(const CCsRaster& dst, unsigned char* to, const UnsharpSettings& settings,
-                     const UnsharpWorkspace& space, const SourceOf& sourceOf) {
-    const auto planeOf = [&](int channel) {
-        return ChannelPlane<decltype(sourceOf(channel))>{
-            dst.getWidth(), dst.getHeight(), sourceOf(channel), {{to, dst.getPitch()}, channel}};
-    };
-    zolcs::sharpenPlanes(std::array{planeOf(0), planeOf(1), planeOf(2)}, settings, space);
+template <typename SourcePixel>
+ColourImages<SourcePixel> colourImages(const CCsRaster& src, const unsigned char* from, const CCsRaster& dst,
+                                       unsigned char* to) {
+    return {src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}};
 }
 
 }  // namespace
@@ -166,10 +155,10 @@ int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, lo
         static_cast<std::int32_t>((std::uint32_t{2} << static_cast<unsigned>(std::min(bits, mostBits))) - 1);
     const UnsharpSettings settings{fitted(size), fitted(strength), src.getType() == CCS_GREY12 ? 10 : 6, mask,
                                    std::numeric_limits<std::uint32_t>::max()};
-    return runFilter(
-        greySites, 1, src, dst, [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
-            const GreyPlane plane{src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}};
-            zolcs::sharpenPlanes(std::array{plane}, settings, space);
+    return runFilter<std::uint16_t>(
+        greySites, src, dst, [&](unsigned char* from, unsigned char* to, const auto& space) {
+            const GreyImages images{src.getWidth(), src.getHeight(), {from, src.getPitch()}, {to, dst.getPitch()}};
+            zolcs::sharpenImage(images, settings, space);
         });
 }
 
@@ -179,18 +168,12 @@ int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long
     if (!mayBegin(colourSites, fits, src, dst, size)) return refused;
     const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
                                    std::numeric_limits<std::uint16_t>::max()};
-    return runFilter(colourSites, 3, src, dst,
-                     [&](unsigned char* from, unsigned char* to, const UnsharpWorkspace& space) {
-                         if (threeBytes) {
-                             const ImageView<const Rgb24> image(from, src.getPitch());
-                             sharpenChannels(dst, to, settings, space, [&](int channel) {
-                                 return Rgb24Channel{image, 2 - channel};
-                             });
-                         } else {
-                             const ImageView<const std::uint32_t> image(from, src.getPitch());
-                             sharpenChannels(dst, to, settings, space, [&](int channel) {
-                                 return Rgb8Channel<const std::uint32_t>{image, channel};
-                             });
-                         }
-                     });
+    return runFilter<std::uint8_t>(
+        colourSites, src, dst, [&](unsigned char* from, unsigned char* to, const auto& space) {
+            if (threeBytes) {
+                zolcs::sharpenImage(colourImages<Rgb24>(src, from, dst, to), settings, space);
+            } else {
+                zolcs::sharpenImage(colourImages<std::uint32_t>(src, from, dst, to), settings, space);
+            }
+        });
 }

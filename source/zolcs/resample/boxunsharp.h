@@ -4,7 +4,6 @@
 #include "zolcs/resample/unsharplines.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,76 +11,69 @@
 
 namespace zolcs {
 
-/// What all planes of a call share. Everything is allocated here, so that the walk needs no memory.
+/// What a call needs besides its images. Everything is allocated here, so that the walk needs no memory.
+template <typename Sample>
 class UnsharpWorkspace {
 public:
-    UnsharpWorkspace(int width, int planes)
-        : width_(static_cast<std::size_t>(std::max(width, 0))),
-          planes_(static_cast<std::size_t>(planes)),
-          columns_(new (std::nothrow) std::uint32_t[(width_ + 1) * planes_]),
-          lines_(new (std::nothrow) std::uint16_t[width_ * lineCount]) {}
+    explicit UnsharpWorkspace(int width)
+        : samples_(static_cast<std::size_t>(std::max(width, 0)) * channelsOf<Sample>),
+          columns_(new (std::nothrow) std::uint32_t[samples_ + channelsOf<Sample>]),
+          lines_(new (std::nothrow) Sample[samples_ * lineCount]) {}
 
     [[nodiscard]] bool isAllocated() const { return columns_ != nullptr && lines_ != nullptr; }
 
-    /// One sum for each column of a plane; the one at -1 is always 0.
-    [[nodiscard]] std::uint32_t* columns(std::size_t plane) const { return columns_.get() + plane * (width_ + 1) + 1; }
-    void clearColumns() const { std::fill_n(columns_.get(), (width_ + 1) * planes_, 0U); }
+    /// One sum for each sample of a line; those of the pixel at -1 are always 0.
+    [[nodiscard]] std::uint32_t* columns() const { return columns_.get() + channelsOf<Sample>; }
+    void clearColumns() const { std::fill_n(columns_.get(), samples_ + channelsOf<Sample>, 0U); }
 
     enum Line : std::size_t { Centre, Entering, Leaving, Result, lineCount };
-    [[nodiscard]] std::uint16_t* line(Line which) const { return lines_.get() + which * width_; }
+    [[nodiscard]] Sample* line(Line which) const { return lines_.get() + which * samples_; }
 
 private:
-    std::size_t width_;
-    std::size_t planes_;
+    std::size_t samples_;
     std::unique_ptr<std::uint32_t[]> columns_;
-    std::unique_ptr<std::uint16_t[]> lines_;
+    std::unique_ptr<Sample[]> lines_;
 };
 
-/// Sharpens the planes of an image, line by line. A plane has `width` and `height`, the same for all; `line(y, room)`
-/// gives the samples of a line, in `room` or where they are; `put(y, samples)` writes a whole line.
-template <typename Plane, std::size_t count>
-void sharpenPlanes(const std::array<Plane, count>& planes, const UnsharpSettings& settings,
-                   const UnsharpWorkspace& workspace) {
-    const std::int64_t width = planes[0].width;
-    const std::int64_t height = planes[0].height;
+/// Sharpens an image line by line. `image` has `width` and `height` in pixels; `line(y, room)` gives the samples of a
+/// source line, in `room` or where they are; `put(y, samples)` writes a whole line of the destination.
+template <typename Image, typename Sample>
+void sharpenImage(const Image& image, const UnsharpSettings& settings, const UnsharpWorkspace<Sample>& workspace) {
+    using Line = typename UnsharpWorkspace<Sample>::Line;
     const std::int64_t rim = settings.box / 2;
-    const bool hasInterior = 2 * rim < width && 2 * rim < height;
-    const std::uint16_t mask = settings.sampleMask();
-    const auto slide = [&](std::size_t i, std::int64_t entering, const std::uint16_t* leaving) {
-        const std::uint16_t* const samples = planes[i].line(entering, workspace.line(UnsharpWorkspace::Entering));
-        slideColumns({workspace.columns(i), samples, leaving, static_cast<int>(width), mask, settings.columnMask});
+    const bool hasInterior = 2 * rim < image.width && 2 * rim < image.height;
+    const int samples = image.width * channelsOf<Sample>;
+    const int rimSamples = hasInterior ? static_cast<int>(rim) * channelsOf<Sample> : 0;
+    const auto mask = static_cast<Sample>(settings.sampleMask());
+    const auto slide = [&](std::int64_t entering, const Sample* leaving) {
+        const Sample* const line = image.line(entering, workspace.line(Line::Entering));
+        slideColumns<Sample>({workspace.columns(), line, leaving, samples, mask, settings.columnMask});
     };
     if (hasInterior) {
         workspace.clearColumns();
-        std::uint16_t* const none = workspace.line(UnsharpWorkspace::Leaving);
-        std::fill_n(none, width, std::uint16_t{0});
-        for (std::int64_t y = 0; y < settings.box; ++y) {
-            for (std::size_t i = 0; i < count; ++i) slide(i, y, none);
-        }
+        Sample* const none = workspace.line(Line::Leaving);
+        std::fill_n(none, samples, Sample{0});
+        for (std::int64_t y = 0; y < settings.box; ++y) slide(y, none);
     }
     const LineSharpener sharpener(settings);
-    std::uint16_t* const result = workspace.line(UnsharpWorkspace::Result);
-    const auto sharpenLine = [&](std::size_t i, std::int64_t y) {
-        const std::uint16_t* const centre = planes[i].line(y, workspace.line(UnsharpWorkspace::Centre));
-        const auto copy = [&](std::int64_t from, std::int64_t to) {
-            for (std::int64_t x = from; x < to; ++x) result[x] = static_cast<std::uint16_t>(centre[x] & mask);
+    Sample* const result = workspace.line(Line::Result);
+    for (std::int64_t y = 0; y < image.height; ++y) {
+        const Sample* const centre = image.line(y, workspace.line(Line::Centre));
+        const auto copy = [&](int from, int to) {
+            for (int i = from; i < to; ++i) result[i] = static_cast<Sample>(centre[i] & mask);
         };
-        const bool interior = hasInterior && y >= rim && y < height - rim;
-        if (interior) {
-            copy(0, rim);
-            sharpener.sharpen(workspace.columns(i), centre + rim, result + rim, static_cast<int>(width - 2 * rim));
-            copy(width - rim, width);
+        if (hasInterior && y >= rim && y < image.height - rim) {
+            copy(0, rimSamples);
+            sharpener.sharpen(workspace.columns(), centre + rimSamples, result + rimSamples, samples - 2 * rimSamples);
+            copy(samples - rimSamples, samples);
             // Below the last interior line the sums are not needed, and the next line may not exist.
-            if (y + 1 < height - rim) {
-                slide(i, y - rim + settings.box, planes[i].line(y - rim, workspace.line(UnsharpWorkspace::Leaving)));
+            if (y + 1 < image.height - rim) {
+                slide(y - rim + settings.box, image.line(y - rim, workspace.line(Line::Leaving)));
             }
         } else {
-            copy(0, width);
+            copy(0, samples);
         }
-        planes[i].put(y, result);
-    };
-    for (std::int64_t y = 0; y < height; ++y) {
-        for (std::size_t i = 0; i < count; ++i) sharpenLine(i, y);
+        image.put(y, result);
     }
 }
 

@@ -47,12 +47,16 @@ std::optional<IntegerShare> IntegerShare::of(const UnsharpSettings& settings) {
     return share;
 }
 
-void slideColumns(const ColumnSlide& slide) {
+template <typename Sample>
+void slideColumns(const ColumnSlide<Sample>& slide) {
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return unsharpvectors::chosen().slide(slide);
+    if (SpanOperations::usesVectors()) return unsharpvectors::chosen<Sample>().slide(slide);
 #endif
     slideRest(slide, 0);
 }
+
+template ZOLWEBCS_API void slideColumns(const ColumnSlide<std::uint8_t>& slide);
+template ZOLWEBCS_API void slideColumns(const ColumnSlide<std::uint16_t>& slide);
 
 LineSharpener::LineSharpener(const UnsharpSettings& settings) : settings_(settings), exact_(settings) {
     if (SpanOperations::isPlain()) return;
@@ -60,37 +64,50 @@ LineSharpener::LineSharpener(const UnsharpSettings& settings) : settings_(settin
     integer_ = IntegerShare::of(settings);
 }
 
-template <typename Share>
-void LineSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, const std::uint16_t* samples,
-                              std::uint16_t* out, int count) const {
+template <typename Share, typename Sample>
+void LineSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, const Sample* samples, Sample* out,
+                              int count) const {
+    constexpr int channels = channelsOf<Sample>;
     const std::int64_t gain = std::int64_t{settings_.strength} + 1;
     const std::int64_t limit = settings_.limit;
     const std::uint32_t mask = settings_.sampleMask();
-    const std::uint32_t* const entering = columns + settings_.box - 1;
-    const std::uint32_t* const leaving = columns - 1;
-    std::uint64_t sum = 0;
-    for (const std::uint32_t* column = leaving; column != entering; ++column) sum += *column;
-    for (int i = 0; i < count; ++i) {
-        sum += entering[i];
-        sum -= leaving[i];
-        const std::int64_t value = static_cast<std::int64_t>(samples[i] & mask) * gain - share(sum);
-        out[i] = static_cast<std::uint16_t>(std::clamp<std::int64_t>(value, 0, limit) | (samples[i] & ~mask));
+    for (int channel = 0; channel < channels; ++channel) {
+        const std::uint32_t* leaving = columns + channel - channels;
+        const std::uint32_t* entering = leaving;
+        std::uint64_t sum = 0;
+        for (std::int64_t i = 0; i < settings_.box; ++i, entering += channels) sum += *entering;
+        for (int i = channel; i < count; i += channels, entering += channels, leaving += channels) {
+            sum += *entering;
+            sum -= *leaving;
+            const std::int64_t value = static_cast<std::int64_t>(samples[i] & mask) * gain - share(sum);
+            out[i] = static_cast<Sample>(std::clamp<std::int64_t>(value, 0, limit) | (samples[i] & ~mask));
+        }
     }
 }
 
-void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
-                            int count) const {
+template <typename Sample>
+void LineSharpener::sharpen(const std::uint32_t* columns, const Sample* samples, Sample* out, int count) const {
     if (!integer_) {
         if (double_) return sharpenBy(*double_, columns, samples, out, count);
         return sharpenBy(exact_, columns, samples, out, count);
     }
-    const SharpenedRun run{
-        columns,  samples, out, count, static_cast<int>(settings_.box), settings_.sampleMask(), settings_.strength + 1,
-        *integer_};
+    const SharpenedRun<Sample> run{columns,
+                                   samples,
+                                   out,
+                                   count,
+                                   static_cast<int>(settings_.box),
+                                   static_cast<Sample>(settings_.sampleMask()),
+                                   settings_.strength + 1,
+                                   *integer_};
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return unsharpvectors::chosen().sharpen(run);
+    if (SpanOperations::usesVectors()) return unsharpvectors::chosen<Sample>().sharpen(run);
 #endif
-    sharpenRest(run, 0, sumBeforeFirst(run));
+    sharpenRest(run, 0, sumsBeforeFirst(run));
 }
+
+template void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint8_t* samples, std::uint8_t* out,
+                                     int count) const;
+template void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
+                                     int count) const;
 
 }  // namespace zolcs

@@ -4,6 +4,8 @@
 #include "zolcs/ccsexport.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -71,58 +73,82 @@ struct ZOLWEBCS_API IntegerShare {
     }
 };
 
+/// Samples that a pixel has side by side, each of which is sharpened for itself: grey has one of 16 bits, colour four
+/// of 8 bits.
+template <typename Sample>
+inline constexpr int channelsOf = sizeof(Sample) == 1 ? 4 : 1;
+
 /// A line of samples that enters the boxes, and one that leaves them.
+template <typename Sample>
 struct ColumnSlide {
     std::uint32_t* columns;
-    const std::uint16_t* entering;
-    const std::uint16_t* leaving;
+    const Sample* entering;
+    const Sample* leaving;
     int count;
-    std::uint16_t sampleMask;
+    Sample sampleMask;
     std::uint32_t columnMask;
 };
 
 /// columns[x] += entering[x], -= leaving[x], by masked samples.
-ZOLWEBCS_API void slideColumns(const ColumnSlide& slide);
+template <typename Sample>
+ZOLWEBCS_API void slideColumns(const ColumnSlide<Sample>& slide);
 
-/// The same from one column on, one after the other.
-inline void slideRest(const ColumnSlide& slide, int first) {
+/// The same from `first` on, in the obvious form.
+template <typename Sample>
+void slideRest(const ColumnSlide<Sample>& slide, int first) {
+    const std::uint32_t mask = slide.sampleMask;
     for (int x = first; x < slide.count; ++x) {
-        const std::uint32_t grown = slide.columns[x] + (slide.entering[x] & slide.sampleMask);
-        slide.columns[x] = (grown - (slide.leaving[x] & slide.sampleMask)) & slide.columnMask;
+        const std::uint32_t grown = slide.columns[x] + (slide.entering[x] & mask);
+        slide.columns[x] = (grown - (slide.leaving[x] & mask)) & slide.columnMask;
     }
 }
 
-/// A run of pixels whose shares are IntegerShare's. The box of pixel i covers columns[i] to columns[i + box - 1].
+/// The sums of the boxes of one pixel's channels.
+template <typename Sample>
+using BoxSums = std::array<std::uint32_t, channelsOf<Sample>>;
+
+/// A run of samples of whole pixels whose shares are IntegerShare's. The box of sample i covers columns[i] and what
+/// belongs to the same channel of the next pixels, `box` in all. The columns of the pixel before are readable.
+template <typename Sample>
 struct SharpenedRun {
     const std::uint32_t* columns;
-    const std::uint16_t* samples;
-    std::uint16_t* out;
+    const Sample* samples;
+    Sample* out;
     int count;
     int box;
-    std::uint16_t sampleMask;
+    Sample sampleMask;
     std::int32_t gain;  ///< strength + 1
     IntegerShare share;
 };
 
-/// Sharpens the pixels of a run from `first` on; `sum` is the sum of the box of the pixel before the first.
-inline void sharpenRest(const SharpenedRun& run, int first, std::uint32_t sum) {
+/// Sharpens the samples of a run from `first` on; `sums` are those of the pixel before.
+template <typename Sample>
+void sharpenRest(const SharpenedRun<Sample>& run, int first, BoxSums<Sample> sums) {
+    constexpr int channels = channelsOf<Sample>;
     const std::int32_t limit = run.sampleMask;
-    const std::uint32_t* const leaving = run.columns - 1;
-    const std::uint32_t* const entering = leaving + run.box;
-    for (int i = first; i < run.count; ++i) {
-        sum += entering[i] - leaving[i];
-        const std::int32_t sample = run.samples[i] & run.sampleMask;
-        const std::int32_t value = sample * run.gain - static_cast<std::int32_t>(run.share(sum));
-        const auto kept = static_cast<std::uint16_t>(run.samples[i] & ~run.sampleMask);
-        run.out[i] = static_cast<std::uint16_t>(std::clamp(value, 0, limit) | kept);
+    const std::uint32_t* const leaving = run.columns - channels;
+    const std::uint32_t* const entering = leaving + std::ptrdiff_t{run.box} * channels;
+    for (int pixel = first; pixel < run.count; pixel += channels) {
+        int i = pixel;
+        for (std::uint32_t& sum : sums) {
+            sum += entering[i] - leaving[i];
+            const std::int32_t sample = run.samples[i] & limit;
+            const std::int32_t value = sample * run.gain - static_cast<std::int32_t>(run.share(sum));
+            run.out[i] = static_cast<Sample>(std::clamp(value, 0, limit) | (run.samples[i] & ~limit));
+            ++i;
+        }
     }
 }
 
-/// The sum of the box before the first one of a run, which would reach one column to the left.
-inline std::uint32_t sumBeforeFirst(const SharpenedRun& run) {
-    std::uint32_t sum = 0;
-    for (int i = -1; i < run.box - 1; ++i) sum += run.columns[i];
-    return sum;
+/// The sums of the boxes before the first ones of a run, which would reach one pixel to the left.
+template <typename Sample>
+BoxSums<Sample> sumsBeforeFirst(const SharpenedRun<Sample>& run) {
+    BoxSums<Sample> sums{};
+    const std::uint32_t* column = run.columns - channelsOf<Sample>;
+    for (int i = 0; i < run.box; ++i) {
+        for (std::uint32_t& sum : sums) sum += *column++;
+    }
+    return sums;
 }
 
 /// Sharpens the interior of lines, in the fastest way that the settings and the processor allow.
@@ -130,13 +156,14 @@ class ZOLWEBCS_API LineSharpener {
 public:
     explicit LineSharpener(const UnsharpSettings& settings);
 
-    /// `count` samples from `samples` on; the box of the first covers columns[0] to columns[box - 1]. columns[-1] is
-    /// readable.
-    void sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out, int count) const;
+    /// `count` samples of whole pixels from `samples` on; the box of each begins with the column of the same number.
+    /// The columns of the pixel before the first one are readable.
+    template <typename Sample>
+    void sharpen(const std::uint32_t* columns, const Sample* samples, Sample* out, int count) const;
 
 private:
-    template <typename Share>
-    void sharpenBy(const Share& share, const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
+    template <typename Share, typename Sample>
+    void sharpenBy(const Share& share, const std::uint32_t* columns, const Sample* samples, Sample* out,
                    int count) const;
 
     UnsharpSettings settings_;

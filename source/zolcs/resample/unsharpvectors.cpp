@@ -7,6 +7,8 @@
 
 #include "zolcs/resample/unsharpvectors.h"
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace zolcs::HWY_NAMESPACE {
 
@@ -14,9 +16,15 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 
-void sharpen(const SharpenedRun& run) { sharpenRest(run, 0, sumBeforeFirst(run)); }
+template <typename Sample>
+void sharpen(const SharpenedRun<Sample>& run) {
+    sharpenRest(run, 0, sumsBeforeFirst(run));
+}
 
-void slide(const ColumnSlide& slide) { slideRest(slide, 0); }
+template <typename Sample>
+void slide(const ColumnSlide<Sample>& slide) {
+    slideRest(slide, 0);
+}
 
 #else
 
@@ -26,15 +34,21 @@ using Vector = hn::Vec<Lanes>;
 constexpr Lanes lanesTag;
 constexpr int lanes = static_cast<int>(hn::MaxLanes(lanesTag));
 
-/// Running sums over neighbouring lanes, carried on from vector to vector.
-class RunningSum {
+/// Running sums over neighbouring pixels, each channel for itself, carried on from vector to vector.
+template <typename Sample>
+class RunningSums {
 public:
-    explicit RunningSum(std::uint32_t start) : carry_(hn::Set(lanesTag, start)) {}
+    explicit RunningSums(const BoxSums<Sample>& start)
+        : carry_(channels == 1 ? hn::Set(lanesTag, start.front()) : hn::LoadDup128(lanesTag, start.data())) {}
 
     HWY_INLINE Vector add(Vector differences) {
-        Vector sums = hn::Add(differences, hn::ShiftLeftLanes<1>(lanesTag, differences));
-        sums = hn::Add(sums, hn::ShiftLeftLanes<2>(lanesTag, sums));
-        Vector total = hn::Broadcast<3>(sums);
+        Vector sums = differences;
+        Vector total = sums;
+        if constexpr (channels == 1) {
+            sums = hn::Add(sums, hn::ShiftLeftLanes<1>(lanesTag, sums));
+            sums = hn::Add(sums, hn::ShiftLeftLanes<2>(lanesTag, sums));
+            total = hn::Broadcast<3>(sums);
+        }
         const Vector carry = carry_;
         if constexpr (lanes == 8) {
             sums = hn::Add(sums, hn::ConcatLowerLower(lanesTag, total, hn::Zero(lanesTag)));
@@ -44,9 +58,17 @@ public:
         return hn::Add(sums, carry);
     }
 
-    [[nodiscard]] std::uint32_t value() const { return hn::GetLane(carry_); }
+    [[nodiscard]] BoxSums<Sample> values() const {
+        std::uint32_t all[lanes];
+        hn::StoreU(carry_, lanesTag, all);
+        BoxSums<Sample> sums;
+        std::copy_n(all, channels, sums.begin());
+        return sums;
+    }
 
 private:
+    static constexpr int channels = channelsOf<Sample>;
+
     Vector carry_;
 };
 
@@ -59,36 +81,40 @@ HWY_INLINE Vector shareOf(Vector sums, Vector multiplier, int shift) {
     return hn::BitCast(lanesTag, hn::Or(low, high));
 }
 
-void sharpen(const SharpenedRun& run) {
+template <typename Sample>
+void sharpen(const SharpenedRun<Sample>& given) {
+    const SharpenedRun<Sample> run = given;  // samples could overlay the one that is given, for all the compiler knows
+    constexpr int channels = channelsOf<Sample>;
     const hn::RebindToSigned<Lanes> di;
-    const hn::Rebind<std::uint16_t, Lanes> d16;
+    const hn::Rebind<Sample, Lanes> ds;
     const auto mask = hn::Set(lanesTag, std::uint32_t{run.sampleMask});
     const auto limit = hn::BitCast(di, mask);
     const auto gain = hn::Set(di, run.gain);
     const auto multiplier = hn::Set(lanesTag, run.share.multiplier);
-    const std::uint32_t* const leaving = run.columns - 1;
-    const std::uint32_t* const entering = leaving + run.box;
-    RunningSum running(sumBeforeFirst(run));
+    const std::uint32_t* const leaving = run.columns - channels;
+    const std::uint32_t* const entering = leaving + std::ptrdiff_t{run.box} * channels;
+    RunningSums<Sample> running(sumsBeforeFirst(run));
     int i = 0;
     for (; i + lanes <= run.count; i += lanes) {
         const auto sums = running.add(hn::Sub(hn::LoadU(lanesTag, entering + i), hn::LoadU(lanesTag, leaving + i)));
         const auto share = hn::BitCast(di, shareOf(sums, multiplier, run.share.shift));
-        const auto samples = hn::PromoteTo(lanesTag, hn::LoadU(d16, run.samples + i));
+        const auto samples = hn::PromoteTo(lanesTag, hn::LoadU(ds, run.samples + i));
         const auto boosted = hn::Mul(hn::BitCast(di, hn::And(samples, mask)), gain);
         const auto value = hn::Min(hn::Max(hn::Sub(boosted, share), hn::Zero(di)), limit);
         const auto kept = hn::BitCast(di, hn::AndNot(mask, samples));
-        hn::StoreU(hn::DemoteTo(d16, hn::Or(value, kept)), d16, run.out + i);
+        hn::StoreU(hn::DemoteTo(ds, hn::Or(value, kept)), ds, run.out + i);
     }
-    sharpenRest(run, i, running.value());
+    sharpenRest(run, i, running.values());
 }
 
-void slide(const ColumnSlide& slide) {
-    const hn::Rebind<std::uint16_t, Lanes> d16;
+template <typename Sample>
+void slide(const ColumnSlide<Sample>& given) {
+    const ColumnSlide<Sample> slide = given;
+    const hn::Rebind<Sample, Lanes> ds;
     const auto mask = hn::Set(lanesTag, std::uint32_t{slide.sampleMask});
     const auto columnMask = hn::Set(lanesTag, slide.columnMask);
-    const auto load = [&](const std::uint16_t* samples) {
-        return hn::And(hn::PromoteTo(lanesTag, hn::LoadU(d16, samples)), mask);
-    };
+    const auto load = [&](const Sample* samples)
+                          HWY_ATTR { return hn::And(hn::PromoteTo(lanesTag, hn::LoadU(ds, samples)), mask); };
     int x = 0;
     for (; x + lanes <= slide.count; x += lanes) {
         const auto grown = hn::Add(hn::LoadU(lanesTag, slide.columns + x), load(slide.entering + x));
@@ -99,8 +125,13 @@ void slide(const ColumnSlide& slide) {
 
 #endif
 
-const unsharpvectors::Operations* unsharpOperations() {
-    static constexpr unsharpvectors::Operations table{slide, sharpen};
+const unsharpvectors::LineOperations<std::uint8_t>* colourOperations() {
+    static constexpr unsharpvectors::LineOperations<std::uint8_t> table{slide, sharpen};
+    return &table;
+}
+
+const unsharpvectors::LineOperations<std::uint16_t>* greyOperations() {
+    static constexpr unsharpvectors::LineOperations<std::uint16_t> table{slide, sharpen};
     return &table;
 }
 
@@ -111,11 +142,23 @@ HWY_AFTER_NAMESPACE();
 
 namespace zolcs {
 namespace {
-HWY_EXPORT(unsharpOperations);
+HWY_EXPORT(colourOperations);
+HWY_EXPORT(greyOperations);
+}  // namespace
+
+namespace unsharpvectors {
+
+template <>
+const LineOperations<std::uint8_t>& chosen() {
+    return *HWY_DYNAMIC_DISPATCH(colourOperations)();
 }
 
-const unsharpvectors::Operations& unsharpvectors::chosen() { return *HWY_DYNAMIC_DISPATCH(unsharpOperations)(); }
+template <>
+const LineOperations<std::uint16_t>& chosen() {
+    return *HWY_DYNAMIC_DISPATCH(greyOperations)();
+}
 
+}  // namespace unsharpvectors
 }  // namespace zolcs
 
 #endif  // HWY_ONCE

@@ -6,11 +6,14 @@
 
 namespace zolcs::unsharpvectors {
 
-struct Operations {
-    void (*slide)(const ColumnSlide& slide);
-    void (*sharpen)(const SharpenedRun& run);
+template <typename Sample>
+struct LineOperations {
+    void (*slide)(const ColumnSlide<Sample>& slide);
+    void (*sharpen)(const SharpenedRun<Sample>& run);
 };
 
-const Operations& chosen();
+/// For std::uint8_t and std::uint16_t.
+template <typename Sample>
+const LineOperations<Sample>& chosen();
 
 }  // namespace zolcs::unsharpvectors
