@@ -146,10 +146,9 @@ int CCsRgb8Map::mapRasterSeparate(CCsImage& src, CCsImage& dst) {
     if (!acceptMemory(images, separateImages)) return 0;
     for (LONG y = 0; y < src.getHeight(); ++y) {
         // The channels are red, green and blue; the pixels' bytes are the other way round.
-        zolcs::mapping::mapSpan<Channel, 256>(zolcs::mapping::channelsAt<Channel>(images.source(), src, 0, y),
-                                              zolcs::mapping::channelsAt<Channel>(images.destination(), dst, 0, y),
-                                              src.getWidth(),
-                                              {&channels_[2].levels, &channels_[1].levels, &channels_[0].levels});
+        zolcs::mapping::mapSpan(zolcs::mapping::channelsAt<Channel>(images.source(), src, 0, y),
+                                zolcs::mapping::channelsAt<Channel>(images.destination(), dst, 0, y), src.getWidth(),
+                                channels_[2].levels, channels_[1].levels, channels_[0].levels);
     }
     return 255;
 }

@@ -5,13 +5,18 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/mapping/imagepair.h"
+#include "zolcs/mapping/levelramp.h"
 #include "zolcs/mapping/windowlut.h"
+#include "zolcs/resample/spanoperations.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <optional>
 #include <span>
+#include <type_traits>
 
 namespace zolcs::mapping {
 
@@ -43,16 +48,24 @@ Channel* channelsAt(unsigned char* origin, const CCsImage& image, LONG x, LONG y
     return reinterpret_cast<Channel*>(origin) + (std::int64_t{y} * image.getPitch() + x) * 4;
 }
 
-/// Maps that many pixels of four channels through one table per byte of the display. Channels beyond a table take its
-/// last entry; the fourth byte becomes 0.
+/// Maps that many pixels of four channels, each of the first three through a table of its own. Channels beyond a table
+/// take its last entry; the fourth byte becomes 0.
 template <typename Channel, std::size_t entries>
 void mapSpan(const Channel* from, unsigned char* to, std::int64_t pixels,
-             const std::array<const std::array<unsigned char, entries>*, 3>& tables) {
-    for (const unsigned char* const end = to + pixels * 4; to < end; from += 4, to += 4) {
-        for (std::size_t i = 0; i < tables.size(); ++i) {
-            to[i] = (*tables[i])[std::min<std::size_t>(from[i], entries - 1)];
+             const std::array<unsigned char, entries>& first, const std::array<unsigned char, entries>& second,
+             const std::array<unsigned char, entries>& third) {
+    const auto level = [](const std::array<unsigned char, entries>& table, Channel value) {
+        return std::uint32_t{table[std::min<std::size_t>(value, entries - 1)]};
+    };
+    constexpr std::int64_t pagePixels = 1024;
+    for (std::int64_t i = 0; i < pixels; ++i, from += 4, to += 4) {
+        // The processor's own prefetching stops at every page.
+        if (i % pagePixels == 0 && i + pagePixels < pixels) {
+            prefetchStart(from + pagePixels * 4);
+            prefetchStart(to + pagePixels * 4);
         }
-        to[3] = 0;
+        const std::uint32_t pixel = level(first, from[0]) | level(second, from[1]) << 8U | level(third, from[2]) << 16U;
+        std::memcpy(to, &pixel, sizeof pixel);  // one store takes less time than four of a byte
     }
 }
 
@@ -71,6 +84,7 @@ public:
         if (!acceptMemory(images, kind_.images)) return 0;
         CCsCircularShutterInfo circle;
         CCsImageUtils::findCircShutterInfo(circle, src);
+        const bool isLarge = std::int64_t{dst.getWidth()} * dst.getHeight() >= uncachedPixels;
         const LONG bottom = std::min<LONG>(segment.bottom, src.getHeight());
         const LONG right = std::min<LONG>(segment.right, src.getWidth());
         for (LONG y = std::max<LONG>(segment.top, 0); y < bottom; ++y) {
@@ -78,15 +92,17 @@ public:
             const LONG begin = std::max<LONG>({segment.left, 0, shown.first});
             const LONG end = shown.last < right ? shown.last + 1 : right;
             if (begin >= end) continue;
-            mapSpan<Channel, entries>(channelsAt<Channel>(images.source(), src, begin, y),
-                                      channelsAt<unsigned char>(images.destination(), dst, begin, y), end - begin,
-                                      {&lut_, &lut_, &lut_});
+            show(channelsAt<Channel>(images.source(), src, begin, y),
+                 channelsAt<unsigned char>(images.destination(), dst, begin, y), end - begin, isLarge);
         }
         return 255;
     }
 
     void* getLut() override {
-        if (!lutValid_) lutValid_ = buildLevels(lut_, window_, kind_.widthRefused);
+        if (!lutValid_) {
+            lutValid_ = buildLevels(lut_, window_, kind_.widthRefused);
+            if (lutValid_) ramp_ = LevelRamp::of(window_, entries);
+        }
         return lutValid_ ? lut_.data() : nullptr;
     }
 
@@ -118,9 +134,24 @@ protected:
     void makeStale() { lutValid_ = false; }
 
 private:
+    /// So many pixels would only push everything else out of the cache before anybody reads them.
+    static constexpr std::int64_t uncachedPixels = std::int64_t{1} << 20;
+    /// Shorter pieces of a row go through the cache: whole pages do not come together there.
+    static constexpr std::int64_t minimumBypassingPixels = 512;
+
+    void show(const Channel* from, unsigned char* to, std::int64_t pixels, bool isLarge) const {
+        // A table for bytes is small enough to be quick.
+        if constexpr (std::is_same_v<Channel, std::uint16_t>) {
+            const bool bypassCache = isLarge && pixels >= minimumBypassingPixels;
+            if (ramp_ && fillLevelRamp(*ramp_, from, to, static_cast<std::size_t>(pixels), bypassCache)) return;
+        }
+        mapSpan(from, to, pixels, lut_, lut_, lut_);
+    }
+
     const ColourMapKind& kind_;
     bool lutValid_ = false;
     Table lut_{};
+    std::optional<LevelRamp> ramp_;  ///< gives what the table holds
     Window window_{2048, 2048};
 };
 

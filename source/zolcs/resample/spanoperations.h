@@ -75,7 +75,7 @@ ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* of
 ZOLWEBCS_API void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
 
 /// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
-void prefetchStart(const void* data);
+ZOLWEBCS_API void prefetchStart(const void* data);
 
 /// The plain transposition, for pixels of any size.
 template <typename Pixel>
