@@ -323,17 +323,51 @@ TEST_F(BlitTest, SourceRowsOfABottomUpDibCountFromTheBottom) {
     EXPECT_EQ(device.pixel(0, 3), 4U);
 }
 
-TEST_F(BlitTest, SourceRowsOfATopDownDibCountFromTheTopUnlessStretched) {
-    Device source(1, 4);
-    for (int y = 0; y < 4; ++y) source.setPixel(0, y, static_cast<std::uint32_t>(y + 1));
-    Device device(1, 6);
+TEST_F(BlitTest, SourceRowsOfATopDownDibCountFromTheTopOnlyFromTheOriginOrWithAnOperation) {
+    Device source(1, 5);
+    for (int y = 0; y < 5; ++y) source.setPixel(0, y, static_cast<std::uint32_t>(y + 1));
+    const struct {
+        int row, height, sourceHeight;
+        DWORD rop;
+        std::vector<std::uint32_t> rows;
+    } cases[] = {{0, 2, 2, SRCCOPY, {1, 2, 0, 0}},  {1, 2, 2, SRCCOPY, {3, 4, 0, 0}},
+                 {0, 4, 2, SRCCOPY, {4, 4, 5, 5}},  {0, 2, 2, SRCPAINT, {1, 2, 0, 0}},
+                 {1, 2, 2, SRCPAINT, {2, 3, 0, 0}}, {1, 4, 2, SRCPAINT, {2, 2, 3, 3}}};
+    for (const auto& c : cases) {
+        Device device(1, 4);
+        SetStretchBltMode(device, COLORONCOLOR);
+        EXPECT_NE(StretchDIBits(device, 0, 0, 1, c.height, 0, c.row, 1, c.sourceHeight, source.bits(), &source.info(),
+                                DIB_RGB_COLORS, c.rop),
+                  0);
+        for (int y = 0; y < 4; ++y) {
+            EXPECT_EQ(device.pixel(0, y), c.rows[static_cast<std::size_t>(y)])
+                << c.row << ", " << c.height << ", " << std::hex << c.rop << " at " << y;
+        }
+    }
+}
+
+TEST_F(BlitTest, WhatShrinksToASinglePixelLeavesItsLastOneOut) {
+    Device source(5, 5);
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 5; ++x) source.setPixel(x, y, static_cast<std::uint32_t>(10 * y + x + 1));
+    }
+    Device device(1, 1);
     SetStretchBltMode(device, COLORONCOLOR);
-    EXPECT_EQ(StretchDIBits(device, 0, 0, 1, 2, 0, 1, 1, 2, source.bits(), &source.info(), DIB_RGB_COLORS, SRCCOPY), 4);
-    EXPECT_EQ(device.pixel(0, 0), 2U);
-    EXPECT_EQ(device.pixel(0, 1), 3U);
-    EXPECT_EQ(StretchDIBits(device, 0, 0, 1, 4, 0, 0, 1, 2, source.bits(), &source.info(), DIB_RGB_COLORS, SRCCOPY), 4);
-    EXPECT_EQ(device.pixel(0, 0), 3U);
-    EXPECT_EQ(device.pixel(0, 3), 4U);
+    const auto blit = [&](DWORD rop) {
+        device.setPixel(0, 0, 0);
+        EXPECT_TRUE(StretchBlt(device, 0, 0, 1, 1, source, 1, 2, 3, 2, rop));
+        return device.pixel(0, 0);
+    };
+    const auto dib = [&](DWORD rop) {
+        device.setPixel(0, 0, 0);
+        EXPECT_NE(StretchDIBits(device, 0, 0, 1, 1, 1, 2, 3, 2, source.bits(), &source.info(), DIB_RGB_COLORS, rop), 0);
+        return device.pixel(0, 0);
+    };
+    // Of the columns the last one that takes part, of the rows the first one.
+    EXPECT_EQ(blit(SRCCOPY), 23U);
+    EXPECT_EQ(blit(SRCPAINT), 23U);
+    EXPECT_EQ(dib(SRCPAINT), 23U);
+    EXPECT_EQ(dib(SRCCOPY), 14U);  // rows counted from the bottom; here all three columns take part
 }
 
 TEST_F(BlitTest, AWideImageOfWhichLittleShowsIsDrawnAtOnce) {

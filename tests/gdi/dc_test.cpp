@@ -252,6 +252,70 @@ TEST_F(DcTest, FreeExtentsScale) {
     }
 }
 
+TEST_F(DcTest, TheFreestModeGoesOnWithTheExtentsOfTheOneBefore) {
+    const auto pictureIn = [](std::initializer_list<int> modes) {
+        Device device(60, 60);
+        SelectObject(device, GetStockObject(WHITE_PEN));
+        SetViewportOrgEx(device, 5, 50, nullptr);
+        for (const int mode : modes) EXPECT_NE(SetMapMode(device, mode), 0);
+        EXPECT_TRUE(MoveToEx(device, 0, 0, nullptr));
+        EXPECT_TRUE(LineTo(device, 30, 40));
+        return device.picture();
+    };
+    EXPECT_EQ(pictureIn({MM_LOENGLISH, MM_ANISOTROPIC}), pictureIn({MM_LOENGLISH}));
+    EXPECT_NE(pictureIn({MM_LOENGLISH}), pictureIn({MM_TEXT}));
+    EXPECT_EQ(pictureIn({MM_LOENGLISH, MM_TEXT, MM_ANISOTROPIC}), pictureIn({MM_TEXT}));
+    EXPECT_EQ(pictureIn({MM_ISOTROPIC}), pictureIn({MM_LOMETRIC}));
+}
+
+TEST_F(DcTest, ExtentsAreSetInTheFreeModesOnlyAndAreNeverZero) {
+    Device device(4, 4);
+    SIZE old{};
+    EXPECT_TRUE(SetWindowExtEx(device, 7, 7, &old));
+    EXPECT_EQ(old.cx, 1);
+    EXPECT_EQ(SetMapMode(device, MM_ANISOTROPIC), MM_TEXT);
+    EXPECT_TRUE(SetWindowExtEx(device, 2, 3, &old));
+    EXPECT_EQ(old.cx, 1);
+    EXPECT_EQ(old.cy, 1);
+    EXPECT_FALSE(SetWindowExtEx(device, 0, 3, nullptr));
+    EXPECT_FALSE(SetViewportExtEx(device, 3, 0, nullptr));
+    EXPECT_TRUE(SetWindowExtEx(device, 1, 1, &old));
+    EXPECT_EQ(old.cx, 2);
+    EXPECT_EQ(old.cy, 3);
+    EXPECT_EQ(SetMapMode(device, MM_TEXT), MM_ANISOTROPIC);
+    EXPECT_TRUE(SetViewportExtEx(device, 5, 5, &old));
+    EXPECT_EQ(old.cx, 1);
+}
+
+TEST_F(DcTest, UnitsOfTheIsotropicModeAreEquallyLongInBothDirections) {
+    const struct {
+        SIZE window, viewport;
+        int width, height;  // of 8 by 8 units, in pixels
+    } cases[] = {{{10, 10}, {40, 40}, 32, 32},
+                 {{10, 10}, {40, 20}, 16, 16},
+                 {{10, 10}, {20, 40}, 16, 16},
+                 {{10, 20}, {40, 40}, 16, 16},
+                 {{8, 8}, {-30, 20}, 20, 20}};
+    for (const auto& c : cases) {
+        Device device(64, 64);
+        SelectObject(device, GetStockObject(NULL_PEN));
+        EXPECT_EQ(SetMapMode(device, MM_ISOTROPIC), MM_TEXT);
+        EXPECT_TRUE(SetWindowExtEx(device, c.window.cx, c.window.cy, nullptr));
+        EXPECT_TRUE(SetViewportExtEx(device, c.viewport.cx, c.viewport.cy, nullptr));
+        EXPECT_TRUE(SetViewportOrgEx(device, 32, 0, nullptr));
+        EXPECT_TRUE(PatBlt(device, 0, 0, c.viewport.cx < 0 ? -8 : 8, 8, WHITENESS));
+        int width = 0;
+        int height = 0;
+        for (int i = 0; i < 64; ++i) {
+            width += device.pixel(i, 0) != 0 ? 1 : 0;
+            height += device.pixel(33, i) != 0 ? 1 : 0;
+        }
+        // Systems differ by one where pixels are taken for not quite square.
+        EXPECT_NEAR(width, c.width, 1) << c.viewport.cx << ", " << c.viewport.cy;
+        EXPECT_NEAR(height, c.height, 1) << c.viewport.cx << ", " << c.viewport.cy;
+    }
+}
+
 // ------------------------------------------------------------------------------------------------ wrong handles
 
 TEST_F(DcTest, NullHandlesFail) {

@@ -231,6 +231,42 @@ TEST_F(LineTest, WidePensAreRoundAndCentred) {
     EXPECT_EQ(device.pixel(22, 5), 0U);
 }
 
+TEST_F(LineTest, EvenWidthsLieMoreToTheLeftAndTop) {
+    for (int width = 2; width <= 9; ++width) {
+        Device device(40, 30);
+        const Using pen(device, CreatePen(PS_SOLID, width, RGB(255, 0, 0)));
+        drawLine(device, {15, 12}, {30, 12});
+        for (int y = 0; y < 30; ++y) {
+            EXPECT_EQ(device.pixel(22, y) != 0, y >= 12 - width / 2 && y <= 12 + (width - 1) / 2) << width << ": " << y;
+        }
+        PatBlt(device, 0, 0, 40, 30, BLACKNESS);
+        drawLine(device, {20, 8}, {20, 22});
+        for (int x = 0; x < 40; ++x) {
+            EXPECT_EQ(device.pixel(x, 15) != 0, x >= 20 - width / 2 && x <= 20 + (width - 1) / 2) << width << ": " << x;
+        }
+    }
+}
+
+TEST_F(LineTest, WideObliqueLinesAreCentredWhateverTheirWidth) {
+    for (int width = 2; width <= 9; ++width) {
+        for (const bool rising : {false, true}) {
+            Device device(60, 60);
+            const Using pen(device, CreatePen(PS_SOLID, width, RGB(255, 0, 0)));
+            rising ? drawLine(device, {10, 50}, {50, 10}) : drawLine(device, {10, 10}, {50, 50});
+            // Columns of row 30 on both sides of the middle.
+            int left = 0;
+            int right = 0;
+            for (int x = 0; x < 60; ++x) {
+                if (device.pixel(x, 30) == 0) continue;
+                left += x < 30 ? 1 : 0;
+                right += x > 30 ? 1 : 0;
+            }
+            EXPECT_NEAR(left, right, 1) << width << ", " << rising;
+            EXPECT_NEAR(left + right + 1, width * 1.4142, 1.5) << width << ", " << rising;
+        }
+    }
+}
+
 TEST_F(LineTest, AWideLineToItselfIsADot) {
     Device device(12, 12);
     const Using pen(device, CreatePen(PS_SOLID, 5, RGB(255, 0, 0)));

@@ -130,6 +130,39 @@ TEST_F(PathTest, FiguresFillTogether) {
     }
 }
 
+TEST_F(PathTest, RectanglesAndEllipsesRunCounterclockwise) {
+    // Around a square the windings of two figures add up, or cancel where they run in opposite directions.
+    const auto middleOf = [](bool round, bool clockwise) {
+        return pixelsOf([&](HDC dc) {
+            SetPolyFillMode(dc, WINDING);
+            EXPECT_TRUE(BeginPath(dc));
+            clockwise ? square(dc, 2, 2, 26, 26) : square(dc, 26, 2, 2, 26);
+            EXPECT_TRUE(CloseFigure(dc));
+            EXPECT_TRUE(round ? Ellipse(dc, 6, 6, 22, 22) : Rectangle(dc, 6, 6, 22, 22));
+            EXPECT_TRUE(EndPath(dc));
+            EXPECT_TRUE(FillPath(dc));
+        })[14 * 30 + 14];
+    };
+    for (const bool round : {false, true}) {
+        EXPECT_EQ(middleOf(round, true), 0U) << round;
+        EXPECT_EQ(middleOf(round, false), 0x0000FF00U) << round;
+    }
+}
+
+TEST_F(PathTest, APenInsideTheFrameDoesNotMoveThePath) {
+    const auto stroked = [](int style) {
+        return pixelsOf([&](HDC dc) {
+            const HGDIOBJ before = SelectObject(dc, CreatePen(style, 6, RGB(0, 0, 255)));
+            EXPECT_TRUE(BeginPath(dc));
+            EXPECT_TRUE(Rectangle(dc, 6, 6, 22, 22));
+            EXPECT_TRUE(EndPath(dc));
+            EXPECT_TRUE(StrokePath(dc));
+            DeleteObject(SelectObject(dc, before));
+        });
+    };
+    EXPECT_EQ(stroked(PS_INSIDEFRAME), stroked(PS_SOLID));
+}
+
 TEST_F(PathTest, AMoveBeginsAnotherFigure) {
     EXPECT_EQ(pixelsOf([](HDC dc) {
                   MoveToEx(dc, 4, 4, nullptr);

@@ -321,6 +321,26 @@ TEST_F(ShapeTest, TheClipBoxIsWhatCanBeDrawnOn) {
     EXPECT_EQ(device.picture(), std::vector<std::string>(8, ".........."));
 }
 
+TEST_F(ShapeTest, TheClipBoxIsLogical) {
+    const auto boxOf = [](HDC dc) {
+        RECT box{};
+        EXPECT_EQ(GetClipBox(dc, &box), SIMPLEREGION);
+        return std::vector<LONG>{box.left, box.top, box.right, box.bottom};
+    };
+    Device device(12, 10);
+    SetViewportOrgEx(device, 3, 2, nullptr);
+    SetWindowOrgEx(device, 1, -1, nullptr);
+    EXPECT_EQ(boxOf(device), (std::vector<LONG>{-2, -3, 10, 7}));
+    EXPECT_EQ(IntersectClipRect(device, 0, 0, 4, 4), SIMPLEREGION);
+    EXPECT_EQ(boxOf(device), (std::vector<LONG>{0, 0, 4, 4}));
+    SetWindowOrgEx(device, 0, 0, nullptr);
+    SetGraphicsMode(device, GM_ADVANCED);
+    const XFORM upward{2.0F, 0.0F, 0.0F, -1.0F, 0.0F, 0.0F};
+    EXPECT_TRUE(SetWorldTransform(device, &upward));
+    EXPECT_EQ(SelectClipRgn(device, nullptr), SIMPLEREGION);
+    EXPECT_EQ(boxOf(device), (std::vector<LONG>{-1, 2, 5, -8}));
+}
+
 TEST_F(ShapeTest, RectangleHelpers) {
     RECT a{};
     EXPECT_TRUE(SetRect(&a, 1, 2, 5, 6));

@@ -40,6 +40,11 @@ bool deviceRuns(const DeviceContext& context, int x, int y, int width, int heigh
     return fits(columns) && fits(rows);
 }
 
+/// GDI leaves the last column or row out of what shrinks to a single one.
+void shrinkToOne(Run& source, const Run& destination) {
+    if (destination.extent == 1 && source.extent > 1) --source.extent;
+}
+
 /// A picture from the two rectangles; false when one of them is empty or beyond all devices.
 bool makePicture(const Pixels& pixels, const Run& sourceColumns, const Run& sourceRows, const Run& columns,
                  const Run& rows, Picture& picture) {
@@ -86,6 +91,8 @@ BOOL copyBetween(DeviceContext& to, DeviceContext& from, const RECT& target, con
         !deviceRuns(from, source.left, source.top, source.right, source.bottom, sourceColumns, sourceRows)) {
         return FALSE;
     }
+    shrinkToOne(sourceColumns, columns);
+    shrinkToOne(sourceRows, rows);
     Picture picture;
     if (!makePicture(*sourceCanvas->pixels(), sourceColumns, sourceRows, columns, rows, picture)) return TRUE;
     canvas->picture(to.clipArea(), picture, rop, to.state.brush->color());
@@ -141,6 +148,7 @@ BOOL BitBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX
 int StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
                   int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD rop) {
     using zolgdi::Run;
+    const BYTE operation = zolgdi::ropIndex(rop);
     zolgdi::DibLayout layout;
     if (bits == nullptr || info == nullptr || usage != DIB_RGB_COLORS) return 0;
     if (!zolgdi::DibLayout::of(&info->bmiHeader, layout)) return 0;
@@ -150,16 +158,24 @@ int StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int 
         if (!zolgdi::deviceRuns(context, x, y, width, height, columns, rows)) return 0;
         // The canvas only reads a picture's pixels.
         const zolgdi::Pixels pixels = layout.pixels(static_cast<BYTE*>(const_cast<void*>(bits)));
-        // Rows of a source rectangle count from the bottom, but from the top of a top-down DIB that is not stretched.
-        const bool stretched = columns.extent != sourceWidth || rows.extent != sourceHeight;
+        const bool plain = operation == zolgdi::ropIndex(SRCCOPY);
+        const bool fromOrigin =
+            sourceX == 0 && sourceY == 0 && columns.extent == sourceWidth && rows.extent == sourceHeight;
+        Run sourceColumns{sourceX, sourceWidth};
         Run sourceRows{sourceY, sourceHeight};
-        if (!layout.topDown || stretched) {
-            sourceRows.start = std::int64_t{layout.height} - 1 - sourceY;
-            sourceRows.start -= sourceHeight > 0 ? std::int64_t{sourceHeight} - 1 : std::int64_t{sourceHeight} + 1;
+        if (!plain) {
+            zolgdi::shrinkToOne(sourceColumns, columns);
+            zolgdi::shrinkToOne(sourceRows, rows);
+        }
+        // Rows of a source rectangle count from the bottom; from the top of a top-down DIB that is copied from its
+        // origin without being stretched, or is not just copied.
+        if (!layout.topDown || (plain && !fromOrigin)) {
+            sourceRows.start = std::int64_t{layout.height} - 1 - sourceRows.start;
+            sourceRows.start -= sourceRows.backward() ? sourceRows.extent + 1 : sourceRows.extent - 1;
         }
         zolgdi::Picture picture;
-        if (zolgdi::makePicture(pixels, {sourceX, sourceWidth}, sourceRows, columns, rows, picture)) {
-            canvas.picture(context.clipArea(), picture, zolgdi::ropIndex(rop), context.state.brush->color());
+        if (zolgdi::makePicture(pixels, sourceColumns, sourceRows, columns, rows, picture)) {
+            canvas.picture(context.clipArea(), picture, operation, context.state.brush->color());
         }
         return static_cast<int>(layout.height);
     });

@@ -9,22 +9,40 @@ namespace {
 
 constexpr double farAway = 1 << 30;  // beyond every device, with room for sums in 32 bits
 
-/// Logical units per inch of the metric mapping modes; 0 for others.
-double unitsPerInch(int mapMode) {
+struct Extents {
+    SIZE window;
+    SIZE viewport;
+};
+
+/// The extents that a mapping mode begins with: those of the metric ones make `unitsPerInch` units an inch, upward.
+Extents metricExtents(int unitsPerInch, int dpi) { return {{unitsPerInch, unitsPerInch}, {dpi, -dpi}}; }
+
+Extents initialExtents(int mapMode, int dpi) {
     switch (mapMode) {
         case MM_LOMETRIC:
-            return 254.0;
+        case MM_ISOTROPIC:
+            return metricExtents(254, dpi);
         case MM_HIMETRIC:
-            return 2540.0;
+            return metricExtents(2540, dpi);
         case MM_LOENGLISH:
-            return 100.0;
+            return metricExtents(100, dpi);
         case MM_HIENGLISH:
-            return 1000.0;
+            return metricExtents(1000, dpi);
         case MM_TWIPS:
-            return 1440.0;
+            return metricExtents(1440, dpi);
         default:
-            return 0.0;
+            return {{1, 1}, {1, 1}};
     }
+}
+
+/// Shortens one of the viewport's extents, so that units are equally long in both directions.
+void equalizeUnits(State& state) {
+    const double x = std::fabs(static_cast<double>(state.viewportExtent.cx) / state.windowExtent.cx);
+    const double y = std::fabs(static_cast<double>(state.viewportExtent.cy) / state.windowExtent.cy);
+    LONG& extent = x > y ? state.viewportExtent.cx : state.viewportExtent.cy;
+    const LONG direction = extent < 0 ? -1 : 1;
+    extent = roundToDevice(extent * (std::min(x, y) / std::max(x, y)));
+    if (extent == 0) extent = direction;
 }
 
 }  // namespace
@@ -80,15 +98,11 @@ State::State() : pen(stockObject(BLACK_PEN)), brush(stockObject(WHITE_BRUSH)), f
     if (!pen || !brush || !font) throw std::bad_alloc();
 }
 
-Affine State::toDevice(const Capabilities& capabilities) const {
+Affine State::toDevice() const {
     Affine page;
-    if (mapMode == MM_ISOTROPIC || mapMode == MM_ANISOTROPIC) {
-        page.m11 = static_cast<double>(viewportExtent.cx) / windowExtent.cx;
-        page.m22 = static_cast<double>(viewportExtent.cy) / windowExtent.cy;
-    } else if (mapMode != MM_TEXT) {
-        page.m11 = capabilities.dpi / unitsPerInch(mapMode);
-        page.m22 = -page.m11;
-    }
+    // A transformation has an XFORM's precision, which decides where ties go.
+    page.m11 = static_cast<FLOAT>(static_cast<double>(viewportExtent.cx) / windowExtent.cx);
+    page.m22 = static_cast<FLOAT>(static_cast<double>(viewportExtent.cy) / windowExtent.cy);
     page.dx = viewportOrigin.x - windowOrigin.x * page.m11;
     page.dy = viewportOrigin.y - windowOrigin.y * page.m22;
     return Affine{world.eM11, world.eM12, world.eM21, world.eM22, world.eDx, world.eDy}.then(page);
@@ -280,6 +294,7 @@ BOOL setExtent(HDC dc, SIZE zolgdi::State::*field, SIZE extent, SIZE* previous) 
         if (mode != MM_ISOTROPIC && mode != MM_ANISOTROPIC) return TRUE;
         if (extent.cx == 0 || extent.cy == 0) return FALSE;
         context.state.*field = extent;
+        if (mode == MM_ISOTROPIC) zolgdi::equalizeUnits(context.state);
         return TRUE;
     });
 }
@@ -303,9 +318,11 @@ BOOL ModifyWorldTransform(HDC dc, const XFORM* transform, DWORD mode) {
 int SetMapMode(HDC dc, int mode) {
     if (mode < MM_TEXT || mode > MM_ANISOTROPIC) return 0;
     return withDc(dc, 0, [&](DeviceContext& context) {
+        // The freest mode goes on with the extents that are there.
         if (mode != MM_ANISOTROPIC && mode != context.state.mapMode) {
-            context.state.windowExtent = {1, 1};
-            context.state.viewportExtent = {1, 1};
+            const auto [window, viewport] = zolgdi::initialExtents(mode, context.capabilities.dpi);
+            context.state.windowExtent = window;
+            context.state.viewportExtent = viewport;
         }
         return std::exchange(context.state.mapMode, mode);
     });
@@ -360,7 +377,11 @@ int GetClipBox(HDC dc, LPRECT box) {
     return withDc(dc, ERROR, [&](DeviceContext& context) {
         if (box == nullptr) return ERROR;
         const zolgdi::Area area = context.clipArea();
-        *box = area.bounds();
+        const RECT bounds = area.bounds();
+        const zolgdi::Affine map = context.toDevice().inverse();
+        const POINT first = zolgdi::roundToDevice(map(bounds.left, bounds.top));
+        const POINT last = zolgdi::roundToDevice(map(bounds.right, bounds.bottom));
+        *box = area.empty() ? bounds : RECT{first.x, first.y, last.x, last.y};
         return area.complexity();
     });
 }

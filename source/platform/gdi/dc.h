@@ -61,7 +61,7 @@ struct State {
     /// A new device context's: stock objects, black on white. Fails (throws std::bad_alloc) without memory only.
     State();
 
-    [[nodiscard]] Affine toDevice(const Capabilities& capabilities) const;
+    [[nodiscard]] Affine toDevice() const;
 
     Selection<Bitmap> bitmap;  ///< of memory device contexts only
     Selection<Pen> pen;
@@ -77,9 +77,9 @@ struct State {
     int graphicsMode = GM_COMPATIBLE;
     int mapMode = MM_TEXT;
     POINT windowOrigin{0, 0};
-    SIZE windowExtent{1, 1};
+    SIZE windowExtent{1, 1};  ///< never 0
     POINT viewportOrigin{0, 0};
-    SIZE viewportExtent{1, 1};
+    SIZE viewportExtent{1, 1};  ///< never 0
     XFORM world{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
 };
 
@@ -92,7 +92,7 @@ public:
     /// Whether DeleteDC takes it; a window's is released instead.
     [[nodiscard]] virtual bool deletable() const { return true; }
 
-    [[nodiscard]] Affine toDevice() const { return state.toDevice(capabilities); }
+    [[nodiscard]] Affine toDevice() const { return state.toDevice(); }
     /// The pixels that drawing may change.
     [[nodiscard]] Area clipArea();
 

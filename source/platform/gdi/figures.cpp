@@ -137,18 +137,24 @@ Figures surfacesWithin(const Figures& figures, double limit) {
     return out;
 }
 
-Figure ellipseFigure(PointD topLeft, PointD topRight, PointD bottomRight, PointD bottomLeft) {
+Corners cornersOf(const RECT& rect) {
+    const double left = rect.left;
+    const double top = rect.top;
+    const double right = rect.right - 1.0;
+    const double bottom = rect.bottom - 1.0;
+    return {{{right, top}, {left, top}, {left, bottom}, {right, bottom}}};
+}
+
+Figure ellipseFigure(const Corners& corners) {
     constexpr double kappa = 0.5522847498307936;  // how far a quarter circle's handles reach
-    const PointD middles[] = {between(topLeft, topRight, 0.5), between(topRight, bottomRight, 0.5),
-                              between(bottomRight, bottomLeft, 0.5), between(bottomLeft, topLeft, 0.5)};
-    const PointD corners[] = {topRight, bottomRight, bottomLeft, topLeft};
+    const auto middle = [&](std::size_t i) { return between(corners[(i + 3) % 4], corners[i % 4], 0.5); };
     Figure figure;
     figure.curved = true;
     figure.closed = true;
-    figure.points.push_back(middles[0]);
+    figure.points.push_back(middle(0));
     for (std::size_t i = 0; i < 4; ++i) {
-        const PointD next = middles[(i + 1) % 4];
-        figure.points.push_back(between(middles[i], corners[i], kappa));
+        const PointD next = middle(i + 1);
+        figure.points.push_back(between(middle(i), corners[i], kappa));
         figure.points.push_back(between(next, corners[i], kappa));
         figure.points.push_back(next);
     }

@@ -3,6 +3,8 @@
 
 #include "platform/gdi/canvas.h"
 
+#include <array>
+
 namespace zolgdi {
 
 /// The same figures without curves.
@@ -19,8 +21,13 @@ Figures surfacesWithin(const Figures& figures, double limit);
 /// Cairo's coordinates end near 2^23: what lies farther away than this is cut off before it gets there.
 inline constexpr double cairoLimit = 1 << 21;
 
-/// A closed, curved figure for the ellipse that touches the sides of a rectangle with the given corners; the corners
-/// may be turned.
-Figure ellipseFigure(PointD topLeft, PointD topRight, PointD bottomRight, PointD bottomLeft);
+/// A rectangle's corners in the order in which GDI draws outlines: counterclockwise from the top right one.
+using Corners = std::array<PointD, 4>;
+
+/// The corner pixels of a rectangle, right and bottom exclusive.
+Corners cornersOf(const RECT& rect);
+
+/// A closed, curved figure for the ellipse that touches the sides of a rectangle, which may be turned.
+Figure ellipseFigure(const Corners& corners);
 
 }  // namespace zolgdi

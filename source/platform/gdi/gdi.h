@@ -506,7 +506,7 @@ ZOLGDI_API BOOL SetWindowExtEx(HDC dc, int x, int y, LPSIZE previous);
 
 ZOLGDI_API int SelectClipRgn(HDC dc, HRGN region);
 ZOLGDI_API int IntersectClipRect(HDC dc, int left, int top, int right, int bottom);
-ZOLGDI_API int GetClipBox(HDC dc, LPRECT box);
+ZOLGDI_API int GetClipBox(HDC dc, LPRECT box);  ///< in logical coordinates; its top is the upper edge's
 
 // ---------------------------------------------------------------------------------------------------- copies of pixels
 

@@ -98,11 +98,7 @@ public:
     }
 
     void ellipse(const Area& clip, const RECT& box, const Stroke& stroke, const COLORREF* fillColor) override {
-        const double left = box.left;
-        const double top = box.top;
-        const double right = box.right - 1.0;
-        const double bottom = box.bottom - 1.0;
-        const Figures figures{ellipseFigure({left, top}, {right, top}, {right, bottom}, {left, bottom})};
+        const Figures figures{ellipseFigure(cornersOf(box))};
         if (fillColor != nullptr) fill(clip, figures, ALTERNATE, *fillColor);
         this->stroke(clip, figures, stroke);
     }

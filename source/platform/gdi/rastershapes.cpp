@@ -216,17 +216,20 @@ RECT boundsOf(const Figures& figures, double margin) {
             roundToDevice(high.y + margin)};
 }
 
-/// Round ends and joins, a whole number of pixels thick: an even one lies more to the left and top.
-void strokeWide(const Pixels& to, const Area& clip, const Figures& lines, const Stroke& stroke) {
+/// Round ends and joins, a whole number of pixels thick.
+void strokeWide(const Pixels& to, const Area& clip, const Figures& figures, const Stroke& stroke) {
     const double width = std::round(std::min(stroke.width, cairoLimit));
-    const double shift = std::fmod(width, 2.0) / 2.0;
-    const Figures near = linesWithin(lines, cairoLimit);
+    const Figures near = linesWithin(figures, cairoLimit);
+    // Of the pixels whose middles lie on the two edges the left and upper ones are drawn, curves rounded or not.
+    constexpr double middle = 0.5 - 1.0 / 32.0;
+    constexpr double tolerance = 0.02;
     paintCoverage(to, clip, boundsOf(near, width / 2.0 + 2.0), stroke.color, [&](cairo_t* cairo) {
         cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
+        cairo_set_tolerance(cairo, tolerance);
         cairo_set_line_width(cairo, width);
         cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
         cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-        appendPath(cairo, near, shift);
+        appendPath(cairo, near, middle);
         cairo_stroke(cairo);
     });
 }
@@ -266,8 +269,8 @@ void RasterCanvas::fill(const Area& clip, const Figures& figures, int fillMode, 
 
 void RasterCanvas::stroke(const Area& clip, const Figures& figures, const Stroke& stroke) {
     if (clip.empty() || stroke.style == PS_NULL) return;
-    const Figures lines = flattened(figures);
-    stroke.width >= 1.5 ? strokeWide(pixels_, clip, lines, stroke) : strokeThin(pixels_, clip, lines, stroke);
+    stroke.width >= 1.5 ? strokeWide(pixels_, clip, figures, stroke)
+                        : strokeThin(pixels_, clip, flattened(figures), stroke);
 }
 
 void RasterCanvas::ellipse(const Area& clip, const RECT& box, const Stroke& stroke, const COLORREF* fillColor) {
@@ -291,11 +294,7 @@ void RasterCanvas::ellipse(const Area& clip, const RECT& box, const Stroke& stro
         if (hollow) span(y, innerRight, right, stroke.color);
     }
     if (thin || stroke.style == PS_NULL) return;
-    const double left = box.left;
-    const double top = box.top;
-    const double right = box.right - 1.0;
-    const double bottom = box.bottom - 1.0;
-    this->stroke(clip, {ellipseFigure({left, top}, {right, top}, {right, bottom}, {left, bottom})}, stroke);
+    this->stroke(clip, {ellipseFigure(cornersOf(box))}, stroke);
 }
 
 }  // namespace zolgdi

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
 namespace zolgdi {
 
@@ -62,78 +63,48 @@ void drawSurface(DeviceContext& context, Canvas& canvas, const Figures& figures)
     drawLines(context, canvas, figures);
 }
 
+/// The rectangle of Rectangle and Ellipse on the device.
 struct Box {
-    PointD topLeft, topRight, bottomRight, bottomLeft;
-    bool axisAligned = true;
-    RECT rect{};  ///< in device pixels, right and bottom exclusive; meaningful when axis-aligned
+    Corners corners;
+    std::optional<RECT> pixels;  ///< right and bottom exclusive; nothing where the device context turns or shears
 };
 
-/// The rectangle of Rectangle and Ellipse on the device. Its right and bottom edges do not belong to it, but in the
-/// advanced graphics mode they do. False when it is empty.
-bool deviceBox(const DeviceContext& context, int left, int top, int right, int bottom, Box& box) {
-    const Affine map = context.toDevice();
-    const bool inclusive = context.state.graphicsMode == GM_ADVANCED;
-    box.axisAligned = map.axisAligned();
-    if (!box.axisAligned) {
-        box.topLeft = map(left, top);
-        box.topRight = map(right, top);
-        box.bottomRight = map(right, bottom);
-        box.bottomLeft = map(left, bottom);
-        return left != right && top != bottom;
-    }
-    const POINT a = roundToDevice(map(left, top));
-    const POINT b = roundToDevice(map(right, bottom));
-    box.rect = {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)};
-    if (inclusive) {
-        ++box.rect.right;
-        ++box.rect.bottom;
-    }
-    const double l = box.rect.left;
-    const double t = box.rect.top;
-    const double r = box.rect.right - 1.0;
-    const double d = box.rect.bottom - 1.0;
-    box.topLeft = {l, t};
-    box.topRight = {r, t};
-    box.bottomRight = {r, d};
-    box.bottomLeft = {l, d};
-    return !isEmpty(box.rect);
-}
-
 /// A pen that draws inside the frame moves the outline in by half its width; an even one lies more to the left and top.
-void insetForPen(const DeviceContext& context, Box& box) {
-    if (context.state.pen->description().lopnStyle != PS_INSIDEFRAME) return;
+/// A path knows no pen.
+RECT insetForPen(const DeviceContext& context, const RECT& rect) {
+    if (context.path.isOpen() || context.state.pen->description().lopnStyle != PS_INSIDEFRAME) return rect;
     const LONG width = std::max(roundToDevice(currentStroke(context).width), 1);
     const LONG before = width / 2;
     const LONG behind = (width - 1) / 2;
-    box.rect = {box.rect.left + before, box.rect.top + before, box.rect.right - behind, box.rect.bottom - behind};
+    return {rect.left + before, rect.top + before, rect.right - behind, rect.bottom - behind};
 }
 
-BOOL drawRectangle(DeviceContext& context, Canvas& canvas, Box box) {
-    insetForPen(context, box);
-    if (box.axisAligned) {
-        // Without a pen the outline's place stays empty on the right and at the bottom, as a polygon's does.
-        const double l = box.rect.left;
-        const double t = box.rect.top;
-        const double r = box.rect.right - 1.0;
-        const double d = box.rect.bottom - 1.0;
-        drawSurface(context, canvas, {{{{l, t}, {r, t}, {r, d}, {l, d}}, false, true}});
-    } else {
-        drawSurface(context, canvas, {{{box.topLeft, box.topRight, box.bottomRight, box.bottomLeft}, false, true}});
+/// Right and bottom edges do not belong to the logical rectangle, but in the advanced graphics mode they do. Nothing
+/// for an empty one.
+std::optional<Box> deviceBox(const DeviceContext& context, int left, int top, int right, int bottom) {
+    const Affine map = context.toDevice();
+    if (!map.axisAligned()) {
+        if (left == right || top == bottom) return std::nullopt;
+        return Box{{map(right, top), map(left, top), map(left, bottom), map(right, bottom)}, std::nullopt};
     }
-    return TRUE;
+    const LONG more = context.state.graphicsMode == GM_ADVANCED ? 1 : 0;
+    const POINT a = roundToDevice(map(left, top));
+    const POINT b = roundToDevice(map(right, bottom));
+    RECT pixels{std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x) + more, std::max(a.y, b.y) + more};
+    if (isEmpty(pixels)) return std::nullopt;
+    pixels = insetForPen(context, pixels);
+    return Box{cornersOf(pixels), pixels};
 }
 
-BOOL drawEllipse(DeviceContext& context, Canvas& canvas, Box box) {
-    insetForPen(context, box);
-    if (!box.axisAligned || context.path.isOpen()) {
-        drawSurface(context, canvas, {ellipseFigure(box.topLeft, box.topRight, box.bottomRight, box.bottomLeft)});
-        return TRUE;
+void drawEllipse(DeviceContext& context, Canvas& canvas, const Box& box) {
+    if (!box.pixels || context.path.isOpen()) {
+        drawSurface(context, canvas, {ellipseFigure(box.corners)});
+        return;
     }
-    if (isEmpty(box.rect)) return TRUE;
+    if (isEmpty(*box.pixels)) return;
     const Brush& brush = *context.state.brush;
     const COLORREF color = brush.color();
-    canvas.ellipse(context.clipArea(), box.rect, currentStroke(context), brush.hollow() ? nullptr : &color);
-    return TRUE;
+    canvas.ellipse(context.clipArea(), *box.pixels, currentStroke(context), brush.hollow() ? nullptr : &color);
 }
 
 /// Draws the complete path with `draw`; false where there is none.
@@ -244,17 +215,21 @@ BOOL PolyBezier(HDC dc, const POINT* points, DWORD count) {
 
 BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
     return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
-        zolgdi::Box box;
-        if (!zolgdi::deviceBox(context, left, top, right, bottom, box)) return TRUE;
-        return zolgdi::drawRectangle(context, canvas, box);
+        if (const auto box = zolgdi::deviceBox(context, left, top, right, bottom)) {
+            // Without a pen the outline's place stays empty on the right and at the bottom, as a polygon's does.
+            const zolgdi::Corners& corners = box->corners;
+            zolgdi::drawSurface(context, canvas, {{{corners.begin(), corners.end()}, false, true}});
+        }
+        return TRUE;
     });
 }
 
 BOOL Ellipse(HDC dc, int left, int top, int right, int bottom) {
     return withCanvas(dc, FALSE, [&](DeviceContext& context, Canvas& canvas) {
-        zolgdi::Box box;
-        if (!zolgdi::deviceBox(context, left, top, right, bottom, box)) return TRUE;
-        return zolgdi::drawEllipse(context, canvas, box);
+        if (const auto box = zolgdi::deviceBox(context, left, top, right, bottom)) {
+            zolgdi::drawEllipse(context, canvas, *box);
+        }
+        return TRUE;
     });
 }
 

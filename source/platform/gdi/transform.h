@@ -27,6 +27,13 @@ struct Affine {
                 origin.x,
                 origin.y};
     }
+    /// The way back; the transformation must have one.
+    [[nodiscard]] Affine inverse() const {
+        const double determinant = m11 * m22 - m12 * m21;
+        const Affine back{m22 / determinant, -m12 / determinant, -m21 / determinant, m11 / determinant, 0.0, 0.0};
+        const PointD origin = back(-dx, -dy);
+        return {back.m11, back.m12, back.m21, back.m22, origin.x, origin.y};
+    }
     /// Keeps horizontal lines horizontal and vertical ones vertical.
     [[nodiscard]] bool axisAligned() const { return m12 == 0.0 && m21 == 0.0; }
 
