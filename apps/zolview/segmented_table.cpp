@@ -65,7 +65,12 @@ private:
         std::size_t place = 0;
         for (unsigned int shift = 0; shift < 32U; shift += 8U * bytesPerUnit_) place |= std::size_t{next(at)} << shift;
         place /= bytesPerUnit_;
-        for (int i = 0; i < segments && entries_.size() < count_; ++i) expandSegment(place, false);
+        for (int i = 0; i < segments && entries_.size() < count_; ++i) {
+            const std::size_t before = entries_.size();
+            expandSegment(place, false);
+            // Repeating nothing over and over could take for ever.
+            if (entries_.size() == before) refuse();
+        }
     }
 
     unsigned int bytesPerUnit_;

@@ -38,6 +38,13 @@ TEST(SegmentedTable, EightBitsHaveSegmentsOfBytes) {
     EXPECT_EQ(expand({0x0200, 0x0403, 0x0102, 0x0000, 0x0000}, 4, 8), (Words{3, 4, 3, 4}));
 }
 
+TEST(SegmentedTable, RepeatingNothingIsRefused) {
+    // 65535 times an empty segment, which makes no entry however often it is repeated.
+    EXPECT_THROW(expand({0, 1, 10, 2, 65535, 14, 0, 0, 0, 0, 1, 11}, 2), Refusal);
+    // An empty segment where it stands is none of these.
+    EXPECT_EQ(expand({0, 1, 10, 0, 0, 2, 1, 0, 0}, 2), (Words{10, 10}));
+}
+
 TEST(SegmentedTable, SurplusEntriesAreCutOff) { EXPECT_EQ(expand({0, 3, 7, 8, 9}, 2), (Words{7, 8})); }
 
 TEST(SegmentedTable, WhatCannotBeIsRefused) {
