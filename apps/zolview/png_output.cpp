@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 
@@ -62,7 +63,9 @@ void writePng(const Picture& picture, const std::string& path) {
     const bool closed = std::fclose(file.release()) == 0;
     if (written && closed) return;
     const std::string why = written ? lastError() : header.message;
-    std::remove(path.c_str());
+    // What stands for a device stays.
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored)) std::remove(path.c_str());
     refuse(path, why);
 }
 

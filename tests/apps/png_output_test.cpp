@@ -2,6 +2,7 @@
 
 #include "dicom_writer.h"
 #include "read_png.h"
+#include "support/file_limit.h"
 #include "zolview/stored_image.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +50,28 @@ TEST(PngOutput, LeavesNoHalfWrittenFile) {
     const std::string path = folder.file("empty.png");
     EXPECT_THROW(writePng({0, 0, {}}, path), Refusal);
     EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST(PngOutput, LeavesNoFileOnAFullDisk) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("full.png");
+    Picture picture{64, 64, {}};
+    for (std::uint32_t i = 0; i < 64 * 64; ++i) picture.pixels.push_back((i * 2654435761U) >> 8U);
+    {
+        const zoltest::FileLimit limit(1000);
+        EXPECT_THROW(writePng(picture, path), Refusal);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST(PngOutput, ADeviceThatFailsStays) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
+    const TemporaryFolder folder;
+    // Should it be taken away after all, only the link goes.
+    const std::string path = folder.file("device.png");
+    std::filesystem::create_symlink("/dev/full", path);
+    EXPECT_THROW(writePng({1, 1, {0}}, path), Refusal);
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
 }
 
 }  // namespace

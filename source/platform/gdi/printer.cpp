@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 namespace zolgdi {
@@ -184,8 +185,7 @@ public:
 
     ~Document() {
         if (file_ == nullptr) return;
-        finish();
-        std::remove(path_.c_str());
+        if (finish()) discard();
     }
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
@@ -196,7 +196,7 @@ public:
     [[nodiscard]] cairo_t* cairo() const { return cairo_; }
     [[nodiscard]] bool good() const { return cairo_status(cairo_) == CAIRO_STATUS_SUCCESS; }
 
-    /// Completes the file, which from then on stays; false when it could not be written in full.
+    /// Completes the file, which from then on stays; false when it could not be written in full and is gone.
     bool finish() {
         const bool drawn = good();
         cairo_destroy(std::exchange(cairo_, nullptr));
@@ -204,11 +204,19 @@ public:
         const bool finished = cairo_surface_status(surface_) == CAIRO_STATUS_SUCCESS;
         cairo_surface_destroy(std::exchange(surface_, nullptr));
         const bool closed = std::fclose(std::exchange(file_, nullptr)) == 0;
-        return drawn && finished && closed;
+        const bool complete = drawn && finished && closed;
+        if (!complete) discard();
+        return complete;
     }
 
 private:
     explicit Document(std::string path) : path_(std::move(path)) {}
+
+    /// What stands for a device, such as a pipe, stays.
+    void discard() const {
+        std::error_code ignored;
+        if (std::filesystem::is_regular_file(path_, ignored)) std::remove(path_.c_str());
+    }
 
     static cairo_status_t write(void* document, const unsigned char* data, unsigned int size) {
         std::FILE* file = static_cast<Document*>(document)->file_;

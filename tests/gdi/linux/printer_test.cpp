@@ -1,5 +1,6 @@
 // The printer that writes PDF files. What is in the file is looked at with poppler's tools where they are installed.
 #include "gdi/device.h"
+#include "support/file_limit.h"
 
 #include <array>
 #include <cmath>
@@ -153,6 +154,23 @@ TEST_F(PrinterTest, AFullDiskFailsAtTheEnd) {
     EXPECT_TRUE(PatBlt(dc, 0, 0, 10, 10, BLACKNESS));
     EndPage(dc);
     EXPECT_EQ(EndDoc(dc), SP_ERROR);
+    EXPECT_TRUE(DeleteDC(dc));
+    // A device is no file to be taken away.
+    EXPECT_TRUE(fs::is_symlink(file("full.pdf")));
+}
+
+TEST_F(PrinterTest, AFileThatCannotBeCompletedIsGone) {
+    const DOCINFOW info = named(L"too long");
+    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 100.0, 100.0, 300);
+    ASSERT_GT(StartDocW(dc, &info), 0);
+    EXPECT_GT(StartPage(dc), 0);
+    EXPECT_TRUE(PatBlt(dc, 0, 0, 10, 10, BLACKNESS));
+    EXPECT_GT(EndPage(dc), 0);
+    {
+        const FileLimit limit(16);
+        EXPECT_EQ(EndDoc(dc), SP_ERROR);
+    }
+    EXPECT_FALSE(fs::exists(file()));
     EXPECT_TRUE(DeleteDC(dc));
 }
 
