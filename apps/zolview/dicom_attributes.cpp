@@ -1,8 +1,8 @@
 #include "dicom_attributes.h"
 
+#include "numbers.h"
+
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <iterator>
 #include <string_view>
 
@@ -27,14 +27,6 @@ void addGroups(DcmItem& dataset, const DcmTagKey& groups, int frame, std::vector
 }
 
 }  // namespace
-
-std::optional<double> parseDecimal(std::string_view text) {
-    if (text.starts_with('+')) text.remove_prefix(1);
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
-    return value;
-}
 
 Attributes::Attributes(DcmItem& dataset, int frame) : items_{&dataset} {
     addGroups(dataset, DCM_PerFrameFunctionalGroupsSequence, frame, items_);
@@ -72,7 +64,7 @@ std::vector<std::string> Attributes::texts(const DcmTagKey& tag) const {
 std::vector<double> Attributes::numbers(const DcmTagKey& tag) const {
     std::vector<double> out;
     for (const std::string& value : texts(tag)) {
-        const std::optional<double> number = parseDecimal(value);
+        const std::optional<double> number = parseAs<double>(value);
         if (!number) return {};
         out.push_back(*number);
     }

@@ -7,13 +7,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace zolview {
-
-/// A finite number in DICOM's notation, without blanks; null for anything else.
-std::optional<double> parseDecimal(std::string_view text);
 
 /// Attributes of one frame: those of the data set itself, and where it has none of that name, those of the frame's
 /// functional groups.

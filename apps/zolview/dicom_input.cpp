@@ -10,6 +10,7 @@
 #include "sample_conversion.h"
 #include "zolipp/zolipp.h"
 
+#include <dcmtk/dcmdata/dcistrmf.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmjpeg/djdecode.h>
 #include <dcmtk/dcmjpls/djdecode.h>
@@ -222,6 +223,48 @@ struct DicomFile::Parts {
     DcmFileFormat file;
 };
 
+namespace {
+
+/// Ends when sequences lie within sequences so deeply that the toolkit, which calls itself for each of them, would use
+/// up the stack.
+class ShallowStream : public DcmInputFileStream {
+public:
+    explicit ShallowStream(const std::string& path)
+        : DcmInputFileStream(OFFilename(path.c_str())), start_(reinterpret_cast<std::uintptr_t>(this)) {}
+
+    [[nodiscard]] bool isTooDeep() const { return tooDeep_; }
+
+    /// The toolkit asks before it reads an item or a sequence.
+    [[nodiscard]] OFCondition status() const override {
+        constexpr std::uintptr_t room = std::uintptr_t{2} << 20U;
+        const char here = 0;
+        const auto place = reinterpret_cast<std::uintptr_t>(&here);
+        tooDeep_ = tooDeep_ || std::max(start_, place) - std::min(start_, place) > room;
+        return tooDeep_ ? EC_CorruptedData : DcmInputFileStream::status();
+    }
+    [[nodiscard]] OFBool good() const override { return status().good(); }
+
+private:
+    /// The stream itself lies on the stack, where reading begins.
+    std::uintptr_t start_;
+    mutable bool tooDeep_ = false;
+};
+
+OFCondition readFile(const std::string& path, DcmFileFormat& file) {
+    ShallowStream stream(path);
+    OFCondition read = stream.status();
+    if (read.bad()) return read;
+    file.transferInit();
+    read = file.read(stream);
+    file.transferEnd();
+    refuseUnless(!stream.isTooDeep(), "holds sequences within sequences, too many to be read");
+    // Names that cannot be converted stay as they are.
+    if (read.good()) static_cast<void>(file.getDataset()->convertToUTF8());
+    return read;
+}
+
+}  // namespace
+
 DicomFile::DicomFile(const std::string& path) {
     prepareToolkit();
     std::error_code error;
@@ -229,7 +272,7 @@ DicomFile::DicomFile(const std::string& path) {
     if (!std::filesystem::exists(status)) throw Refusal("there is no such file");
     if (!std::filesystem::is_regular_file(status)) throw Refusal("is not a file");
     parts_ = std::make_unique<Parts>();
-    const OFCondition loaded = parts_->file.loadFile(OFFilename(path.c_str()));
+    const OFCondition loaded = readFile(path, parts_->file);
     if (loaded == EC_InvalidStream || loaded == EC_StreamNotifyClient)
         throw Refusal("is truncated, or is not a DICOM file");
     if (loaded.bad()) throw Refusal("is not a DICOM file that can be read (" + std::string(loaded.text()) + ")");
@@ -293,7 +336,6 @@ StoredImage DicomFile::image(int frame) const {
         image.inverted = image.inverted || presentation->inverse;
     }
     image.voi = readVoi(attributes, outputMayBeNegative(image));
-    chooseFirstVoi(image);
     return image;
 }
 

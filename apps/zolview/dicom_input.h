@@ -32,7 +32,7 @@ public:
     /// What the file says about its image, as names and values to print, without anything about the patient.
     [[nodiscard]] std::vector<std::pair<std::string, std::string>> summary() const;
 
-    /// A frame, counted from 1, with the first of its windows and VOI LUTs; refuses what this program cannot show.
+    /// A frame, counted from 1, with none of its windows and VOI LUTs chosen; refuses what this program cannot show.
     [[nodiscard]] StoredImage image(int frame = 1) const;
 
     /// What the file has for the grey of an image, the inputs of whose tables may be negative or not.

@@ -1,11 +1,13 @@
 #include "dicom_luts.h"
 
+#include "numbers.h"
 #include "segmented_table.h"
 #include "windowing.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace zolview {
 
@@ -33,9 +35,9 @@ std::vector<std::uint16_t> unpack(std::vector<std::uint16_t> words, std::size_t 
 
 VoiChoice windowChoice(const std::string& name, const std::string& centre, const std::string& width,
                        WindowFunction function) {
-    VoiChoice choice{name, {}, function, {}, {}};
-    const std::optional<double> middle = parseDecimal(centre);
-    const std::optional<double> length = parseDecimal(width);
+    VoiChoice choice{name, {}, function, {}, {}, {}};
+    const auto middle = parseAs<double>(centre);
+    const auto length = parseAs<double>(width);
     if (middle && length) {
         choice.window = {*middle, *length};
         if (!isUsable(choice.window, function)) choice.flaw = "has a width of " + width;
@@ -45,10 +47,17 @@ VoiChoice windowChoice(const std::string& name, const std::string& centre, const
     return choice;
 }
 
-WindowFunction readFunction(const Attributes& attributes) {
-    const std::string function = attributes.text(DCM_VOILUTFunction);
-    if (function == "SIGMOID") return WindowFunction::Sigmoid;
-    return function == "LINEAR_EXACT" ? WindowFunction::LinearExact : WindowFunction::Linear;
+std::optional<WindowFunction> functionOf(const std::string& name) {
+    if (name.empty() || name == "LINEAR") return WindowFunction::Linear;
+    if (name == "LINEAR_EXACT") return WindowFunction::LinearExact;
+    if (name == "SIGMOID") return WindowFunction::Sigmoid;
+    return std::nullopt;
+}
+
+/// The number that a data set gives, `otherwise` where it gives none; a NaN where what it gives is no number.
+double numberOr(const Attributes& attributes, const DcmTagKey& tag, double otherwise) {
+    if (!attributes.has(tag)) return otherwise;
+    return attributes.number(tag).value_or(std::numeric_limits<double>::quiet_NaN());
 }
 
 }  // namespace
@@ -85,9 +94,11 @@ std::optional<Modality> readModality(const Attributes& attributes, bool signedIn
         return modality;
     }
     if (!attributes.has(DCM_RescaleSlope) && !attributes.has(DCM_RescaleIntercept)) return std::nullopt;
-    const double slope = attributes.number(DCM_RescaleSlope).value_or(1.0);
-    const double intercept = attributes.number(DCM_RescaleIntercept).value_or(0.0);
-    if (std::abs(slope) < 1e-9 || std::abs(slope) > 1e9 || std::abs(intercept) > 1e9) {
+    const double slope = numberOr(attributes, DCM_RescaleSlope, 1.0);
+    const double intercept = numberOr(attributes, DCM_RescaleIntercept, 0.0);
+    // False for NaN, too.
+    const bool sensible = std::abs(slope) >= 1e-9 && std::abs(slope) <= 1e9 && std::abs(intercept) <= 1e9;
+    if (!sensible) {
         notes.emplace_back("the rescale slope or intercept makes no sense; shown without them");
         return modality;
     }
@@ -104,9 +115,13 @@ std::vector<VoiChoice> readVoi(const Attributes& attributes, bool signedInputs) 
     const auto at = [](const std::vector<std::string>& texts, std::size_t i) {
         return i < texts.size() ? texts[i] : std::string();
     };
-    const WindowFunction function = readFunction(attributes);
-    for (std::size_t i = 0; i < std::max(centres.size(), widths.size()); ++i)
-        out.push_back(windowChoice(at(names, i), at(centres, i), at(widths, i), function));
+    const std::string functionName = attributes.text(DCM_VOILUTFunction);
+    const std::optional<WindowFunction> function = functionOf(functionName);
+    for (std::size_t i = 0; i < std::max(centres.size(), widths.size()); ++i) {
+        out.push_back(
+            windowChoice(at(names, i), at(centres, i), at(widths, i), function.value_or(WindowFunction::Linear)));
+        if (!function) out.back().note = "the VOI LUT function '" + functionName + "' is not known; taken as LINEAR";
+    }
     for (DcmItem* const item : attributes.items(DCM_VOILUTSequence)) {
         VoiChoice choice;
         choice.name = Attributes(*item).text(DCM_LUTExplanation);

@@ -4,6 +4,7 @@
 #include "grey_transform.h"
 #include "lut_choice.h"
 #include "phantom.h"
+#include "plain_text.h"
 
 #include <sstream>
 
@@ -17,27 +18,15 @@ class Lines {
 public:
     template <typename... Parts>
     void add(const std::string& name, const Parts&... parts) {
-        out_ << name << ": ";
-        ((out_ << parts), ...);
-        out_ << '\n';
+        std::ostringstream line;
+        ((line << parts), ...);
+        text_ += name + ": " + plainText(line.str()) + '\n';
     }
-    [[nodiscard]] std::string text() const { return out_.str(); }
+    [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
-    std::ostringstream out_;
+    std::string text_;
 };
-
-const char* functionName(WindowFunction function) {
-    switch (function) {
-        case WindowFunction::LinearExact:
-            return ", exact";
-        case WindowFunction::Sigmoid:
-            return ", sigmoid";
-        case WindowFunction::Linear:
-            break;
-    }
-    return "";
-}
 
 void addShutters(Lines& lines, const Shutters& shutters) {
     if (const auto& r = shutters.rectangle)
@@ -58,37 +47,19 @@ void addOverlays(Lines& lines, const StoredImage& image) {
         lines.add("overlay", kind(plane.kind), ", in bit ", plane.bit, " of the pixels");
 }
 
-std::string inQuotes(const std::string& name) { return name.empty() ? "" : ", \"" + name + "\""; }
-
-void addTable(Lines& lines, const std::string& what, const LookupTable& table, const std::string& name) {
-    lines.add(what, "table of ", table.entries.size(), " entries from ", table.first, ", ", table.bits, " bits",
-              inQuotes(name));
-}
-
 void addVoi(Lines& lines, const std::vector<VoiChoice>& choices) {
     if (choices.empty()) lines.add("voi", "none; shown with the full range of values");
     int number = 0;
-    for (const VoiChoice& choice : choices) {
-        const std::string what = "voi " + std::to_string(++number);
-        if (!choice.flaw.empty()) {
-            lines.add(what, choice.table ? "table" : "window", ", cannot be applied: ", choice.flaw,
-                      inQuotes(choice.name));
-        } else if (choice.table) {
-            addTable(lines, what, *choice.table, choice.name);
-        } else {
-            lines.add(what, "window, centre ", choice.window.centre, ", width ", choice.window.width,
-                      functionName(choice.function), inQuotes(choice.name));
-        }
-    }
+    for (const VoiChoice& choice : choices) lines.add("voi " + std::to_string(++number), describe(choice));
 }
 
 void addGrey(Lines& lines, const StoredImage& image) {
     const GreyTransform transform(image, {});
     lines.add("values", "stored ", image.minLevel + image.lowest, " to ", image.maxLevel + image.lowest, ", output ",
               transform.output(image.minLevel), " to ", transform.output(image.maxLevel));
-    if (image.modality) addTable(lines, "modality", *image.modality, "");
+    if (image.modality) lines.add("modality", describe(*image.modality));
     addVoi(lines, image.voi);
-    if (image.presentation) addTable(lines, "presentation", *image.presentation, "");
+    if (image.presentation) lines.add("presentation", describe(*image.presentation));
     lines.add("low values", image.inverted ? "white" : "black");
     if (!image.padding.empty()) lines.add("padding", "some values are no part of the picture and stay black");
 }
@@ -148,8 +119,22 @@ StoredImage loadInput(const std::string& input, const LoadOptions& options) {
         options.voi || !options.modalityFile.empty() || !options.voiFile.empty() || !options.presentationFile.empty();
     if (image.isColour() && wantsGrey) throw Refusal("is a colour image, which has no windows and tables to choose");
     useTables(image, options);
-    if (options.voi && options.voiFile.empty()) chooseVoi(image, *options.voi);
+    if (!options.voiFile.empty()) return image;
+    if (options.voi) {
+        chooseVoi(image, *options.voi);
+    } else if (options.ownWindow) {
+        chooseNoVoi(image);
+    } else {
+        chooseFirstVoi(image);
+    }
     return image;
+}
+
+std::vector<std::string> filesOf(const std::string& input, const LoadOptions& options) {
+    std::vector<std::string> files{options.modalityFile, options.voiFile, options.presentationFile};
+    if (input != phantomWord) files.push_back(input);
+    std::erase(files, "");
+    return files;
 }
 
 Palette loadPalette(const std::string& nameOrFile) {

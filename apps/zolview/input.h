@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace zolview {
 
@@ -19,6 +20,8 @@ struct LoadOptions {
     std::string modalityFile;
     std::string voiFile;
     std::string presentationFile;
+    /// A window from elsewhere goes before all that there is to choose from.
+    bool ownWindow = false;
 };
 
 /// A refusal that concerns another file than the input.
@@ -33,6 +36,9 @@ private:
 
 /// The phantom for the word "phantom" (a file of that name is "./phantom"), a frame of a DICOM file otherwise.
 StoredImage loadInput(const std::string& input, const LoadOptions& options);
+
+/// The files that loadInput reads.
+std::vector<std::string> filesOf(const std::string& input, const LoadOptions& options);
 
 /// A palette by its well-known name, or else that of a DICOM file.
 Palette loadPalette(const std::string& nameOrFile);

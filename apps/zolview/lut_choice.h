@@ -4,6 +4,7 @@
 #include "stored_image.h"
 
 #include <optional>
+#include <string>
 
 namespace zolview {
 
@@ -27,10 +28,18 @@ void apply(StoredImage& image, const Presentation& presentation);
 /// Whether output values below 0 can occur, so that a table for them may begin there.
 bool outputMayBeNegative(const StoredImage& image);
 
+/// A choice in words: what it is, its numbers and its name, or why it cannot be applied.
+std::string describe(const VoiChoice& choice);
+std::string describe(const LookupTable& table);
+
 /// Chooses for an image, counted from 1. Refuses a number that is not on its list, and a flawed choice.
 void chooseVoi(StoredImage& image, int number);
 
-/// The first choice. A flawed window gives the full range of values and a note; a flawed table is refused.
+/// The first choice that can be applied, the full range of values where none can; a note for each window that is passed
+/// over. Tables are not passed over: a flawed one is refused.
 void chooseFirstVoi(StoredImage& image);
+
+/// None of the choices, for a window from elsewhere; that one has their function.
+void chooseNoVoi(StoredImage& image);
 
 }  // namespace zolview

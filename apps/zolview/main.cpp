@@ -1,4 +1,5 @@
 #include "input.h"
+#include "plain_text.h"
 #include "png_output.h"
 #include "print.h"
 #include "progress.h"
@@ -7,10 +8,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <limits>
 #include <new>
 #include <string>
+#include <system_error>
+#include <vector>
 
 namespace {
 
@@ -32,7 +38,7 @@ or the word 'phantom', a built-in test picture that needs no file.
   zolview render mr.dcm -o smooth.png --size 1024x1024 --interpolation bicubic --sharpen 5,1
   zolview render phantom -o glass.png --magnifier 300,200,80,3
   zolview render phantom -o marked.png --annotate figures.json
-  zolview print ct.dcm -o ct.pdf --landscape --true-size
+  zolview print ct.dcm -o ct.pdf --rotate 90 --true-size
   zolview info ct.dcm)";
 
 constexpr const char* footer = R"(The view is made in this order: flip, rotate, zoom, pan.
@@ -55,48 +61,56 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::st
         ->type_name(unit);
 }
 
+/// Adds an option for the name of a file or the like. An empty one is refused: it comes from a shell's variable that is
+/// not set, and leaving out what was asked for would go unnoticed.
+CLI::Option* addName(CLI::App& command, const std::string& name, std::string& value, const std::string& help,
+                     const std::string& unit) {
+    const auto refuseEmpty = [](const std::string& text) { return text.empty() ? "must not be empty" : ""; };
+    return command.add_option(name, value, help)->check(CLI::Validator(refuseEmpty, ""))->type_name(unit);
+}
+
 void addAnnotationOptions(CLI::App& command, RenderOptions& options, std::string& file) {
     CLI::Option* const annotate =
-        command.add_option("--annotate", file, "Draw the annotations of this JSON file")->type_name("FILE.json");
+        addName(command, "--annotate", file, "Draw the annotations of this JSON file", "FILE.json");
     command.add_flag("--burn-in", options.burnIn, "Write them into the image's pixels instead of over the picture")
         ->needs(annotate);
 }
 
 /// Which image, and by which tables.
 void addLoadOptions(CLI::App& command, LoadOptions& load) {
-    command.add_option("--frame", load.frame, "Of several frames the one with this number, from 1")
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N");
-    command.add_option("--voi", load.voi, "The window or VOI LUT with this number on the list of 'zolview info'")
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N")
-        ->excludes("--window");
-    const auto addFile = [&command](const char* name, std::string& file, const char* help) {
-        command.add_option(name, file, help)->type_name("FILE.dcm");
+    const auto parseOrdinal = [](const std::string& text) {
+        return parseWhole(text, 1, std::numeric_limits<int>::max());
     };
-    addFile("--modality-lut", load.modalityFile, "Take the Modality LUT, or slope and intercept, from another file");
-    addFile("--voi-lut", load.voiFile, "Take the windows and VOI LUTs from another file, such as a presentation state");
-    addFile("--presentation-lut", load.presentationFile, "Take the Presentation LUT, or its shape, from another file");
+    addParsed(command, "--frame", "Of several frames the one with this number, from 1", "N", "a whole number from 1",
+              parseOrdinal, [&load](int frame) { load.frame = frame; });
+    addParsed(command, "--voi", "The window or VOI LUT with this number on the list of 'zolview info'", "N",
+              "a whole number from 1", parseOrdinal, [&load](int number) { load.voi = number; })
+        ->excludes("--window");
+    const std::string unit = "FILE.dcm";
+    addName(command, "--modality-lut", load.modalityFile,
+            "Take the Modality LUT, or slope and intercept, from another file", unit);
+    addName(command, "--voi-lut", load.voiFile,
+            "Take the windows and VOI LUTs from another file, such as a presentation state", unit)
+        ->excludes("--window");
+    addName(command, "--presentation-lut", load.presentationFile,
+            "Take the Presentation LUT, or its shape, from another file", unit);
 }
 
 /// What concerns the image, wherever it is shown.
 void addImageOptions(CLI::App& command, RenderOptions& options, std::string& annotationFile, std::string& palette) {
     addParsed(command, "--window",
               "Values from black to white, in the image's units such as HU (default: the file's, or else all)",
-              "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers, the width 1 or more", parseWindow,
+              "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers up to 1000000000, the width 1 or more", parseWindow,
               [&options](Window window) { options.window = window; });
-    command
-        .add_option("--palette", palette,
-                    "Show grey in colours: HOT_IRON, PET, HOT_METAL_BLUE, PET_20_STEP, SPRING, SUMMER, FALL, WINTER, "
-                    "or the palette of a file")
-        ->type_name("NAME|FILE.dcm");
-    command
-        .add_option_function<std::string>(
-            "--flip",
-            [&options](const std::string& side) { options.flip = side == "h" ? Flip::Horizontal : Flip::Vertical; },
-            "Mirror the image: h exchanges left and right, v top and bottom")
-        ->check(CLI::IsMember({"h", "v"}).description(""))
-        ->type_name("h|v");
+    addName(command, "--palette", palette,
+            "Show grey in colours: HOT_IRON, PET, HOT_METAL_BLUE, PET_20_STEP, SPRING, SUMMER, FALL, WINTER, or the "
+            "palette of a file",
+            "NAME|FILE.dcm");
+    addParsed(command, "--flip", "Mirror the image: h exchanges left and right, v top and bottom", "h|v", "h or v",
+              parseFlip, [&options](Flip flip) { options.flip = flip; });
+    addParsed(command, "--sharpen", "Unsharp masking by the mean of a square box, in pixels of the image",
+              "BOX,STRENGTH", "BOX,STRENGTH, two whole numbers from 1, the strength at most 1000", parseSharpening,
+              [&options](Sharpening sharpening) { options.sharpening = sharpening; });
     command.add_flag("--invert", options.invert, "Exchange black and white");
     command.add_flag_callback(
         "--no-overlays", [&options] { options.overlays = false; }, "Leave the image's overlay planes out");
@@ -121,11 +135,10 @@ void addViewOptions(CLI::App& command, RenderOptions& options) {
         command, "--rotate", "Turn the image clockwise", "DEGREES", "a number of degrees from -1000000 to 1000000",
         [](const std::string& text) { return parseNumber(text, -maxDegrees, maxDegrees); },
         [&options](double degrees) { options.degrees = degrees; });
-    command
-        .add_option("--background", options.background,
-                    "Grey of what lies outside the image, 0 (the default, black) to 255")
-        ->check(CLI::Range(0, 255).description(""))
-        ->type_name("GREY");
+    addParsed(
+        command, "--background", "Grey of what lies outside the image, 0 (the default, black) to 255", "GREY",
+        "a whole number from 0 to 255", [](const std::string& text) { return parseWhole(text, 0, 255); },
+        [&options](int grey) { options.background = grey; });
 }
 
 /// How the image's pixels become the picture's.
@@ -134,16 +147,15 @@ void addDrawingOptions(CLI::App& command, RenderOptions& options) {
               "nearest, bilinear or bicubic", parseInterpolation,
               [&options](Interpolation interpolation) { options.interpolation = interpolation; });
     command.add_flag("--accelerated", options.accelerated, "Draw through the host's image primitives");
-    addParsed(command, "--sharpen", "Unsharp masking by the mean of a square box, in pixels of the image",
-              "BOX,STRENGTH", "BOX,STRENGTH, two whole numbers from 1, the strength at most 1000", parseSharpening,
-              [&options](Sharpening sharpening) { options.sharpening = sharpening; });
     addParsed(command, "--magnifier", "A round glass in the picture that shows the image larger by a factor",
               "X,Y,RADIUS,FACTOR",
               "X,Y,RADIUS,FACTOR: whole pixels of the picture, the radius from 1 to 4096, the factor from 0.01 to 100",
               parseMagnifier, [&options](Magnifier magnifier) { options.magnifier = magnifier; });
 }
 
-void addPageOptions(CLI::App& command, PrintOptions& page) {
+void addPageOptions(CLI::App& command, PrintOptions& page, RenderOptions& options) {
+    addParsed(command, "--rotate", "Turn the image clockwise, by quarters", "DEGREES", "0, 90, 180 or 270",
+              parseQuarterTurn, [&options](int degrees) { options.degrees = degrees; });
     addParsed(command, "--paper", "Size of the page: A4 (the default), A3 or letter", "PAPER", "A4, A3 or letter",
               parsePaper, [&page](Paper paper) { page.paper = paper; });
     command.add_flag("--landscape", page.landscape, "Turn the page on its side");
@@ -151,14 +163,15 @@ void addPageOptions(CLI::App& command, PrintOptions& page) {
         command, "--margin", "Free millimetres on all sides (default: 10)", "MM", "a number from 0 to 90",
         [](const std::string& text) { return parseNumber(text, 0.0, maxMargin); },
         [&page](double margin) { page.margin = margin; });
-    command.add_option("--dpi", page.dpi, "Dots per inch in which lines and places are counted (default: 600)")
-        ->check(CLI::Range(minDpi, maxDpi).description(""))
-        ->type_name("N");
+    addParsed(
+        command, "--dpi", "Dots per inch in which lines and places are counted (default: 600)", "N",
+        "a whole number from " + std::to_string(minDpi) + " to " + std::to_string(maxDpi),
+        [](const std::string& text) { return parseWhole(text, minDpi, maxDpi); }, [&page](int dpi) { page.dpi = dpi; });
     command.add_flag("--true-size", page.trueSize, "As large as the pixel spacing says, not as the page allows");
 }
 
 void tell(const std::string& input, const std::vector<std::string>& notes) {
-    for (const std::string& note : notes) std::cerr << "zolview: " << input << ": " << note << '\n';
+    for (const std::string& note : notes) std::cerr << "zolview: " << plainText(input + ": " + note) << '\n';
 }
 
 void renderToFile(const std::string& input, const LoadOptions& load, const std::string& output,
@@ -190,11 +203,18 @@ void printToFile(const std::string& input, const LoadOptions& load, const std::s
 }
 
 /// One line, whatever the message.
-int fail(int status, std::string message) {
-    for (char& c : message)
-        if (c == '\n' || c == '\r') c = ' ';
-    std::cerr << "zolview: " << message << '\n';
+int fail(int status, const std::string& message) {
+    std::cerr << "zolview: " << plainText(message) << '\n';
     return status;
+}
+
+/// A slip of the keyboard must not cost an image.
+void refuseToOverwrite(const std::string& output, const std::vector<std::string>& inputs) {
+    const auto isOutput = [&output](const std::string& input) {
+        std::error_code ignored;
+        return std::filesystem::equivalent(output, input, ignored);
+    };
+    if (std::any_of(inputs.begin(), inputs.end(), isOutput)) throw Refusal("is an input, which would be overwritten");
 }
 
 /// Does what is to be done with a file, and tells its name with whatever goes wrong. The exit status.
@@ -234,13 +254,13 @@ int main(int argc, char** argv) {
     CLI::App& printCommand = *app.add_subcommand("print", "Put the image on a page of a PDF file");
     CLI::App& infoCommand = *app.add_subcommand("info", "Tell what the input contains and whether it can be shown");
     for (CLI::App* const command : {&renderCommand, &printCommand, &infoCommand})
-        command->add_option("INPUT", input, "A DICOM file, or the word phantom")->required()->type_name("");
-    renderCommand.add_option("-o,--output", output, "The PNG file to write")->required()->type_name("OUT.png");
-    printCommand.add_option("-o,--output", output, "The PDF file to write")->required()->type_name("OUT.pdf");
+        addName(*command, "INPUT", input, "A DICOM file, or the word phantom", "")->required();
+    addName(renderCommand, "-o,--output", output, "The PNG file to write", "OUT.png")->required();
+    addName(printCommand, "-o,--output", output, "The PDF file to write", "OUT.pdf")->required();
     renderCommand.footer(footer);
     addViewOptions(renderCommand, options);
     addDrawingOptions(renderCommand, options);
-    addPageOptions(printCommand, page);
+    addPageOptions(printCommand, page, options);
     for (CLI::App* const command : {&renderCommand, &printCommand}) {
         addImageOptions(*command, options, annotationFile, palette);
         addLoadOptions(*command, load);
@@ -255,6 +275,13 @@ int main(int argc, char** argv) {
         return fail(exitUsage, std::string(error.what()) + " (zolview --help tells more)");
     }
 
+    if (!output.empty()) {
+        std::vector<std::string> inputs = filesOf(input, load);
+        inputs.insert(inputs.end(), {annotationFile, palette});
+        const int status = attempt(output, [&] { refuseToOverwrite(output, inputs); });
+        if (status != 0) return status;
+    }
+    load.ownWindow = options.window.has_value();
     if (!annotationFile.empty()) {
         const int status = attempt(annotationFile, [&] { options.annotations = readAnnotations(annotationFile); });
         if (status != 0) return status;

@@ -35,18 +35,19 @@ int dots(double length, int dpi) {
 }
 
 /// How large the image becomes within the margins.
-Extent extentOf(const StoredImage& image, const PrintOptions& page, std::vector<std::string>& notes) {
+Extent extentOf(const StoredImage& image, double degrees, const PrintOptions& page, std::vector<std::string>& notes) {
     const Paper paper = orient(page);
     const Extent room{paper.width - 2.0 * page.margin, paper.height - 2.0 * page.margin};
-    if (!page.trueSize) {
-        const double height = image.height * image.ratioYx;
-        const double scale = std::min(room.width / image.width, room.height / height);
-        return {image.width * scale, height * scale};
-    }
+    // In widths of a pixel.
+    Extent extent{static_cast<double>(image.width), image.height * image.ratioYx};
+    if (isQuarterTurn(degrees)) std::swap(extent.width, extent.height);
+    const auto scaled = [&extent](double scale) { return Extent{extent.width * scale, extent.height * scale}; };
+    if (!page.trueSize) return scaled(std::min(room.width / extent.width, room.height / extent.height));
+
     if (!image.pixelWidth) throw Refusal("has no pixel spacing, so that its true size is unknown");
     if (image.spacingIsUncalibrated)
         notes.emplace_back("the true size is that on the detector or film, not in the body");
-    const Extent extent{image.width * *image.pixelWidth, image.height * *image.pixelWidth * image.ratioYx};
+    extent = scaled(*image.pixelWidth);
     if (extent.width > room.width || extent.height > room.height)
         throw Refusal("is too large for the page at its true size: " + millimetres(extent) + ", and the page holds " +
                       millimetres(room));
@@ -113,8 +114,8 @@ std::optional<Paper> parsePaper(const std::string& text) {
 
 void printPdf(const StoredImage& image, const RenderOptions& options, const PrintOptions& page, const std::string& path,
               std::vector<std::string>& notes) {
-    const Extent extent = extentOf(image, page, notes);
-    const Size size = ownSize(image, maxSide);
+    const Extent extent = extentOf(image, options.degrees, page, notes);
+    const Size size = ownSize(image, options.degrees, maxSide);
     const ReportLog reports;
     try {
         CCsFrame frame(size.width, size.height);

@@ -35,8 +35,8 @@ struct PrintOptions {
 std::optional<Paper> parsePaper(const std::string& text);
 
 /// Writes a page with the image in its middle, one printed pixel for each of the image's (narrow pixels are widened to
-/// square ones). Of the view, only the flip counts. Refuses what render refuses, true size without a pixel spacing or
-/// for more than the page holds, and files that cannot be written; no half-written file is left behind.
+/// square ones). Of the view, the flip and quarter turns count. Refuses what render refuses, true size without a pixel
+/// spacing or for more than the page holds, and files that cannot be written; no half-written file is left behind.
 void printPdf(const StoredImage& image, const RenderOptions& options, const PrintOptions& page, const std::string& path,
               std::vector<std::string>& notes);
 

@@ -26,11 +26,6 @@ namespace zolview {
 
 namespace {
 
-bool isQuarterTurn(double degrees) {
-    const double turn = std::fmod(std::abs(degrees), 180.0);
-    return std::abs(turn - 90.0) < 1.0;
-}
-
 /// The palette in which a grey image is shown, with black and white exchanged where that is wanted.
 CCsColorMan makePalette(const std::optional<Palette>& colours, bool inverted) {
     CCsColorMan palette;
@@ -112,18 +107,23 @@ void paint(CCsFrame& frame, CCs2dTrafo& view, HWND window, CCsOverlay* annotatio
 
 }  // namespace
 
-Size ownSize(const StoredImage& image, double longest) {
+bool isQuarterTurn(double degrees) {
+    const double turn = std::fmod(std::abs(degrees), 180.0);
+    return std::abs(turn - 90.0) < 1.0;
+}
+
+Size ownSize(const StoredImage& image, double degrees, double longest) {
     const double width = image.width * std::max(1.0 / image.ratioYx, 1.0);
     const double height = image.height * std::max(image.ratioYx, 1.0);
     const double shrink = std::min({longest / std::max(width, height), std::sqrt(maxPixels / (width * height)), 1.0});
     const auto whole = [shrink](double side) { return std::max(static_cast<int>(std::lround(side * shrink)), 1); };
-    return {whole(width), whole(height)};
+    const Size upright{whole(width), whole(height)};
+    return isQuarterTurn(degrees) ? Size{upright.height, upright.width} : upright;
 }
 
 Size defaultSize(const StoredImage& image, double degrees) {
     constexpr double longest = 2048.0;
-    const Size size = ownSize(image, longest);
-    return isQuarterTurn(degrees) ? Size{size.height, size.width} : size;
+    return ownSize(image, degrees, longest);
 }
 
 Refusal noMemory(const StoredImage& image, Size size) {

@@ -13,12 +13,14 @@ class CCsFrame;
 
 namespace zolview {
 
-/// The size at which one image pixel becomes one pixel of the picture, narrow pixels being widened to square ones;
-/// smaller where the longer side would pass `longest`.
-Size ownSize(const StoredImage& image, double longest);
+/// Whether such a turn exchanges width and height: to within a degree, a quarter or three.
+bool isQuarterTurn(double degrees);
 
-/// The size of a picture for which none was asked: one image pixel becomes about one pixel of the picture, narrow
-/// pixels are widened to square ones, a quarter turn exchanges width and height, and the longer side is at most 2048.
+/// The size at which one image pixel becomes about one pixel of the picture, narrow pixels being widened to square ones
+/// and width and height exchanged by a quarter turn; smaller where the longer side would pass `longest`.
+Size ownSize(const StoredImage& image, double degrees, double longest);
+
+/// The size of a picture for which none was asked: its own, at most 2048 on the longer side.
 Size defaultSize(const StoredImage& image, double degrees);
 
 /// Draws the image, with what is burnt into it, into a frame that has its size. Gives the view. Refuses, and adds to

@@ -44,6 +44,8 @@ struct Magnifier {
     bool operator==(const Magnifier&) const = default;
 };
 
+/// Of a window's centre, either way, and of its width.
+inline constexpr double maxWindow = 1e9;
 inline constexpr double minZoom = 0.001;
 inline constexpr double maxZoom = 1000.0;
 inline constexpr double maxPan = 1e6;
@@ -86,7 +88,7 @@ struct RenderOptions {
 /// "WxH", whole numbers from 1 to 32767 with no more than maxPixels together; null for anything else.
 std::optional<Size> parseSize(const std::string& text);
 
-/// "CENTRE/WIDTH", the width at least 1; null for anything else.
+/// "CENTRE/WIDTH", the width from 1 to maxWindow, the centre as far either way; null for anything else.
 std::optional<Window> parseWindow(const std::string& text);
 
 /// "X,Y", each from -maxPan to maxPan; null for anything else.
@@ -102,6 +104,15 @@ std::optional<Sharpening> parseSharpening(const std::string& text);
 /// "X,Y,RADIUS,FACTOR", the first three whole numbers, the place as far away as a pan can be, the radius from 1 to
 /// maxRadius, the factor from minFactor to maxFactor; null for anything else.
 std::optional<Magnifier> parseMagnifier(const std::string& text);
+
+/// "h" or "v"; null for anything else.
+std::optional<Flip> parseFlip(const std::string& text);
+
+/// "0", "90", "180" or "270"; null for anything else.
+std::optional<int> parseQuarterTurn(const std::string& text);
+
+/// A whole number from `low` to `high`; null for anything else.
+std::optional<int> parseWhole(const std::string& text, int low, int high);
 
 /// A number from `low` to `high`; null for anything else.
 std::optional<double> parseNumber(const std::string& text, double low, double high);

@@ -106,6 +106,8 @@ struct VoiChoice {
     std::optional<LookupTable> table;
     /// Why it cannot be applied; empty where it can.
     std::string flaw;
+    /// What was odd about it and how it is taken; empty for nothing.
+    std::string note;
 };
 
 struct StoredImage {
@@ -142,7 +144,7 @@ struct StoredImage {
     /// Empty, or a set bit for each pixel that is no part of the picture.
     BitPlane padding;
 
-    /// All that the file offers, numbered from 1.
+    /// All that there is to choose from, numbered from 1.
     std::vector<VoiChoice> voi;
     /// What is chosen of it: a window with its function, or a table; neither for the full range of values.
     std::optional<Window> window;

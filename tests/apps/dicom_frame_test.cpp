@@ -2,6 +2,7 @@
 #include "dicom_writer.h"
 #include "jpeg2000_codestream.h"
 #include "zolview/dicom_input.h"
+#include "zolview/input.h"
 
 #include <dcmtk/dcmdata/dcpixseq.h>
 #include <dcmtk/dcmdata/dcpxitem.h>
@@ -20,7 +21,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 StoredImage load(DicomWriter& writer, int frame = 1, E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
     const TemporaryFolder folder;
-    return DicomFile(writer.save(folder, syntax)).image(frame);
+    LoadOptions options;
+    options.frame = frame;
+    return loadInput(writer.save(folder, syntax), options);
 }
 
 std::string refusal(DicomWriter& writer, int frame = 1, E_TransferSyntax syntax = EXS_LittleEndianExplicit) {

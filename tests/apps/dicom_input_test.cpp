@@ -1,10 +1,12 @@
 #include "zolview/dicom_input.h"
 
 #include "dicom_writer.h"
+#include "zolview/input.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -15,7 +17,7 @@ using Words = std::vector<std::uint16_t>;
 
 StoredImage load(DicomWriter& writer, E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
     const TemporaryFolder folder;
-    return DicomFile(writer.save(folder, syntax)).image();
+    return loadInput(writer.save(folder, syntax), {});
 }
 
 /// The words with which the file is refused, empty when it is not.
@@ -108,13 +110,22 @@ TEST(DicomInput, RescaleAndWindow) {
     EXPECT_EQ(image.function, WindowFunction::Linear);
 }
 
-TEST(DicomInput, SenselessRescaleIsLeftOut) {
-    DicomWriter writer = image2x2();
-    writer.put(DCM_RescaleSlope, "0").put(DCM_RescaleIntercept, "5");
-    const StoredImage image = load(writer);
-    EXPECT_EQ(image.slope, 1.0);
-    EXPECT_EQ(image.intercept, 0.0);
-    ASSERT_EQ(image.notes.size(), 1U);
+TEST(DicomInput, SenselessRescaleIsSaidAndLeftOut) {
+    const std::pair<const char*, const char*> senseless[] = {
+        {"0", "5"}, {"1e-10", "5"}, {"1e10", "5"}, {"2", "1e10"}, {"steep", "5"}, {"2", "high"}, {"nan", "5"}};
+    for (const auto& [slope, intercept] : senseless) {
+        DicomWriter writer = image2x2();
+        writer.put(DCM_RescaleSlope, slope).put(DCM_RescaleIntercept, intercept);
+        const StoredImage image = load(writer);
+        EXPECT_EQ(image.slope, 1.0) << slope;
+        EXPECT_EQ(image.intercept, 0.0) << intercept;
+        EXPECT_EQ(image.notes,
+                  (std::vector<std::string>{"the rescale slope or intercept makes no sense; shown without them"}));
+    }
+    DicomWriter half = image2x2();
+    half.put(DCM_RescaleIntercept, "-1e9");
+    EXPECT_EQ(load(half).intercept, -1e9);
+    EXPECT_TRUE(load(half).notes.empty());
 }
 
 TEST(DicomInput, WindowFunctions) {
@@ -126,6 +137,62 @@ TEST(DicomInput, WindowFunctions) {
     exact.put(DCM_WindowCenter, "40.5").put(DCM_WindowWidth, "100.25").put(DCM_VOILUTFunction, "LINEAR_EXACT");
     EXPECT_EQ(load(exact).function, WindowFunction::LinearExact);
     EXPECT_EQ(load(exact).window, (Window{40.5, 100.25}));
+}
+
+TEST(DicomInput, AnUnknownWindowFunctionIsSaidAndTakenAsLinear) {
+    DicomWriter writer = image2x2();
+    writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "100").put(DCM_VOILUTFunction, "SIGMA");
+    const StoredImage image = load(writer);
+    EXPECT_EQ(image.function, WindowFunction::Linear);
+    EXPECT_EQ(image.window, (Window{40.0, 100.0}));
+    EXPECT_EQ(image.notes, (std::vector<std::string>{"the VOI LUT function 'SIGMA' is not known; taken as LINEAR"}));
+    writer.put(DCM_VOILUTFunction, "LINEAR");
+    EXPECT_TRUE(load(writer).notes.empty());
+}
+
+TEST(DicomInput, NamesComeInUtf8) {
+    DicomWriter writer = image2x2();
+    writer.put(DCM_SpecificCharacterSet, "ISO_IR 100");
+    writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "2").put(DCM_WindowCenterWidthExplanation, "K\xF6rper");
+    writer.lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2}, "Gef\xE4\xDF");
+    const StoredImage image = load(writer);
+    ASSERT_EQ(image.voi.size(), 2U);
+    EXPECT_EQ(image.voi[0].name, "K\xC3\xB6rper");
+    EXPECT_EQ(image.voi[1].name, "Gef\xC3\xA4\xC3\x9F");
+}
+
+TEST(DicomInput, SequencesWithinSequencesEndBeforeTheStackDoes) {
+    const TemporaryFolder folder;
+    DicomWriter writer = image2x2();
+    const std::string path = writer.save(folder);
+    std::ostringstream before;
+    before << std::ifstream(path, std::ios::binary).rdbuf();
+    const auto nested = [&](int depth) {
+        // Each level begins a sequence and an item of unknown length; none of them ends.
+        const std::string level("\x08\x00\x40\x11SQ\x00\x00\xFF\xFF\xFF\xFF\xFE\xFF\x00\xE0\xFF\xFF\xFF\xFF", 20);
+        std::string levels;
+        for (int i = 0; i < depth; ++i) levels += level;
+        return refusalOfBytes(before.str() + levels);
+    };
+    EXPECT_EQ(nested(100000), "holds sequences within sequences, too many to be read");
+    EXPECT_NE(nested(50), "");
+    EXPECT_NE(nested(50), nested(100000));
+}
+
+TEST(DicomInput, TheFirstUsableWindowIsTaken) {
+    DicomWriter writer = image2x2();
+    writer.put(DCM_WindowCenter, "1\\x\\3\\4").put(DCM_WindowWidth, "0\\2\\30\\40");
+    const StoredImage image = load(writer);
+    EXPECT_EQ(image.window, (Window{3.0, 30.0}));
+    EXPECT_EQ(image.notes, (std::vector<std::string>{"the file's window has a width of 0, the next one cannot be read; "
+                                                     "shown with number 3 instead"}));
+    writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "0");
+    writer.lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2});
+    const StoredImage table = load(writer);
+    EXPECT_TRUE(table.voiTable);
+    EXPECT_FALSE(table.window);
+    EXPECT_EQ(table.notes,
+              (std::vector<std::string>{"the file's window has a width of 0; shown with number 2 instead"}));
 }
 
 TEST(DicomInput, UnusableWindowIsSaidAndLeftOut) {

@@ -58,8 +58,35 @@ TEST(DicomLuts, AllWindowsAndTablesAreListedAndChosen) {
     EXPECT_FALSE(table.window);
     EXPECT_EQ(table.voiTable->entries, (Words{1, 4095}));
     EXPECT_EQ(refusal(writer, voi(3)), "its window 3 has a width of 0");
-    EXPECT_EQ(refusal(writer, voi(6)), "has 5 windows and VOI LUTs; there is no number 6");
-    EXPECT_EQ(refusal(writer, voi(0)), "has 5 windows and VOI LUTs; there is no number 0");
+    const std::string list =
+        "1: window, centre 40, width 400, \"SOFT\"; 2: window, centre 300.5, width 1500, \"BONE\"; 3: window, cannot "
+        "be "
+        "applied: has a width of 0; 4: table of 2 entries from 5, 12 bits, \"ODD\"; 5: table of 3 entries from 0, 8 "
+        "bits";
+    EXPECT_EQ(refusal(writer, voi(6)), "has no window or VOI LUT 6, but " + list);
+    EXPECT_EQ(refusal(writer, voi(0)), "has no window or VOI LUT 0, but " + list);
+    DicomWriter plain(2, 2);
+    EXPECT_EQ(refusal(plain, voi(1)), "has no window and no VOI LUT to choose");
+}
+
+TEST(DicomLuts, WhatIsNotChosenMayBeBroken) {
+    DicomWriter writer(2, 2);
+    writer.lut(DCM_VOILUTSequence, {3, 5, 12}, {1, 4095}).lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2});
+    EXPECT_EQ(refusal(writer), "has a VOI LUT with 2 of 3 entries");
+    EXPECT_EQ(load(writer, voi(2)).voiTable->entries, (Words{1, 2}));
+    LoadOptions own;
+    own.ownWindow = true;
+    EXPECT_FALSE(load(writer, own).voiTable);
+
+    // Nor is anything said of it.
+    DicomWriter windows(2, 2);
+    windows.put(DCM_WindowCenter, "1\\7").put(DCM_WindowWidth, "0\\8").put(DCM_VOILUTFunction, "SIGMOID");
+    EXPECT_EQ(load(windows).notes.size(), 1U);
+    EXPECT_TRUE(load(windows, voi(2)).notes.empty());
+    const StoredImage image = load(windows, own);
+    EXPECT_TRUE(image.notes.empty());
+    EXPECT_FALSE(image.window);
+    EXPECT_EQ(image.function, WindowFunction::Sigmoid);
 }
 
 TEST(DicomLuts, WithoutWindowsTheFirstTableIsTaken) {
@@ -151,7 +178,9 @@ TEST(DicomLuts, OtherFilesLendTheirTables) {
     EXPECT_EQ(second.function, WindowFunction::Sigmoid);
     EXPECT_FALSE(second.voiTable);
     options.voi = 3;
-    EXPECT_EQ(refusal(writer, options), "has 2 windows and VOI LUTs; there is no number 3");
+    EXPECT_EQ(refusal(writer, options),
+              "has no window or VOI LUT 3, but 1: table of 2 entries from 0, 8 bits; 2: window, centre 7, width 8, "
+              "sigmoid");
 
     const StoredImage phantom = loadInput("phantom", {1, {}, lender, lender, lender});
     EXPECT_EQ(phantom.modality->entries, (Words{1, 2}));

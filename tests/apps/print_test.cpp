@@ -157,6 +157,54 @@ TEST_F(Print, FillsThePageWithinItsMarginsWithTheImagesOwnPixels) {
     EXPECT_EQ(drawn.at(drawn.width / 2, middle - 770), 0);
 }
 
+TEST_F(Print, QuarterTurnsAreThoseOfTheScreen) {
+    StoredImage image = framedImage();
+    std::fill(image.samples.begin(), image.samples.end(), std::uint16_t{0});
+    // A white corner of a quarter of the image, left at the top.
+    for (int y = 0; y < 40; ++y)
+        for (int x = 0; x < 50; ++x) image.samples[static_cast<std::size_t>(y * 100 + x)] = 4095;
+    PrintOptions page;
+    page.trueSize = true;
+    RenderOptions options;
+    struct Turn {
+        double degrees;
+        Flip flip;
+        bool right;  ///< where the corner comes to lie
+        bool bottom;
+    };
+    for (const Turn& turn : {Turn{0.0, Flip::None, false, false},
+                             {90.0, Flip::None, true, false},
+                             {180.0, Flip::None, true, true},
+                             {270.0, Flip::None, false, true},
+                             {90.0, Flip::Horizontal, true, true}}) {
+        options.degrees = turn.degrees;
+        options.flip = turn.flip;
+        print(image, page, options);
+        const bool lies = turn.degrees == 90.0 || turn.degrees == 270.0;
+        EXPECT_EQ(pictureOnPage(), (lies ? std::array{80, 100, 51, 51} : std::array{100, 80, 51, 51}));
+        // 50 x 40 mm in the middle of the page, at 5 dots a millimetre.
+        const GreyPage drawn = draw(127);
+        const int width = lies ? 200 : 250;
+        const int height = lies ? 250 : 200;
+        for (const bool right : {false, true}) {
+            for (const bool bottom : {false, true}) {
+                const int x = (drawn.width + (right ? width : -width) / 2) / 2;
+                const int y = (drawn.height + (bottom ? height : -height) / 2) / 2;
+                EXPECT_EQ(drawn.at(x, y), right == turn.right && bottom == turn.bottom ? 255 : 0)
+                    << turn.degrees << ' ' << right << bottom;
+            }
+        }
+        EXPECT_EQ(drawn.at((drawn.width - width) / 2 - 3, drawn.height / 2), 255);
+        EXPECT_EQ(drawn.at(drawn.width / 2, (drawn.height - height) / 2 - 3), 255);
+    }
+    // Turned, it fits where it did not.
+    image.pixelWidth = 2.0;
+    options = {};
+    EXPECT_THROW(print(image, page, options), Refusal);
+    options.degrees = 90.0;
+    print(image, page, options);
+}
+
 TEST_F(Print, TrueSizeFollowsThePixelSpacing) {
     PrintOptions page;
     page.trueSize = true;

@@ -132,8 +132,9 @@ TEST_F(Program, PrintsPages) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     EXPECT_TRUE(contents(file("p.pdf")).starts_with("%PDF-"));
+    EXPECT_EQ(run("print phantom --rotate 270 --sharpen 3,1" + pdf).status, 0);
     for (const char* arguments : {"--paper A5", "--margin 91", "--margin -1", "--margin x", "--dpi 71", "--dpi 1201",
-                                  "--dpi x", "--zoom 2", "--burn-in"}) {
+                                  "--dpi x", "--zoom 2", "--burn-in", "--rotate 45"}) {
         const Outcome wrong = run("print phantom " + std::string(arguments) + pdf);
         EXPECT_EQ(wrong.status, 2) << arguments;
         expectOnePlainLine(wrong.err);
@@ -224,6 +225,8 @@ TEST_F(Program, WrongValuesEndWithTwoAndSayWhatIsRight) {
                                   "--frame x",
                                   "--voi 0",
                                   "--voi -1",
+                                  "--voi x",
+                                  "--voi-lut x.dcm --window 40/400",
                                   "--voi 1 --window 40/400"}) {
         const Outcome outcome = render(std::string("phantom ") + arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
@@ -252,6 +255,60 @@ TEST_F(Program, RefusesWhatItCannotShow) {
     EXPECT_EQ(refused.err,
               "zolview: " + path + ": has the photometric interpretation 'PURPLE', which zolview cannot show\n");
     EXPECT_FALSE(hasPicture());
+}
+
+TEST_F(Program, RefusesEmptyNames) {
+    for (const char* option :
+         {"--annotate", "--palette", "--modality-lut", "--voi-lut", "--presentation-lut", "--output"}) {
+        const Outcome outcome = run("render phantom " + std::string(option) + " '' -o '" +
+                                    (option == std::string("--output") ? "" : file("p.png")) + "'");
+        EXPECT_EQ(outcome.status, 2) << option;
+        expectOnePlainLine(outcome.err);
+        EXPECT_FALSE(hasPicture());
+    }
+    EXPECT_EQ(run("info ''").err, "zolview: INPUT: must not be empty (zolview --help tells more)\n");
+}
+
+TEST_F(Program, NeverWritesOverAnInput) {
+    DicomWriter writer(2, 2);
+    const std::string path = writer.save(folder_);
+    const std::string before = contents(path);
+    std::filesystem::create_symlink(path, file("link.dcm"));
+    const std::string quoted = "'" + path + "'";
+    const std::string link = "'" + file("link.dcm") + "'";
+    std::ofstream(file("p.json")) << R"({"annotations": []})";
+    const std::string json = "'" + file("p.json") + "'";
+    for (const std::string& arguments :
+         {"render " + quoted + " -o " + quoted, "render " + quoted + " -o " + link, "render " + link + " -o " + quoted,
+          "print " + quoted + " -o " + quoted, "render phantom --palette " + quoted + " -o " + quoted,
+          "render phantom --modality-lut " + quoted + " -o " + quoted,
+          "render phantom --voi-lut " + quoted + " -o " + link,
+          "render phantom --presentation-lut " + quoted + " -o " + quoted,
+          "print phantom --annotate " + json + " -o " + json}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 1) << arguments;
+        expectOnePlainLine(outcome.err);
+        EXPECT_TRUE(outcome.err.ends_with(": is an input, which would be overwritten\n")) << outcome.err;
+    }
+    EXPECT_EQ(contents(path), before);
+    // The phantom is no file, whatever files are called.
+    std::ofstream(file("phantom")) << "old";
+    EXPECT_EQ(std::system(("cd '" + folder_.file("") + "' && '" ZOLVIEW_PROGRAM "' render phantom -o phantom").c_str()),
+              0);
+    EXPECT_EQ(zoltest::readPng(file("phantom")).picture.width, 640);
+}
+
+TEST_F(Program, TellsTerminalsNothingButLetters) {
+    DicomWriter writer(2, 2);
+    writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "2").put(DCM_WindowCenterWidthExplanation, "a\x1B[2Jb\n");
+    writer.put(DCM_ShutterShape, "\x1B[31m");
+    const std::string path = "'" + writer.save(folder_) + "'";
+    EXPECT_NE(run("info " + path).out.find(", \"a?[2Jb\"\n"), std::string::npos) << run("info " + path).out;
+    const Outcome outcome = render(path);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err,
+              "zolview: " + folder_.file("test.dcm") + ": the shutter '?[31m' cannot be read and is not applied\n");
+    EXPECT_EQ(run("render '\x1B.dcm' -o p.png").err, "zolview: ?.dcm: there is no such file\n");
 }
 
 TEST_F(Program, RefusesToWriteWhereItCannot) {
@@ -341,7 +398,9 @@ TEST_F(Program, ChoosesFramesTablesAndPalettes) {
     EXPECT_EQ(render(path + " --frame 3").err,
               "zolview: " + folder_.file("test.dcm") + ": has 2 frames; there is no frame 3\n");
     EXPECT_EQ(render(path + " --voi 3").err,
-              "zolview: " + folder_.file("test.dcm") + ": has 2 windows and VOI LUTs; there is no number 3\n");
+              "zolview: " + folder_.file("test.dcm") +
+                  ": has no window or VOI LUT 3, but 1: window, centre 50, width 2; 2: table of 2 entries from 99, 8 "
+                  "bits\n");
     EXPECT_EQ(render("phantom --modality-lut " + path).err,
               "zolview: " + folder_.file("test.dcm") + ": has no Modality LUT and no rescale slope\n");
     EXPECT_EQ(render("phantom --palette " + path).err,

@@ -24,6 +24,7 @@ TEST(RenderOptions, SizeRefusesWhatIsNoSize) {
 TEST(RenderOptions, WindowTakesNumbersWithAWidthOfAtLeastOne) {
     EXPECT_EQ(parseWindow("40/400"), (Window{40.0, 400.0}));
     EXPECT_EQ(parseWindow("-600.5/1"), (Window{-600.5, 1.0}));
+    EXPECT_EQ(parseWindow("+1e9/1e9"), (Window{1e9, 1e9}));
     for (const char* text : {"", "40", "40/", "/400", "40/0", "40/0.999", "40/-1", "nan/400", "40/nan", "40/inf",
                              "inf/40", "1e10/40", "40/1e10", "40/400/3", "forty/400"})
         EXPECT_EQ(parseWindow(text), std::nullopt) << text;
@@ -61,6 +62,25 @@ TEST(RenderOptions, MagnifierTakesAPlaceARadiusAndAFactor) {
          {"", "1", "1,2", "1,2,3", "1,2,3,", "1,2,0,2", "1,2,-3,2", "1,2,4097,2", "1,2,3,0", "1,2,3,-1", "1,2,3,101",
           "1,2,3,nan", "1,2,3,inf", "1.5,2,3,2", "1,2,3,4,5", "1000001,2,3,2", "1,-1000001,3,2", "a,2,3,2"})
         EXPECT_EQ(parseMagnifier(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, FlipsAreLetters) {
+    EXPECT_EQ(parseFlip("h"), Flip::Horizontal);
+    EXPECT_EQ(parseFlip("v"), Flip::Vertical);
+    for (const char* text : {"", "H", "hv", "none"}) EXPECT_EQ(parseFlip(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, QuarterTurnsAreFour) {
+    for (const int degrees : {0, 90, 180, 270}) EXPECT_EQ(parseQuarterTurn(std::to_string(degrees)), degrees);
+    for (const char* text : {"", "-90", "360", "45", "90.0", "right"})
+        EXPECT_EQ(parseQuarterTurn(text), std::nullopt) << text;
+}
+
+TEST(RenderOptions, WholeNumberKeepsToItsRange) {
+    EXPECT_EQ(parseWhole("72", 72, 1200), 72);
+    EXPECT_EQ(parseWhole("+1200", 72, 1200), 1200);
+    for (const char* text : {"", "71", "1201", "-72", "72.0", "99999999999"})
+        EXPECT_EQ(parseWhole(text, 72, 1200), std::nullopt) << text;
 }
 
 TEST(RenderOptions, NumberKeepsToItsRange) {

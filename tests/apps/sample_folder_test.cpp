@@ -36,7 +36,7 @@ TEST(SampleFolder, EveryFileIsShownOrRefusedAsExpected) {
         const std::string expected = expectedRefusal(entry.path());
         std::string refusal;
         try {
-            const StoredImage image = DicomFile(entry.path().string()).image();
+            const StoredImage image = loadInput(entry.path().string(), {});
             RenderOptions options;
             options.size = Size{200, 160};
             std::vector<std::string> notes;
@@ -58,10 +58,10 @@ TEST(SampleFolder, EveryFileIsShownOrRefusedAsExpected) {
 TEST(SampleFolder, OneImageInSixEncodingsIsOneImage) {
     const std::filesystem::path folder = zoltest::sampleFolder();
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
-    const StoredImage base = DicomFile((folder / "syntax/MR_small.dcm").string()).image();
+    const StoredImage base = loadInput((folder / "syntax/MR_small.dcm").string(), {});
     for (const char* name : {"implicit", "bigendian", "RLE", "jpeg_ls_lossless", "jp2klossless"}) {
         const StoredImage other =
-            DicomFile((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string()).image();
+            loadInput((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string(), {});
         EXPECT_EQ(other.samples, base.samples) << name;
         EXPECT_EQ(other.window, base.window) << name;
     }
