@@ -52,6 +52,10 @@ DisplayRect normalised(const DisplayRect& rect) {
             std::max(rect.y1, rect.y2)};
 }
 
+OutputBounds ordered(OutputPoint a, OutputPoint b) {
+    return {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::max(a.x, b.x), std::max(a.y, b.y)}};
+}
+
 int halfOf(std::int64_t first, std::int64_t second) { return saturated(std::abs(second - first) / 2); }
 
 int middleOf(std::int64_t first, std::int64_t second) { return static_cast<int>((first + second) / 2); }
@@ -62,6 +66,8 @@ std::array<CCsPoint, 4> handlesOf(int left, int top, int right, int bottom) {
     const int y = middleOf(top, bottom);
     return {CCsPoint(left, y), CCsPoint(right, y), CCsPoint(x, top), CCsPoint(x, bottom)};
 }
+
+double squared(double value) { return value * value; }
 
 double distance(OutputPoint a, OutputPoint b) { return std::sqrt(dot(b - a, b - a)); }
 
@@ -99,9 +105,10 @@ CCsOverlay* CCsEllipse::pick(int x, int y) {
     const int a = halfOf(displayRect.x1, displayRect.x2);
     const int b = halfOf(displayRect.y1, displayRect.y2);
     if (a == 0 || b == 0) return nullptr;
-    const double across = (static_cast<double>(x) - displayRect.x1 - a) / a;
-    const double down = (static_cast<double>(y) - displayRect.y1 - b) / b;
-    if (std::fabs(1.0 - (across * across + down * down)) > pickBand) return nullptr;
+    const double across = static_cast<double>(x) - displayRect.x1 - a;
+    const double down = static_cast<double>(y) - displayRect.y1 - b;
+    const double distance = across * across / squared(a) + down * down / squared(b);
+    if (std::fabs(1.0 - distance) > pickBand) return nullptr;
 
     const auto handles = handlesOf(displayRect.x1, displayRect.y1, displayRect.x2, displayRect.y2);
     const auto hit = std::find_if(handles.begin(), handles.end(),
@@ -155,10 +162,12 @@ void CCsEllipse::joinArea_(CCsRegion* region) {
 void CCsEllipse::sortEdges_() {
     if (displayRect.x1 > displayRect.x2) {
         std::swap(displayRect.x1, displayRect.x2);
+        std::swap(roundedOff.x1, roundedOff.x2);
         grabbedHandle = grabbedHandle == leftHandle ? rightHandle : leftHandle;
     }
     if (displayRect.y1 > displayRect.y2) {
         std::swap(displayRect.y1, displayRect.y2);
+        std::swap(roundedOff.y1, roundedOff.y2);
         grabbedHandle = grabbedHandle == topHandle ? bottomHandle : topHandle;
     }
 }
@@ -214,6 +223,7 @@ void CCsEllipse::setPts(CCs2dTrafo* trafo, const CCsPoint& first, const CCsPoint
     if (angular && trafo == nullptr) return;
     const DisplayRect before = displayRect;
     displayRect = normalised({first.x, first.y, second.x, second.y});
+    roundedOff = {};
     displayAuthoritative = true;
     if (angular) stretchAxes_(*trafo, before);
     dspToImg(trafo);
@@ -222,8 +232,9 @@ void CCsEllipse::setPts(CCs2dTrafo* trafo, const CCsPoint& first, const CCsPoint
 void CCsEllipse::dspToImg(CCs2dTrafo* trafo) {
     if (trafo == nullptr) return;
     if (!angular) {  // whose axes have been taken along already
-        const CCsPointDouble first = CCsImageUtils::dspToImgD(*trafo, CCsPointDouble(displayRect.x1, displayRect.y1));
-        const CCsPointDouble second = CCsImageUtils::dspToImgD(*trafo, CCsPointDouble(displayRect.x2, displayRect.y2));
+        const OutputBounds exact = exactDisplay_();
+        const CCsPointDouble first = CCsImageUtils::dspToImgD(*trafo, {exact.low.x, exact.low.y});
+        const CCsPointDouble second = CCsImageUtils::dspToImgD(*trafo, {exact.high.x, exact.high.y});
         imageRect.setPosition(first.x, first.y, second.x, second.y);
     }
     displayAuthoritative = false;
@@ -231,6 +242,12 @@ void CCsEllipse::dspToImg(CCs2dTrafo* trafo) {
 
 void CCsEllipse::imgToDsp(CCs2dTrafo* trafo) {
     outputBounds_({trafo, nullptr, zolcs::textMode});  // that mode always goes by the image coordinates
+}
+
+/// The display rectangle as it was before it was rounded to whole pixels.
+OutputBounds CCsEllipse::exactDisplay_() const {
+    return {{displayRect.x1 + roundedOff.x1, displayRect.y1 + roundedOff.y1},
+            {displayRect.x2 + roundedOff.x2, displayRect.y2 + roundedOff.y2}};
 }
 
 /// Left top and right bottom in output coordinates; nothing where the ellipse has no place there. On the screen and in
@@ -244,14 +261,19 @@ std::optional<zolcs::OutputBounds> CCsEllipse::outputBounds_(const zolcs::Placem
     }
     CCsPoint first = displayRect.getLeftTop();
     CCsPoint second = displayRect.getBottomRight();
-    CCsPointDouble exact;
+    const OutputBounds before = exactDisplay_();
+    CCsPointDouble firstExact(before.low.x, before.low.y);
+    CCsPointDouble secondExact(before.high.x, before.high.y);
     const CCsPointDouble firstImage(imageRect.x1, imageRect.y1);
     const CCsPointDouble secondImage(imageRect.x2, imageRect.y2);
-    const auto a = zolcs::place(placement, displayAuthoritative, {first, exact, firstImage});
-    const auto b = zolcs::place(placement, displayAuthoritative, {second, exact, secondImage});
+    const auto a = zolcs::place(placement, displayAuthoritative, {first, firstExact, firstImage});
+    const auto b = zolcs::place(placement, displayAuthoritative, {second, secondExact, secondImage});
     if (!a || !b) return std::nullopt;
     displayRect = normalised({first.x, first.y, second.x, second.y});
-    return OutputBounds{{std::min(a->x, b->x), std::min(a->y, b->y)}, {std::max(a->x, b->x), std::max(a->y, b->y)}};
+    const OutputBounds exact = ordered({firstExact.x, firstExact.y}, {secondExact.x, secondExact.y});
+    roundedOff.setPosition(exact.low.x - displayRect.x1, exact.low.y - displayRect.y1, exact.high.x - displayRect.x2,
+                           exact.high.y - displayRect.y2);
+    return ordered(*a, *b);
 }
 
 void CCsEllipse::render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode,

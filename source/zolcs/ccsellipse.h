@@ -133,9 +133,13 @@ protected:
     bool filled = false;
     std::uint32_t fillColor = 0;
     bool displayAuthoritative = false;
+    /// How far the exact edges lie beyond those of displayRect, which painting has rounded: so that neither a drag nor
+    /// a dspToImg for another figure of the group brings the ellipse to whole pixels of a small view.
+    CCsRect<double, CCsPointDouble> roundedOff;
 
 private:
     [[nodiscard]] std::array<zolcs::OutputPoint, 4> displayedAxes_(CCs2dTrafo& trafo) const;
+    [[nodiscard]] zolcs::OutputBounds exactDisplay_() const;
     std::optional<zolcs::OutputBounds> outputBounds_(const zolcs::Placement& placement);
     void setImageRectFromAxes_();
     void stretchAxes_(CCs2dTrafo& trafo, const CCsRect<int, CCsPoint>& before);

@@ -361,7 +361,8 @@ int CCsFrame::MakeDIB(BITMAPINFO*& result, CCsOverlay* overlay, CCsOverlay* text
                       int dibWidth, int dibHeight, HFONT selectFont, HFONT textFont, bool thirtyTwoBit,
                       unsigned long color, unsigned long textColor) {
     result = allocateDib(dibWidth, dibHeight, thirtyTwoBit ? 32 : 24);
-    if (result == nullptr) return fail(dibRefused, 0, 0);
+    // GDI would take a negative height for a bitmap with its top line first.
+    if (result == nullptr || dibHeight < 1) return fail(dibRefused, 0, 0);
     void* bits = nullptr;
     const zolcs::Bitmap bitmap(CreateDIBSection(nullptr, result, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!bitmap) return fail(dibRefused, 0, 0);

@@ -231,6 +231,29 @@ TEST(CCsEllipsePick, ARingThatGrowsWithTheEllipse) {
     EXPECT_EQ(exact.pick(4, 0), nullptr);
 }
 
+TEST(CCsEllipsePick, TheBandsEdgesBelongToIt) {
+    OpenEllipse ellipse = plain(0, 0, 100, 50);          // half axes of 50 and 25
+    EXPECT_EQ(ellipse.pick(50 + 55, 25 + 5), &ellipse);  // 1.21 + 0.04 is 1.25
+    EXPECT_EQ(ellipse.pick(50 + 55, 25 + 6), nullptr);
+    // Every point that lies on an edge exactly, in whole numbers: 4 (x^2 b^2 + y^2 a^2) is 3 or 5 a^2 b^2.
+    int edges = 0;
+    for (int a = 1; a <= 40; ++a) {
+        for (int b = 1; b <= 40; ++b) {
+            OpenEllipse each = plain(-a, -b, a, b);
+            for (int x = 0; x <= a + a / 8; ++x) {
+                for (int y = 0; y <= b + b / 8; ++y) {
+                    const int e = 4 * (x * x * b * b + y * y * a * a);
+                    const int whole = a * a * b * b;
+                    if (e != 3 * whole && e != 5 * whole) continue;
+                    ++edges;
+                    ASSERT_EQ(each.pick(x, -y), &each) << a << ' ' << b << ": " << x << ' ' << y;
+                }
+            }
+        }
+    }
+    EXPECT_GT(edges, 1000);
+}
+
 TEST(CCsEllipsePick, HalfAxesAreTruncated) {
     OpenEllipse ellipse = plain(0, 0, 101, 51);  // half axes of 50 and 25, as of 100 by 50
     EXPECT_EQ(ellipse.pick(100, 25), &ellipse);
@@ -500,6 +523,31 @@ TEST(CCsEllipseConversions, ThereAndBackUnderZoomTurnAndMirror) {
                         CCsPointDouble(40, 56));
     angular.imgToDsp(&mirrored);
     EXPECT_EQ(displayOf(angular), (Numbers{448, 8, 496, 56}));
+}
+
+TEST(CCsEllipseConversions, AZoomOutAndTheEndOfAnothersDragDoNotChangeIt) {
+    CCs2dTrafo near = zoomedView(1.0);
+    CCs2dTrafo far = zoomedView(0.0625);  // x' = x / 8 + 240
+    CCsGroup group;
+    auto* const ellipse = new OpenEllipse(&near, CCsPoint(101, 202), CCsPoint(307, 411));
+    group.append(*ellipse);
+    const Numbers image = imageOf(*ellipse);
+    ellipse->imgToDsp(&far);
+    EXPECT_EQ(displayOf(*ellipse), (Numbers{246, 253, 259, 266}));  // 246.3125, 252.625, 259.1875, 265.6875
+    group.dspToImg(&far);
+    EXPECT_EQ(imageOf(*ellipse), image);
+    // Dragged there and back, too, and by a handle that meets the opposite edge on its way.
+    ellipse->move(&far, 5, -7, 0, 0, nullptr);
+    ellipse->dspToImg(&far);
+    EXPECT_EQ(imageOf(*ellipse), (Numbers{image[0] + 40, image[1] - 56, image[2] + 40, image[3] - 56}));
+    ellipse->grabbedHandle = 0;
+    ellipse->move(&far, 33, 0, 0, 0, nullptr);
+    EXPECT_EQ(displayOf(*ellipse), (Numbers{264, 246, 284, 259}));
+    ellipse->dspToImg(&far);
+    EXPECT_EQ(imageOf(*ellipse), (Numbers{image[2] + 40, image[1] - 56, image[0] + 40 + 33 * 8, image[3] - 56}));
+    // New corners are whole pixels.
+    ellipse->setPts(&far, CCsPoint(240, 248), CCsPoint(256, 264));
+    EXPECT_EQ(imageOf(*ellipse), (Numbers{0, 64, 128, 192}));
 }
 
 TEST(CCsEllipseSize, IsTheRectangleWithItsHandles) {

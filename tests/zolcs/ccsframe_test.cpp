@@ -1247,7 +1247,8 @@ TEST_F(CCsFrameTest, MakeDibRefusesSizesThatCannotBe) {
     struct Size {
         int width, height;
     };
-    for (const Size size : {Size{0, 3}, Size{8, 0}, Size{-8, 3}, Size{-8, -3}, Size{lowest, lowest}}) {
+    for (const Size size : {Size{0, 3}, Size{8, 0}, Size{-8, 3}, Size{8, -3}, Size{-8, -3}, Size{lowest, lowest},
+                            Size{8, lowest}, Size{highest, -1}}) {
         BITMAPINFO* result = nullptr;
         EXPECT_EQ(
             frame.MakeDIB(result, nullptr, nullptr, nullptr, size.width, size.height, nullptr, nullptr, true, 0, 0), 0);
