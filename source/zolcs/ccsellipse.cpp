@@ -325,6 +325,7 @@ void CCsEllipse::drawTurned_(CCs2dTrafo& trafo, HDC dc) const {
     const auto sine = static_cast<FLOAT>(zolcs::portable::sin(theta));
     const XFORM rotated{cosine, sine, -sine, cosine, 0.0F, 0.0F};
     const int saved = SaveDC(dc);
+    if (saved == 0) return;  // nothing that is drawn later may land in this world
     SetGraphicsMode(dc, GM_ADVANCED);
     SetViewportOrgEx(dc, truncated(axes[0].x), truncated(axes[0].y), nullptr);
     SetMapMode(dc, MM_LOENGLISH);

@@ -271,6 +271,16 @@ TEST_F(EllipseDrawing, WithoutObjects) {
                                               "ellipse 10 20 50 40", "select caller's brush"}));
 }
 
+TEST_F(EllipseDrawing, NoWorldOfItsOwnThatCouldNotBeLeft) {
+    CCsEllipse angular(&view, CCsPointDouble(100, 100), CCsPointDouble(180, 100), CCsPointDouble(140, 75),
+                       CCsPointDouble(140, 125));
+    angular.select(unused);
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) { recorder.failing = "save"; };
+    EXPECT_EQ(drawn(angular, rendering),
+              ellipse("fail to save\n", square(97, 97) + square(177, 97) + square(137, 72) + square(137, 122)));
+}
+
 TEST_F(EllipseDrawing, FarAwayNothing) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double distant :

@@ -130,6 +130,36 @@ TEST_F(TextDrawing, TruncatesAfterAligning) {
     EXPECT_EQ(drawn(left, rendering), "measure \"ROI\"\n" + haloed("ROI", -9, 19));
 }
 
+TEST_F(TextDrawing, TruncatesAfterEndingAtTheAnchor) {
+    CCs2dTrafo print = identityView();
+    print.setDspPanFactor(0.25 / 512, 0.0);
+    Rendering rendering{&print, nullptr, 2};
+    rendering.prepare = [](GdiRecorder& recorder) { recorder.textExtent = SIZE{41, 12}; };
+    CCsText text(&view, 10, 20, L"ROI", 1, false);  // 10.75 - 42 = -31.25
+    EXPECT_EQ(drawn(text, rendering), "measure \"ROI\"\n" + haloed("ROI", -31, 20));
+}
+
+TEST_F(TextDrawing, TruncatesAfterAddingTheOffset) {
+    CCs2dTrafo print = identityView();
+    print.setDspPanFactor(0.0, -20.75 / 512);
+    CCsText text(&view, 10, 20, L"ROI", 0, false);  // at -0.25 in print
+    Rendering rendering{&print, nullptr, 2};
+    EXPECT_EQ(drawn(text, rendering), haloed("ROI", 10, 0));
+    rendering.offsetY = 7;
+    EXPECT_EQ(drawn(text, rendering), haloed("ROI", 10, 6));
+    rendering.offsetY = -7;
+    EXPECT_EQ(drawn(text, rendering), haloed("ROI", 10, -7));
+}
+
+TEST_F(TextDrawing, ATextThatCannotBeMeasuredHasNoWidth) {
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) { recorder.failing = "measure"; };
+    CCsText centred(&view, 100, 20, L"ROI", 2, false);
+    EXPECT_EQ(drawn(centred, rendering), "fail to measure \"ROI\"\n" + haloed("ROI", 100, 20));
+    CCsText ending(&view, 100, 20, L"ROI", 1, false);
+    EXPECT_EQ(drawn(ending, rendering), "fail to measure \"ROI\"\n" + haloed("ROI", 99, 20));
+}
+
 TEST_F(TextDrawing, OnlyTheVerticalOffsetCounts) {
     CCsText text(&view, 10, 20, L"ROI", 0, false);
     Rendering rendering = screen();
@@ -213,6 +243,20 @@ TEST_F(TextDrawing, FontTypesDeriveFromTheHostsFont) {
     EXPECT_EQ(drawnWith(-20, CCsImageTextFont::Bold), expected("-20 400", "-20 700"));
     EXPECT_EQ(drawnWith(-20, static_cast<CCsImageTextFont::CCsImageTextFontType>(9)),
               drawnWith(-20, CCsImageTextFont::Plain));
+}
+
+TEST_F(TextDrawing, WithoutADerivedFontTheHostsIsUsed) {
+    setHostFont();
+    CCsText text(nullptr, 10, 20, L"ROI", 0, false);
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) {
+        recorder.hostFont = -20;
+        recorder.failing = "create font -30";
+    };
+    EXPECT_EQ(drawnAs(text, CCsImageTextFont::Large, rendering),
+              "font for \"ROI\" type 32 face DejaVu Sans width 9\ncreate font -20 400\nfail to create font -30 400\n"
+              "select font -20 400\n" +
+                  haloed("ROI", 10, 20) + "select caller's font\ndelete font -20 400\n");
 }
 
 TEST_F(TextDrawing, OtherwiseTheCallersFontStays) {

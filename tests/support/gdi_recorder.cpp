@@ -83,13 +83,20 @@ Function realOf(Function own) {
 }
 #endif
 
+/// Records a call and makes it; where it is meant to fail it gives `failure` instead.
+template <typename Result, typename Call>
+Result made(const std::string& line, Result failure, const Call& call) {
+    const bool fails = active != nullptr && !active->failing.empty() && line.rfind(active->failing, 0) == 0;
+    write(fails ? "fail to " + line : line);
+    return fails ? failure : call();
+}
+
 /// Creates an object under a name and records that.
 template <typename Handle, typename Create>
 Handle created(const std::string& name, const Create& create) {
     if (active == nullptr) return create();
-    const bool fails = active->objectsFail;
-    write((fails ? "fail to create " : "create ") + name);
-    const Handle handle = fails ? nullptr : create();
+    if (active->objectsFail) write("fail to create " + name);
+    const Handle handle = active->objectsFail ? nullptr : made<Handle>("create " + name, nullptr, create);
     if (handle != nullptr) names[handle] = name;
     return handle;
 }
@@ -118,6 +125,7 @@ using zoltest::colored;
 using zoltest::created;
 using zoltest::format;
 using zoltest::listed;
+using zoltest::made;
 using zoltest::nameOf;
 using zoltest::narrow;
 using zoltest::styled;
@@ -169,6 +177,32 @@ HFONT ZOL_DOUBLE(CreateFontIndirectW)(const LOGFONTW* font) {
                           [&] { return real(font); });
 }
 
+HBITMAP ZOL_DOUBLE(CreateDIBSection)(HDC dc, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section,
+                                     DWORD offset) {
+    static const auto real = ZOL_REAL(CreateDIBSection);
+    const BITMAPINFOHEADER& header = info->bmiHeader;
+    return created<HBITMAP>(format("bitmap %d %d %d", static_cast<int>(header.biWidth),
+                                   static_cast<int>(header.biHeight), static_cast<int>(header.biBitCount)),
+                            [&] { return real(dc, info, usage, bits, section, offset); });
+}
+
+HDC ZOL_DOUBLE(CreateCompatibleDC)(HDC dc) {
+    static const auto real = ZOL_REAL(CreateCompatibleDC);
+    const HDC context = created<HDC>("device context", [&] { return real(dc); });
+    if (context != nullptr) {
+        zoltest::names.emplace(GetCurrentObject(context, OBJ_BITMAP), "first bitmap");
+        zoltest::names.emplace(GetCurrentObject(context, OBJ_FONT), "first font");
+    }
+    return context;
+}
+
+BOOL ZOL_DOUBLE(DeleteDC)(HDC dc) {
+    static const auto real = ZOL_REAL(DeleteDC);
+    write("delete " + nameOf(dc));
+    zoltest::names.erase(dc);
+    return real(dc);
+}
+
 BOOL ZOL_DOUBLE(DeleteObject)(HGDIOBJ object) {
     static const auto real = ZOL_REAL(DeleteObject);
     write("delete " + nameOf(object));
@@ -178,8 +212,7 @@ BOOL ZOL_DOUBLE(DeleteObject)(HGDIOBJ object) {
 
 HGDIOBJ ZOL_DOUBLE(SelectObject)(HDC dc, HGDIOBJ object) {
     static const auto real = ZOL_REAL(SelectObject);
-    write("select " + nameOf(object));
-    return real(dc, object);
+    return made<HGDIOBJ>("select " + nameOf(object), nullptr, [&] { return real(dc, object); });
 }
 
 // ---------------------------------------------------------------------------------------------------- state
@@ -198,10 +231,11 @@ BOOL ZOL_DOUBLE(GetTextMetricsW)(HDC dc, TEXTMETRICW* metrics) {
 
 BOOL ZOL_DOUBLE(GetTextExtentPoint32W)(HDC dc, LPCWSTR text, int length, LPSIZE size) {
     static const auto real = ZOL_REAL(GetTextExtentPoint32W);
-    write("measure \"" + narrow(text, length) + '"');
-    const BOOL result = real(dc, text, length, size);
-    if (active != nullptr && active->textExtent) *size = *active->textExtent;
-    return result;
+    return made<BOOL>("measure \"" + narrow(text, length) + '"', FALSE, [&] {
+        const BOOL result = real(dc, text, length, size);
+        if (active != nullptr && active->textExtent) *size = *active->textExtent;
+        return result;
+    });
 }
 
 int ZOL_DOUBLE(SetBkMode)(HDC dc, int mode) {
@@ -224,8 +258,7 @@ COLORREF ZOL_DOUBLE(SetTextColor)(HDC dc, COLORREF color) {
 
 int ZOL_DOUBLE(SaveDC)(HDC dc) {
     static const auto real = ZOL_REAL(SaveDC);
-    write("save");
-    return real(dc);
+    return made<int>("save", 0, [&] { return real(dc); });
 }
 
 BOOL ZOL_DOUBLE(RestoreDC)(HDC dc, int saved) {
@@ -258,6 +291,39 @@ BOOL ZOL_DOUBLE(SetWorldTransform)(HDC dc, const XFORM* world) {
     write(format("world %.9g %.9g %.9g %.9g %.9g %.9g", number(world->eM11), number(world->eM12), number(world->eM21),
                  number(world->eM22), number(world->eDx), number(world->eDy)));
     return real(dc, world);
+}
+
+int ZOL_DOUBLE(SetStretchBltMode)(HDC dc, int mode) {
+    static const auto real = ZOL_REAL(SetStretchBltMode);
+    return made<int>(format("stretch mode %d", mode), 0, [&] { return real(dc, mode); });
+}
+
+// ---------------------------------------------------------------------------------------------------- pixels
+
+BOOL ZOL_DOUBLE(PatBlt)(HDC dc, int x, int y, int width, int height, DWORD operation) {
+    static const auto real = ZOL_REAL(PatBlt);
+    write(format("pattern %d %d %d %d ", x, y, width, height) +
+          (operation == BLACKNESS ? "black" : format("0x%lx", static_cast<unsigned long>(operation))));
+    return real(dc, x, y, width, height, operation);
+}
+
+BOOL ZOL_DOUBLE(BitBlt)(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
+                        DWORD operation) {
+    static const auto real = ZOL_REAL(BitBlt);
+    return made<BOOL>(format("copy %d %d %d %d from %d %d", x, y, width, height, sourceX, sourceY), FALSE,
+                      [&] { return real(dc, x, y, width, height, source, sourceX, sourceY, operation); });
+}
+
+int ZOL_DOUBLE(StretchDIBits)(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
+                              int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD operation) {
+    static const auto real = ZOL_REAL(StretchDIBits);
+    const std::string line = format("stretch %d %d %d %d from %d %d %d %d", x, y, width, height, sourceX, sourceY,
+                                    sourceWidth, sourceHeight) +
+                             format(" of %d bits", static_cast<int>(info->bmiHeader.biBitCount));
+    return made<int>(line, static_cast<int>(GDI_ERROR), [&] {
+        if (active != nullptr && active->linesDone) return *active->linesDone;
+        return real(dc, x, y, width, height, sourceX, sourceY, sourceWidth, sourceHeight, bits, info, usage, operation);
+    });
 }
 
 // ---------------------------------------------------------------------------------------------------- drawing
@@ -356,6 +422,9 @@ void zoltest::takePlaces() {
             {addressOf(&::CreateSolidBrush), addressOf(&recordedCreateSolidBrush)},
             {addressOf(&::CreateRectRgn), addressOf(&recordedCreateRectRgn)},
             {addressOf(&::CreateFontIndirectW), addressOf(&recordedCreateFontIndirectW)},
+            {addressOf(&::CreateDIBSection), addressOf(&recordedCreateDIBSection)},
+            {addressOf(&::CreateCompatibleDC), addressOf(&recordedCreateCompatibleDC)},
+            {addressOf(&::DeleteDC), addressOf(&recordedDeleteDC)},
             {addressOf(&::DeleteObject), addressOf(&recordedDeleteObject)},
             {addressOf(&::SelectObject), addressOf(&recordedSelectObject)},
             {addressOf(&::GetDeviceCaps), addressOf(&recordedGetDeviceCaps)},
@@ -370,6 +439,10 @@ void zoltest::takePlaces() {
             {addressOf(&::SetMapMode), addressOf(&recordedSetMapMode)},
             {addressOf(&::SetViewportOrgEx), addressOf(&recordedSetViewportOrgEx)},
             {addressOf(&::SetWorldTransform), addressOf(&recordedSetWorldTransform)},
+            {addressOf(&::SetStretchBltMode), addressOf(&recordedSetStretchBltMode)},
+            {addressOf(&::PatBlt), addressOf(&recordedPatBlt)},
+            {addressOf(&::BitBlt), addressOf(&recordedBitBlt)},
+            {addressOf(&::StretchDIBits), addressOf(&recordedStretchDIBits)},
             {addressOf(&::MoveToEx), addressOf(&recordedMoveToEx)},
             {addressOf(&::LineTo), addressOf(&recordedLineTo)},
             {addressOf(&::Polygon), addressOf(&recordedPolygon)},
