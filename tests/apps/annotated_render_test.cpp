@@ -1,4 +1,5 @@
 // Where annotations come to lie in a picture, and in which colours.
+#include "support/folders.h"
 #include "zolview/annotations.h"
 #include "zolview/phantom.h"
 #include "zolview/render.h"
@@ -6,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 #include <set>
 
 namespace {
@@ -252,6 +255,30 @@ TEST(BurnIn, KeepsOverlayPlanesPaddingAndShutters) {
     EXPECT_EQ(covered.at(0, 0), before.at(0, 0));
     EXPECT_EQ(covered.at(65, 480), 0U);
     EXPECT_EQ(covered.at(320, 290), 0xFFFFFFU);
+}
+
+TEST(BurnIn, CutsNoTextOfTheExample) {
+    const StoredImage phantom = makePhantom();
+    const auto burnt = [&](const std::vector<Annotation>& annotations, bool shutters) {
+        RenderOptions options;
+        options.burnIn = true;
+        options.shutters = shutters;
+        options.annotations = annotations;
+        std::vector<std::string> notes;
+        return render(phantom, options, notes).pixels;
+    };
+    const auto differences = [](const auto& a, const auto& b) {
+        return std::inner_product(a.begin(), a.end(), b.begin(), 0, std::plus<>(), std::not_equal_to<>());
+    };
+    const auto plain = burnt({}, true);
+    const auto plainWithoutShutters = burnt({}, false);
+    for (const Annotation& annotation :
+         readAnnotations((zoltest::sourceFolder() / "examples/annotations/all-figures.json").string())) {
+        if (annotation.kind != FigureKind::Text) continue;
+        const int shown = differences(burnt({annotation}, true), plain);
+        EXPECT_GT(shown, 100) << annotation.text;
+        EXPECT_EQ(shown, differences(burnt({annotation}, false), plainWithoutShutters)) << annotation.text;
+    }
 }
 
 TEST(BurnIn, TakesAllSpaces) {

@@ -526,27 +526,27 @@ TEST(CCsEllipseConversions, ThereAndBackUnderZoomTurnAndMirror) {
 }
 
 TEST(CCsEllipseConversions, AZoomOutAndTheEndOfAnothersDragDoNotChangeIt) {
-    CCs2dTrafo large = zoomedView(1.0);
-    CCs2dTrafo small = zoomedView(0.0625);  // x' = x / 8 + 240
+    CCs2dTrafo zoomedIn = zoomedView(1.0);
+    CCs2dTrafo zoomedOut = zoomedView(0.0625);  // x' = x / 8 + 240
     CCsGroup group;
-    auto* const ellipse = new OpenEllipse(&large, CCsPoint(101, 202), CCsPoint(307, 411));
+    auto* const ellipse = new OpenEllipse(&zoomedIn, CCsPoint(101, 202), CCsPoint(307, 411));
     group.append(*ellipse);
     const Numbers image = imageOf(*ellipse);
-    ellipse->imgToDsp(&small);
+    ellipse->imgToDsp(&zoomedOut);
     EXPECT_EQ(displayOf(*ellipse), (Numbers{246, 253, 259, 266}));  // 246.3125, 252.625, 259.1875, 265.6875
-    group.dspToImg(&small);
+    group.dspToImg(&zoomedOut);
     EXPECT_EQ(imageOf(*ellipse), image);
     // Dragged there and back, too, and by a handle that meets the opposite edge on its way.
-    ellipse->move(&small, 5, -7, 0, 0, nullptr);
-    ellipse->dspToImg(&small);
+    ellipse->move(&zoomedOut, 5, -7, 0, 0, nullptr);
+    ellipse->dspToImg(&zoomedOut);
     EXPECT_EQ(imageOf(*ellipse), (Numbers{image[0] + 40, image[1] - 56, image[2] + 40, image[3] - 56}));
     ellipse->grabbedHandle = 0;
-    ellipse->move(&small, 33, 0, 0, 0, nullptr);
+    ellipse->move(&zoomedOut, 33, 0, 0, 0, nullptr);
     EXPECT_EQ(displayOf(*ellipse), (Numbers{264, 246, 284, 259}));
-    ellipse->dspToImg(&small);
+    ellipse->dspToImg(&zoomedOut);
     EXPECT_EQ(imageOf(*ellipse), (Numbers{image[2] + 40, image[1] - 56, image[0] + 40 + 33 * 8, image[3] - 56}));
     // New corners are whole pixels.
-    ellipse->setPts(&small, CCsPoint(240, 248), CCsPoint(256, 264));
+    ellipse->setPts(&zoomedOut, CCsPoint(240, 248), CCsPoint(256, 264));
     EXPECT_EQ(imageOf(*ellipse), (Numbers{0, 64, 128, 192}));
 }
 
