@@ -262,7 +262,7 @@ void CCsLine::moveSquare(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsReg
 }
 
 void CCsLine::moveCircle(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) {
-    const bool centreDragged = selected != 0 && pointCount == 2 && vertexAt_(dx, dy, x, y) == 0;
+    const bool centreDragged = pointCount == 2 && vertexAt_(dx, dy, x, y) == 0;
     if (centreDragged && movable) {
         shift_(-1, dx, dy, region);
     } else {

@@ -184,6 +184,22 @@ TEST(CCsLineConstruction, VectorsTakeAnyNumberOfPointsAndTheirFlags) {
     EXPECT_EQ(none.displayPoints, nullptr);
 }
 
+TEST(CCsLineConstruction, EveryConstructorTakesAPenStyle) {
+    CCs2dTrafo view = identityView();
+    const CCsPointDouble point(1, 2);
+    for (const int style : {PS_DASHDOTDOT, PS_NULL, -1, std::numeric_limits<int>::max()}) {
+        const std::vector<OpenLine> lines{OpenLine(&view, 1, 2, style),
+                                          OpenLine(&view, 1, 2, 3, 4, style),
+                                          OpenLine(&view, 1, 2, 3, 4, 5, 6, style),
+                                          OpenLine(&view, 1, 2, 3, 4, 5, 6, 7, 8, style),
+                                          OpenLine(&view, point, point, style),
+                                          OpenLine(&view, 1.0, 2.0, 3.0, 4.0, style, false),
+                                          OpenLine(&view, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 8.0, style, false, false),
+                                          OpenLine(&view, {point, point}, style, false, false, false)};
+        for (const OpenLine& line : lines) EXPECT_EQ(line.penStyle, style) << line.pointCount;
+    }
+}
+
 TEST(CCsLineConstruction, WithoutATransformationTheDisplayCoordinatesCount) {
     OpenLine line(nullptr, 10, 20, 30, 40, solid);
     EXPECT_EQ(line.displayAuthoritative, 1);
@@ -1023,6 +1039,25 @@ TEST(CCsLineReshape, OfACircleOfTwoPointsTheFirstIsTheCentre) {
     EXPECT_EQ(displayOf(line), (Numbers{110, 105, 170, 110}));
     line.moveCircle(&view, 1, 1, 140, 140, nullptr);
     EXPECT_EQ(displayOf(line), (Numbers{111, 106, 171, 111}));
+}
+
+TEST(CCsLineReshape, NoHandleMovesWhatIsNotMovable) {
+    CCs2dTrafo view = identityView();
+    for (const auto operation : {&CCsLine::moveRectangle, &CCsLine::moveSquare, &CCsLine::moveCircle}) {
+        OpenLine four = rectangle(10, 20, 50, 60);
+        OpenLine two(&view, 10, 20, 50, 60, solid);
+        for (OpenLine* const line : {&four, &two}) {
+            const Numbers before = exactOf(*line);
+            line->select();
+            line->setMoveStatus_(false);
+            CCsRegion region;
+            (line->*operation)(nullptr, 5, 3, 15, 23, &region);
+            (line->*operation)(nullptr, 5, 3, 55, 63, &region);
+            EXPECT_EQ(exactOf(*line), before);
+            EXPECT_EQ(line->displayAuthoritative, 0);
+            EXPECT_EQ(of(region), (Numbers{0, 0, 0, 0}));
+        }
+    }
 }
 
 TEST(CCsLineReshape, OtherNumbersOfVerticesMoveAsByMove) {
