@@ -145,13 +145,9 @@ private:
 
     /// Where every row is in pages of its own, the processors' own prefetching starts anew with each.
     void prefetchNext(const std::byte* row) const {
-#if defined(ZOLIPP_SSE2)
         const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(columns_.firstColumn()) * pixelBytes<Format>;
         const std::ptrdiff_t bytes = std::ptrdiff_t{columns_.width()} * pixelBytes<Format>;
         for (std::ptrdiff_t i = 0; i < bytes; i += cacheLine) prefetch(row, source_.rows.step + first + i);
-#else
-        static_cast<void>(row);
-#endif
     }
 
     void widen(const std::byte* row) {

@@ -1,6 +1,7 @@
 #include "zolipp/rowoperations.h"
 
 #include "platform/vectorchoice.h"
+#include "zolipp/exchange.h"
 #include "zolipp/rowvectors.h"
 
 namespace zolipp {
@@ -70,7 +71,8 @@ template <typename Format>
 constexpr FormatOperations portableOf{widen<Format>,
                                       {filterColumns<Format, 2>, filterColumns<Format, 4>},
                                       {mixRows<Format, 2>, mixRows<Format, 4>},
-                                      {mixSpots<Format, 2>, mixSpots<Format, 4>}};
+                                      {mixSpots<Format, 2>, mixSpots<Format, 4>},
+                                      {exchangeVectors<Format, Straight>, exchangeVectors<Format, Reversed>}};
 
 constexpr RowOperations portableOperations{
     {locate<1>, locate<2>, locate<4>}, portableOf<Grey16>, portableOf<FourBytes>, portableOf<ThreeOfFourBytes>};

@@ -46,6 +46,23 @@ struct Spots {
     std::uint32_t neighbours[4][2 * spotLimit + rowSlack]{};  ///< room for loaded pixels
 };
 
+/// How far from two runs of pixels those lie that will be exchanged after them. A row is often a whole page, at whose
+/// end the processors' own prefetching stops: asking for the next row takes half the time.
+struct Ahead {
+    std::ptrdiff_t run;
+    std::ptrdiff_t other;
+};
+
+/// How a run of pixels is exchanged with another one. The other run is named by its start or, when reversed, by its
+/// end.
+enum Order : std::uint8_t { Straight, Reversed };
+
+/// Where the partners of `bytes` bytes are that lie `done` bytes behind the first run's start.
+template <Order order>
+std::byte* partnerOf(std::byte* other, std::ptrdiff_t done, std::ptrdiff_t bytes) {
+    return order == Straight ? other + done : other - done - bytes;
+}
+
 /// Operations on rows of one pixel format. Where there are two, they are for two and for four neighbours.
 struct FormatOperations {
     /// Samples as floating-point numbers; `count` pixels.
@@ -56,6 +73,8 @@ struct FormatOperations {
     void (*mixRows[2])(const float* const* rows, const float* weights, int count, std::byte* pixels);
     /// The weighted sum of the neighbours of every spot, all of which lie inside the source, as `count` pixels.
     void (*mixSpots[2])(const SourceImage& source, Spots& spots, int count, std::byte* pixels);
+    /// For each order: exchanges what fits whole vectors of two runs of so many bytes, and tells how many those were.
+    std::ptrdiff_t (*exchange[2])(std::byte* run, std::byte* other, std::ptrdiff_t bytes, Ahead ahead);
 };
 
 struct RowOperations {

@@ -6,8 +6,10 @@
 #include <hwy/highway.h>
 
 #include "zolipp/rowvectors.h"
+#include "zolipp/sse2.h"
 
 #include <cstring>
+#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 namespace zolipp::HWY_NAMESPACE {
@@ -232,18 +234,52 @@ void mixColourSpots(const SourceImage& source, Spots& spots, int count, std::byt
     }
 }
 
+template <typename Format, Order order>
+std::ptrdiff_t exchange(std::byte* run, std::byte* other, std::ptrdiff_t bytes, Ahead ahead) {
+    using Pixel = std::conditional_t<pixelBytes<Format> == 2, std::uint16_t, std::uint32_t>;
+    const hn::ScalableTag<Pixel> d;
+    constexpr auto size = static_cast<std::ptrdiff_t>(hn::MaxLanes(d) * sizeof(Pixel));
+    const auto load = [&](std::byte* at) HWY_ATTR { return hn::LoadU(d, reinterpret_cast<Pixel*>(at)); };
+    const auto store = [&](std::byte* at, auto pixels, auto old) HWY_ATTR {
+        if constexpr (order == Reversed) pixels = hn::Reverse(d, pixels);
+        if constexpr (Format::written < Format::channels) {
+            const auto mine = hn::Set(d, Pixel{0x00FFFFFF});
+            pixels = hn::Or(hn::And(mine, pixels), hn::AndNot(mine, old));
+        }
+        hn::StoreU(pixels, d, reinterpret_cast<Pixel*>(at));
+    };
+    std::ptrdiff_t done = 0;
+    const auto one = [&]() HWY_ATTR {
+        std::byte* const there = partnerOf<order>(other, done, size);
+        const auto a = load(run + done);
+        const auto b = load(there);
+        store(run + done, b, a);
+        store(there, a, b);
+        done += size;
+    };
+    while (done + cacheLine <= bytes) {
+        prefetch(run + done, ahead.run);
+        prefetch(partnerOf<order>(other, done, cacheLine), ahead.other);
+        for (std::ptrdiff_t i = 0; i < cacheLine; i += size) one();
+    }
+    while (done + size <= bytes) one();
+    return done;
+}
+
 template <typename Format>
 constexpr FormatOperations operationsFor() {
     if constexpr (Format::channels == 1) {
         return {widen<Format>,
                 {filterGrey<2>, filterGrey<4>},
                 {mixRows<Format, 2>, mixRows<Format, 4>},
-                {mixGreySpots<2>, mixGreySpots<4>}};
+                {mixGreySpots<2>, mixGreySpots<4>},
+                {exchange<Format, Straight>, exchange<Format, Reversed>}};
     } else {
         return {widen<Format>,
                 {filterColour<2>, filterColour<4>},
                 {mixRows<Format, 2>, mixRows<Format, 4>},
-                {mixColourSpots<Format, 2>, mixColourSpots<Format, 4>}};
+                {mixColourSpots<Format, 2>, mixColourSpots<Format, 4>},
+                {exchange<Format, Straight>, exchange<Format, Reversed>}};
     }
 }
 
