@@ -8,6 +8,7 @@
 #include "zolipp/rowvectors.h"
 #include "zolipp/sse2.h"
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -82,7 +83,8 @@ void filterGrey(const float* row, const ColumnTable& columns, float* out) {
 }
 
 template <int taps>
-void filterColour(const float* row, const ColumnTable& columns, float* out) {
+void filterColour(const float* row, const ColumnTable& given, float* out) {
+    const ColumnTable columns = given;  // which no store through `out` can change, as the compiler knows
     const hn::FixedTag<float, 4> df;
     for (std::ptrdiff_t i = 0; i < columns.count; ++i) {
         const float* pixel = row + std::ptrdiff_t{columns.first[i]} * 4;
@@ -131,9 +133,14 @@ HWY_INLINE void storePixels(int count, std::byte* pixels, SumsAt sumsAt) {
 template <typename Format, int taps>
 void mixRows(const float* const* rows, const float* weights, int count, std::byte* pixels) {
     const Floats df;
+    // Copies of its own, which no store of pixels can change, as the compiler knows.
+    PerNeighbour<const float*, taps> row;
+    Weights<taps> weight;
+    std::copy_n(rows, taps, row.begin());
+    std::copy_n(weights, taps, weight.begin());
     storePixels<Format>(count, pixels, [&](std::ptrdiff_t at) HWY_ATTR {
-        return sumOf<taps>([&](int k)
-                               HWY_ATTR { return hn::Mul(hn::Set(df, weights[k]), hn::LoadU(df, rows[k] + at)); });
+        return sumOf<taps>([&](std::size_t k)
+                               HWY_ATTR { return hn::Mul(hn::Set(df, weight[k]), hn::LoadU(df, row[k] + at)); });
     });
 }
 
