@@ -17,13 +17,24 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <functional>
+#include <limits>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 namespace zoltest {
+
+/// The fields of a resampler, which follow the pointer to its virtual operations.
+template <std::size_t Count, typename Resampler>
+std::array<std::int32_t, Count> fieldsOf(const Resampler& resampler) {
+    static_assert(sizeof(Resampler) == (sizeof(void*) + Count * 4 + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*));
+    std::array<std::int32_t, Count> fields{};
+    std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&resampler) + sizeof(void*), sizeof fields);
+    return fields;
+}
 
 /// One member with its arguments; `draw` is its restatement.
 template <typename Resampler>
@@ -192,6 +203,31 @@ void expectRestatedRules(std::uint64_t seed, int rounds, const Call& call, const
                   255);
         ASSERT_TRUE(dst.memory.all() == expected) << "round " << round << ' ' << textOf(matrix) << '\n' << shutters;
     }
+}
+
+/// Sources without pixels and views that are not finite show background alone.
+template <typename Resampler>
+void expectBackgroundOnly(const ResamplerMembers<Resampler>& members, const std::wstring& module) {
+    const ReportCapture capture;
+    Resampler resampler;
+    for (const auto& member : members) {
+        SCOPED_TRACE(narrow(member.name));
+        CCsRaster empty(0, 0, member.sourceType, 1.0, false, false);
+        GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
+        GuardedImage blank(9, 7, member.destinationType, 10, 1.0);
+        const double beside[6] = {1, 0, 0, 1, 1000, 1000};
+        member.draw(beside, pixelsOf(src), pixelsOf(blank));
+        GuardedImage dst(9, 7, member.destinationType, 10, 1.0);
+        CCs2dTrafo plain;
+        EXPECT_EQ(member.call(resampler, empty, dst, plain), 255);
+        EXPECT_TRUE(dst.memory.all() == blank.memory.all());
+        GuardedImage other(9, 7, member.destinationType, 10, 1.0);
+        CCs2dTrafo broken;
+        broken.scale(std::numeric_limits<double>::quiet_NaN());
+        EXPECT_EQ(member.call(resampler, src, other, broken), 255);
+        EXPECT_TRUE(other.memory.all() == blank.memory.all());
+    }
+    EXPECT_TRUE(reportsOf(module).empty());
 }
 
 /// Every pair of types: drawn, or refused with everything left as it was.
@@ -426,6 +462,39 @@ inline bool expectDrawnInPart(GuardedImage& dst, GuardedImage& whole, unsigned c
         }
     }
     return drawn > 0 && drawn < units;
+}
+
+/// Raises a resampler's flag when it is asked for its table: the call has begun by then.
+template <typename Resampler>
+class StoppingMap : public TableMap {
+public:
+    explicit StoppingMap(Resampler& resampler) : resampler_(resampler) {}
+    void copyLut(unsigned int** dst) override {
+        resampler_.setAbortFlag(1);
+        TableMap::copyLut(dst);
+    }
+
+private:
+    Resampler& resampler_;
+};
+
+/// A flag that is raised between a mapped call's begin and its first pixel, without and with rules above the values.
+template <typename Resampler, typename Call>
+void expectStoppedByTheMap(const Call& call) {
+    const ReportCapture capture;
+    Resampler resampler;
+    StoppingMap<Resampler> map(resampler);
+    GuardedRaster src(4, 4, CCS_GREY12, 4, 1.0);
+    GuardedImage dst(4, 4, CCS_RGB8, 4, 1.0);
+    const std::vector<unsigned char> before = dst.memory.all();
+    std::vector<unsigned char> padding(2, 0xFF);
+    for (unsigned char* bits : {static_cast<unsigned char*>(nullptr), padding.data()}) {
+        CCs2dTrafo trafo;
+        resampler.setAbortFlag(0);
+        EXPECT_EQ(call(resampler, src, dst, trafo, &map, bits, static_cast<unsigned char>(9)), 0);
+        EXPECT_EQ(dst.memory.all(), before);
+    }
+    EXPECT_TRUE(ReportCapture::take().empty());
 }
 
 /// A flag that another thread sets while a member draws: whenever it is seen, the call has stopped as expectDrawnInPart

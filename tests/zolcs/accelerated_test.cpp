@@ -563,16 +563,17 @@ TEST_P(AcceleratedGreyTest, TwelveAndSixteenBitsMix) {
     EXPECT_TRUE(ReportCapture::take().empty());
 }
 
-/// The angle that a view has, as the members are told it.
-double angleOf(CCs2dTrafo trafo) {
+/// What the members are told of a view.
+struct Orientation {
+    explicit Orientation(CCs2dTrafo trafo) {
+        double scale = 0.0;
+        double panX = 0.0;
+        double panY = 0.0;
+        trafo.getOperations(angle, mirrored, scale, panX, panY);
+    }
     double angle = 0.0;
     int mirrored = 0;
-    double scale = 0.0;
-    double panX = 0.0;
-    double panY = 0.0;
-    trafo.getOperations(angle, mirrored, scale, panX, panY);
-    return angle;
-}
+};
 
 TEST_P(AcceleratedTest, TheClassesOfAnglesEndWhereTheyShould) {
     // A single column can be resized and transposed, and cannot be warped: what a call does tells how it takes a view.
@@ -602,7 +603,7 @@ TEST_P(AcceleratedTest, TheClassesOfAnglesEndWhereTheyShould) {
             int others = 0;
             for (int step = -6; step <= 6; ++step) {
                 const CCs2dTrafo trafo = turned(border + step * 4e-13);
-                const double angle = angleOf(trafo);
+                const double angle = Orientation(trafo).angle;
                 const bool oblique = isOblique(angle);
                 EXPECT_EQ(isWarped(trafo), oblique) << std::setprecision(17) << angle;
                 ++(oblique ? warped : others);
@@ -842,12 +843,7 @@ TEST_F(AcceleratedPlan, FactorsAndCentreAreThoseOfAViewThatIsTurnedBack) {
         trafo.setDspPanFactor(random.real(-1.0, 1.0), random.real(-1.0, 1.0));
         trafo.setSizes(src, dst);
 
-        double angle = 0.0;
-        int m = 0;
-        double scale = 0.0;
-        double tx = 0.0;
-        double ty = 0.0;
-        trafo.getOperations(angle, m, scale, tx, ty);
+        const auto [angle, m] = Orientation(trafo);
         CCs2dTrafo back(trafo);
         if (std::abs(angle - 180.0) < 1.0) back.rotate(180);
         if (std::abs(angle - 90.0) < 1.0) {

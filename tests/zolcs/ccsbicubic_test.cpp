@@ -13,22 +13,16 @@ namespace {
 
 using zoltest::bicubicMembers;
 using zoltest::bicubicModule;
+using zoltest::fieldsOf;
 using zoltest::GuardedImage;
 using zoltest::GuardedRaster;
 using zoltest::pixelsOf;
 using zoltest::ReportCapture;
 
 static_assert(std::is_polymorphic_v<CCsBicubic>);
-static_assert(sizeof(CCsBicubic) == (sizeof(void*) + 15 * 4 + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*));
 static_assert(sizeof(zolcs::CubicWeights) == 16);
 
 using Fields = std::array<std::int32_t, 15>;
-
-Fields fieldsOf(const CCsBicubic& bicubic) {
-    Fields fields{};
-    std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&bicubic) + sizeof(void*), sizeof fields);
-    return fields;
-}
 
 unsigned grey(GuardedImage& image, int x, int y) { return zolref::load16(zolref::pixelAt(pixelsOf(image), x, y)); }
 
@@ -48,7 +42,7 @@ protected:
     CCsBicubic bicubic_;
 };
 
-TEST_F(CCsBicubicTest, EveryFieldIsZeroAfterConstruction) { EXPECT_EQ(fieldsOf(CCsBicubic()), Fields{}); }
+TEST_F(CCsBicubicTest, EveryFieldIsZeroAfterConstruction) { EXPECT_EQ(fieldsOf<15>(CCsBicubic()), Fields{}); }
 
 TEST_F(CCsBicubicTest, TheFieldsHoldThePreparedCallAndAreCopied) {
     GuardedRaster src(10, 20, CCS_GREY12, 13, 1.0);
@@ -59,12 +53,12 @@ TEST_F(CCsBicubicTest, TheFieldsHoldThePreparedCallAndAreCopied) {
     EXPECT_EQ(bicubic_.bicubicGrey12Grey12(src, dst, trafo, 0, true, false), 255);
     const Fields expected{32768, 0,  0,  32768, -10 * 65536, 10 * 65536, 10 * 65536, 20 * 65536,
                           13,    40, 40, 47,    7,           10,         20};
-    EXPECT_EQ(fieldsOf(bicubic_), expected);
+    EXPECT_EQ(fieldsOf<15>(bicubic_), expected);
     const CCsBicubic copy(bicubic_);
-    EXPECT_EQ(fieldsOf(copy), expected);
+    EXPECT_EQ(fieldsOf<15>(copy), expected);
     CCsBicubic assigned;
     assigned = copy;
-    EXPECT_EQ(fieldsOf(assigned), expected);
+    EXPECT_EQ(fieldsOf<15>(assigned), expected);
 }
 
 TEST_F(CCsBicubicTest, TheWeightsAreThoseOfCubicConvolution) {
@@ -205,33 +199,6 @@ TEST_F(CCsBicubicTest, TheAbortFlagCountsUnlessItIsIgnored) {
               std::vector{zoltest::statedReport(L"bicubicGrey12Grey12", zoltest::Problem::Type)});
 }
 
-TEST_F(CCsBicubicTest, AStopDuringACallIsSeenBeforeTheNextPixel) {
-    // The map is asked for its table when the call has begun.
-    class StoppingMap : public zoltest::TableMap {
-    public:
-        explicit StoppingMap(CCsBicubic& bicubic) : bicubic_(bicubic) {}
-        void copyLut(unsigned int** dst) override {
-            bicubic_.setAbortFlag(1);
-            TableMap::copyLut(dst);
-        }
-
-    private:
-        CCsBicubic& bicubic_;
-    };
-    StoppingMap map(bicubic_);
-    GuardedRaster src(4, 4, CCS_GREY12, 4, 1.0);
-    GuardedImage dst(4, 4, CCS_RGB8, 4, 1.0);
-    const std::vector<unsigned char> before = dst.memory.all();
-    CCs2dTrafo trafo;
-    EXPECT_EQ(bicubic_.bicubicGrey12IndexMap(src, dst, trafo, &map, nullptr, 9), 0);
-    EXPECT_EQ(dst.memory.all(), before);
-    std::vector<unsigned char> padding(2, 0xFF);
-    bicubic_.setAbortFlag(0);
-    EXPECT_EQ(bicubic_.bicubicGrey12IndexMap(src, dst, trafo, &map, padding.data(), 9), 0);
-    EXPECT_EQ(dst.memory.all(), before);
-    EXPECT_TRUE(ReportCapture::take().empty());
-}
-
 TEST_F(CCsBicubicTest, NothingBesideThePixelsIsRead) {
     // The raster's memory ends with its pixels; the address sanitizer watches.
     for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 3}, std::pair{3, 1}, std::pair{2, 2}}) {
@@ -246,26 +213,6 @@ TEST_F(CCsBicubicTest, NothingBesideThePixelsIsRead) {
     }
 }
 
-TEST_F(CCsBicubicTest, SourcesWithoutPixelsAndViewsThatAreNotFiniteGiveBackground) {
-    for (const auto& member : bicubicMembers()) {
-        CCsRaster empty(0, 0, member.sourceType, 1.0, false, false);
-        GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
-        GuardedImage blank(9, 7, member.destinationType, 10, 1.0);
-        const double beside[6] = {1, 0, 0, 1, 1000, 1000};
-        member.draw(beside, pixelsOf(src), pixelsOf(blank));
-        GuardedImage dst(9, 7, member.destinationType, 10, 1.0);
-        CCs2dTrafo plain;
-        EXPECT_EQ(member.call(bicubic_, empty, dst, plain), 255);
-        EXPECT_TRUE(dst.memory.all() == blank.memory.all());
-        GuardedImage other(9, 7, member.destinationType, 10, 1.0);
-        CCs2dTrafo broken;
-        broken.scale(std::numeric_limits<double>::quiet_NaN());
-        EXPECT_EQ(member.call(bicubic_, src, other, broken), 255);
-        EXPECT_TRUE(other.memory.all() == blank.memory.all());
-    }
-    EXPECT_TRUE(zoltest::reportsOf(bicubicModule).empty());
-}
-
 // In a process of its own: afterwards nothing can be drawn. What unload does must not free the tables again.
 TEST(CCsBicubicDeathTest, TheWeightsAreFreedOnce) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -278,18 +225,25 @@ TEST(CCsBicubicDeathTest, TheWeightsAreFreedOnce) {
         ::testing::ExitedWithCode(0), "");
 }
 
-}  // namespace
+TEST(CCsBicubicMembers, ShowBackgroundAloneWithoutPixelsOrAFiniteView) {
+    zoltest::expectBackgroundOnly(bicubicMembers(), bicubicModule);
+}
 
 TEST(CCsBicubicMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bicubicMembers()); }
 
 TEST(CCsBicubicMembers, ReportFailuresAndUnlockBothImages) { zoltest::expectStatedFailures(bicubicMembers()); }
 
-TEST(CCsBicubicMembers, ReportAMapThatThrows) {
-    zoltest::expectThrowingMapReported<CCsBicubic>(
-        [](CCsBicubic& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
-           unsigned char background) { return b.bicubicGrey12IndexMap(s, d, t, map, padding, background); },
-        L"bicubicGrey12IndexMap");
+/// The member that draws through a map.
+int drawMapped(CCsBicubic& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
+               unsigned char background) {
+    return b.bicubicGrey12IndexMap(s, d, t, map, padding, background);
 }
+
+TEST(CCsBicubicMembers, ReportAMapThatThrows) {
+    zoltest::expectThrowingMapReported<CCsBicubic>(drawMapped, L"bicubicGrey12IndexMap");
+}
+
+TEST(CCsBicubicMembers, StopWhenTheMapAsks) { zoltest::expectStoppedByTheMap<CCsBicubic>(drawMapped); }
 
 TEST(CCsBicubicMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bicubicMembers()); }
 
@@ -304,3 +258,5 @@ TEST(CCsBicubicMembers, StopWhenAnotherThreadAsks) {
     zolcs::SpanOperations::choose("plain");
     zoltest::expectStoppedByAnotherThread(bicubicMembers(), 11.0);
 }
+
+}  // namespace

@@ -13,20 +13,13 @@ namespace {
 using zoltest::bilinearMembers;
 using zoltest::bilinearModule;
 using zoltest::CapabilityGuard;
+using zoltest::fieldsOf;
 using zoltest::GuardedImage;
 using zoltest::GuardedRaster;
 using zoltest::pixelsOf;
 using zoltest::ReportCapture;
 
 static_assert(std::is_polymorphic_v<CCsBilinear>);
-
-static_assert(sizeof(CCsBilinear) == (sizeof(void*) + 13 * 4 + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*));
-
-std::array<std::int32_t, 13> fieldsOf(const CCsBilinear& bilinear) {
-    std::array<std::int32_t, 13> fields{};
-    std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&bilinear) + sizeof(void*), sizeof fields);
-    return fields;
-}
 
 unsigned grey(GuardedImage& image, int x, int y) { return zolref::load16(zolref::pixelAt(pixelsOf(image), x, y)); }
 
@@ -53,7 +46,7 @@ protected:
     CCsBilinear bilinear_;
 };
 
-TEST_F(CCsBilinearTest, AFreshObjectIsNotAskedToStop) { EXPECT_EQ(fieldsOf(CCsBilinear())[12], 0); }
+TEST_F(CCsBilinearTest, AFreshObjectIsNotAskedToStop) { EXPECT_EQ(fieldsOf<13>(CCsBilinear())[12], 0); }
 
 TEST_F(CCsBilinearTest, TheFieldsHoldThePreparedCallAndAreCopied) {
     GuardedRaster src(10, 20, CCS_GREY12, 13, 1.0);
@@ -64,12 +57,12 @@ TEST_F(CCsBilinearTest, TheFieldsHoldThePreparedCallAndAreCopied) {
     EXPECT_EQ(bilinear_.bilinearGrey12Grey12(src, dst, trafo, 0, false), 255);
     const std::array<std::int32_t, 13> expected{32768,      0,  0,  32768, -10 * 65536, 10 * 65536, 10 * 65536,
                                                 20 * 65536, 13, 40, 40,    47,          7};
-    EXPECT_EQ(fieldsOf(bilinear_), expected);
+    EXPECT_EQ(fieldsOf<13>(bilinear_), expected);
     const CCsBilinear copy(bilinear_);
-    EXPECT_EQ(fieldsOf(copy), expected);
+    EXPECT_EQ(fieldsOf<13>(copy), expected);
     CCsBilinear assigned;
     assigned = copy;
-    EXPECT_EQ(fieldsOf(assigned), expected);
+    EXPECT_EQ(fieldsOf<13>(assigned), expected);
 }
 
 TEST_F(CCsBilinearTest, AnIdentityViewCopiesExactlyOnThePlainPath) {
@@ -232,68 +225,28 @@ TEST_F(CCsBilinearTest, NothingBehindTheLastPixelIsRead) {
     }
 }
 
-TEST_F(CCsBilinearTest, SourcesWithoutPixelsAndViewsThatAreNotFiniteGiveBackground) {
-    for (const auto& member : bilinearMembers()) {
-        for (const int capability : {0, 1}) {
-            const CapabilityGuard guard(capability);
-            CCsRaster empty(0, 0, member.sourceType, 1.0, false, false);
-            GuardedRaster src(5, 5, member.sourceType, 5, 1.0);
-            GuardedImage blank(9, 7, member.destinationType, 10, 1.0);
-            const double beside[6] = {1, 0, 0, 1, 1000, 1000};
-            member.draw(beside, pixelsOf(src), pixelsOf(blank));
-            GuardedImage dst(9, 7, member.destinationType, 10, 1.0);
-            CCs2dTrafo plain;
-            EXPECT_EQ(member.call(bilinear_, empty, dst, plain), 255);
-            EXPECT_TRUE(dst.memory.all() == blank.memory.all());
-            GuardedImage other(9, 7, member.destinationType, 10, 1.0);
-            CCs2dTrafo broken;
-            broken.scale(std::numeric_limits<double>::quiet_NaN());
-            EXPECT_EQ(member.call(bilinear_, src, other, broken), 255);
-            EXPECT_TRUE(other.memory.all() == blank.memory.all());
-        }
+TEST(CCsBilinearMembers, ShowBackgroundAloneWithoutPixelsOrAFiniteView) {
+    for (const int capability : {0, 1}) {
+        const CapabilityGuard guard(capability);
+        zoltest::expectBackgroundOnly(bilinearMembers(), bilinearModule);
     }
-    EXPECT_TRUE(zoltest::reportsOf(bilinearModule).empty());
 }
-
-TEST_F(CCsBilinearTest, AStopDuringACallIsSeenAtTheNextRow) {
-    // The map is asked for its table when the call has begun.
-    class StoppingMap : public zoltest::TableMap {
-    public:
-        explicit StoppingMap(CCsBilinear& bilinear) : bilinear_(bilinear) {}
-        void copyLut(unsigned int** dst) override {
-            bilinear_.setAbortFlag(1);
-            TableMap::copyLut(dst);
-        }
-
-    private:
-        CCsBilinear& bilinear_;
-    };
-    StoppingMap map(bilinear_);
-    GuardedRaster src(4, 4, CCS_GREY12, 4, 1.0);
-    GuardedImage dst(4, 4, CCS_RGB8, 4, 1.0);
-    const std::vector<unsigned char> before = dst.memory.all();
-    CCs2dTrafo trafo;
-    EXPECT_EQ(bilinear_.bilinearGrey12IndexMap(src, dst, trafo, &map, false, nullptr, 9), 0);
-    EXPECT_EQ(dst.memory.all(), before);
-    std::vector<unsigned char> padding(2, 0xFF);
-    bilinear_.setAbortFlag(0);
-    EXPECT_EQ(bilinear_.bilinearGrey12IndexMap(src, dst, trafo, &map, false, padding.data(), 9), 0);
-    EXPECT_EQ(dst.memory.all(), before);
-    EXPECT_TRUE(ReportCapture::take().empty());
-}
-
-}  // namespace
 
 TEST(CCsBilinearMembers, TakeTheStatedTypesOnly) { zoltest::expectStatedTypes(bilinearMembers()); }
 
 TEST(CCsBilinearMembers, ReportFailuresAndUnlockBothImages) { zoltest::expectStatedFailures(bilinearMembers()); }
 
-TEST(CCsBilinearMembers, ReportAMapThatThrows) {
-    zoltest::expectThrowingMapReported<CCsBilinear>(
-        [](CCsBilinear& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
-           unsigned char background) { return b.bilinearGrey12IndexMap(s, d, t, map, false, padding, background); },
-        L"bilinearGrey12IndexMap");
+/// The member that draws through a map.
+int drawMapped(CCsBilinear& b, CCsRaster& s, CCsImage& d, CCs2dTrafo& t, IMap* map, unsigned char* padding,
+               unsigned char background) {
+    return b.bilinearGrey12IndexMap(s, d, t, map, false, padding, background);
 }
+
+TEST(CCsBilinearMembers, ReportAMapThatThrows) {
+    zoltest::expectThrowingMapReported<CCsBilinear>(drawMapped, L"bilinearGrey12IndexMap");
+}
+
+TEST(CCsBilinearMembers, StopWhenTheMapAsks) { zoltest::expectStoppedByTheMap<CCsBilinear>(drawMapped); }
 
 TEST(CCsBilinearMembers, RefuseToBeginWhenStopped) { zoltest::expectRefusedWhenStopped(bilinearMembers()); }
 
@@ -308,3 +261,5 @@ TEST(CCsBilinearMembers, StopWhenAnotherThreadAsks) {
     zolcs::SpanOperations::choose("plain");
     zoltest::expectStoppedByAnotherThread(bilinearMembers(), 11.0);
 }
+
+}  // namespace

@@ -236,6 +236,23 @@ TEST_F(CCsEdgeEnhancementTest, BoxesFarBeyondAnyImageCopy) {
     }
 }
 
+TEST_F(CCsEdgeEnhancementTest, TheSourcesTypeSaysHowFinelyTheMeanIsScaled) {
+    // A mean of 1/81 with strength -1: -(1024 / 81) is less than 0 and rounds down to -1, -(64 / 81) is nothing.
+    for (const std::string& variant : SpanOperations::variants()) {
+        SpanOperations::choose(variant);
+        for (const int type : {CCS_GREY12, CCS_GREY16}) {
+            for (const int resultType : {CCS_GREY12, CCS_GREY16}) {
+                GuardedRaster src(9, 9, type, 9, 1);
+                GuardedRaster dst(9, 9, resultType, 9, 1);
+                fillGrey(src, 0);
+                setGrey(src, 4, 4, 1);
+                ASSERT_EQ(enhancement_.edgeEnhancementGrey12(src, dst, 9, -1, 11), 255);
+                EXPECT_EQ(grey(dst, 4, 4), type == CCS_GREY12 ? 1U : 0U) << variant << ' ' << type << ' ' << resultType;
+            }
+        }
+    }
+}
+
 TEST_F(CCsEdgeEnhancementTest, BoxOneWithoutStrengthCopies) {
     Random random(45);
     GuardedRaster src(40, 9, CCS_GREY12, 44, 1);

@@ -21,6 +21,7 @@
 namespace {
 
 using zolcs::SpanOperations;
+using zoltest::fieldsOf;
 using zoltest::forEachVariant;
 using zoltest::GuardedImage;
 using zoltest::GuardedRaster;
@@ -32,8 +33,6 @@ using zoltest::RuledRaster;
 using zoltest::TableMap;
 
 static_assert(std::is_polymorphic_v<CCsNearest>);
-static_assert(sizeof(CCsNearest) == sizeof(void*) + 12 * sizeof(std::int32_t));
-
 class CCsNearestTest : public ::testing::Test {
 protected:
     ~CCsNearestTest() override { SpanOperations::choose(""); }
@@ -43,16 +42,7 @@ protected:
 };
 
 TEST_F(CCsNearestTest, EveryFieldIsMinusOneAfterConstruction) {
-    const CCsNearest fresh;
-    std::array<std::int32_t, 12> fields{};
-    std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&fresh) + sizeof(void*), sizeof fields);
-    for (const std::int32_t field : fields) EXPECT_EQ(field, -1);
-}
-
-std::array<std::int32_t, 12> fieldsOf(const CCsNearest& nearest) {
-    std::array<std::int32_t, 12> fields{};
-    std::memcpy(fields.data(), reinterpret_cast<const unsigned char*>(&nearest) + sizeof(void*), sizeof fields);
-    return fields;
+    for (const std::int32_t field : fieldsOf<12>(CCsNearest())) EXPECT_EQ(field, -1);
 }
 
 TEST_F(CCsNearestTest, TheFieldsHoldThePreparedCallAndAreCopied) {
@@ -64,12 +54,12 @@ TEST_F(CCsNearestTest, TheFieldsHoldThePreparedCallAndAreCopied) {
     // Two display pixels per source pixel; the image's centre (5, 10) lies at (20 + 10, 20 - 20).
     const std::array<std::int32_t, 12> expected{32768,      0,          0,  32768, -10 * 65536, 10 * 65536,
                                                 10 * 65536, 20 * 65536, 13, 40,    40,          47};
-    EXPECT_EQ(fieldsOf(nearest_), expected);
+    EXPECT_EQ(fieldsOf<12>(nearest_), expected);
     const CCsNearest copy(nearest_);
-    EXPECT_EQ(fieldsOf(copy), expected);
+    EXPECT_EQ(fieldsOf<12>(copy), expected);
     CCsNearest assigned;
     assigned = copy;
-    EXPECT_EQ(fieldsOf(assigned), expected);
+    EXPECT_EQ(fieldsOf<12>(assigned), expected);
 }
 
 TEST_F(CCsNearestTest, FieldsSaturateWhereThirtyTwoBitsAreTooFew) {
@@ -79,7 +69,7 @@ TEST_F(CCsNearestTest, FieldsSaturateWhereThirtyTwoBitsAreTooFew) {
     trafo.scale(0.2);
     trafo.setDspPanFactor(1e6, -1e6);
     EXPECT_EQ(nearest_.nearestGrey12Grey12(src, dst, trafo, 0, false), 255);
-    const auto fields = fieldsOf(nearest_);
+    const auto fields = fieldsOf<12>(nearest_);
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     EXPECT_EQ(fields[0], most);

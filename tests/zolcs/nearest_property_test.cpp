@@ -4,8 +4,7 @@
 #include "reference/nearest_reference.h"
 #include "reference/random_shutters.h"
 #include "reference/random_views.h"
-#include "support/report_capture.h"
-#include "support/test_data.h"
+#include "support/resampler_members.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsnearest.h"
 
@@ -25,57 +24,10 @@ using zoltest::GuardedImage;
 using zoltest::GuardedMemory;
 using zoltest::GuardedRaster;
 using zoltest::Matrix;
+using zoltest::pixelsOf;
 using zoltest::Random;
 using zoltest::ReportCapture;
-
-/// The same 65536 random pixels at every call.
-const std::vector<unsigned int>& randomTable() {
-    static const std::vector<unsigned int> table = [] {
-        Random random(20240200);
-        std::vector<unsigned int> made(65536);
-        for (unsigned int& entry : made) entry = static_cast<unsigned int>(random.bits() >> 16);
-        return made;
-    }();
-    return table;
-}
-
-/// A grey map that is nothing but the values a test gives it.
-class TableMap : public IGreyMap {
-public:
-    std::vector<unsigned int> table = randomTable();
-    unsigned int* planes = nullptr;
-    unsigned int* groups = nullptr;
-    bool on = true;
-
-    void setColorMapIndex(CCsColorMapT*) override {}
-    int mapRaster(CCsRaster&, CCsImage&, RECT, bool, unsigned char*, CCs2dTrafo*) override { return 0; }
-    void* getLut() override { return table.data(); }
-    int setWindow(unsigned int, int) override { return 255; }
-    IMap* clone() override { return nullptr; }
-    int allocateLut() override { return 255; }
-    int setNonLinearLut(const unsigned short*, unsigned int, int, bool) override { return 255; }
-    void setIndexRemap(const unsigned char*) override {}
-    int setPresentationLut(const unsigned short*, unsigned int, int) override { return 255; }
-    int getWindowedNonLinearLut(unsigned short**, unsigned int*, unsigned int*, bool) override { return 0; }
-    void setEnabled(bool value) override { on = value; }
-    bool isEnabled() override { return on; }
-    void clearNonLinearLut() override {}
-    void copyLut(unsigned int** dst) override { std::memcpy(*dst, table.data(), 0x40000); }
-    void enableSigmoid() override {}
-    void setSigmoidBits(int) override {}
-    void setExactNonLinearWindow(bool) override {}
-    unsigned short getNonLinearShift() override { return 0; }
-    unsigned int applyPresentationLut(unsigned int value, unsigned int) override { return value; }
-    bool hasPresentationLut() override { return false; }
-    void setOverlayColors(unsigned int* planeColors, unsigned int* groupColors) override {
-        planes = planeColors;
-        groups = groupColors;
-    }
-    std::pair<unsigned int*, unsigned int*> getOverlayColors() override { return {planes, groups}; }
-    void releaseLut() override {}
-    void setMapFlags(int) override {}
-    int getMapFlags() override { return 0; }
-};
+using zoltest::TableMap;
 
 double anyRatio(Random& random) {
     switch (random.integer(0, 9)) {
@@ -120,15 +72,6 @@ Sizes anySizes(Random& random) {
 }
 
 int anyPitch(Random& random, int width) { return width + (random.chance(0.3) ? 0 : random.integer(1, 9)); }
-
-Pixels pixelsOf(GuardedImage& image) {
-    return {image.memory.pixels(), image.getWidth(), image.getHeight(), image.getPitch(),
-            zoltest::bytesOfType(image.getType())};
-}
-Pixels pixelsOf(GuardedRaster& image) {
-    return {image.memory.pixels(), image.getWidth(), image.getHeight(), image.getPitch(),
-            zoltest::bytesOfType(image.getType())};
-}
 
 /// The restated call works on a copy of the destination's memory, which then has to equal what the library left.
 struct Expected {
@@ -426,12 +369,11 @@ std::string compareGrey(Random& random, bool borders) {
     zoltest::applyShutters(shutters.shutters, src);
 
     TableMap map;
-    std::vector<unsigned int> planeColours(16), groupColours(16);
-    for (unsigned int& colour : planeColours) colour = static_cast<unsigned int>(random.bits() >> 16);
-    for (unsigned int& colour : groupColours) colour = static_cast<unsigned int>(random.bits() >> 16);
-    if (!random.chance(0.15)) map.planes = planeColours.data();
-    if (!random.chance(0.15)) map.groups = groupColours.data();
-    map.on = !random.chance(0.15);
+    for (unsigned int& colour : map.planeColours) colour = static_cast<unsigned int>(random.bits() >> 16);
+    for (unsigned int& colour : map.groupColours) colour = static_cast<unsigned int>(random.bits() >> 16);
+    map.hasPlaneColours = !random.chance(0.15);
+    map.hasGroupColours = !random.chance(0.15);
+    map.enabled = !random.chance(0.15);
     const MapKind kind = random.chance(0.9) ? MapKind::table : (random.chance(0.5) ? MapKind::none : MapKind::colour);
     const std::unique_ptr<IMap> colourMap(kind == MapKind::colour ? MapFactory::CreateMap(MapFactory::Rgb8) : nullptr);
     const std::vector<std::uint32_t> zeros(65536);
@@ -444,10 +386,10 @@ std::string compareGrey(Random& random, bool borders) {
     zolref::GreyView view;
     view.twelveBit = srcType == CCS_GREY12;
     view.greyMap = kind == MapKind::table;
-    view.enabled = map.on;
-    view.table = kind == MapKind::table ? map.table.data() : zeros.data();
-    view.planeColours = map.planes;
-    view.groupColours = map.groups;
+    view.enabled = map.enabled;
+    view.table = kind == MapKind::table ? zoltest::sharedMapTable().data() : zeros.data();
+    if (map.hasPlaneColours) view.planeColours = map.planeColours.data();
+    if (map.hasGroupColours) view.groupColours = map.groupColours.data();
     view.shutters = shutters.shutters;
     view.padding = padding.empty() ? nullptr : padding.data();
     view.background = static_cast<unsigned char>(random.bits());
@@ -473,8 +415,8 @@ std::string compareGrey(Random& random, bool borders) {
     std::ostringstream out;
     out << difference << '\n'
         << textOfImages(src, dst, matrix) << '\n'
-        << shutters << "\nmap kind " << static_cast<int>(kind) << " enabled " << map.on << " plane colours "
-        << (map.planes != nullptr) << " group colours " << (map.groups != nullptr) << " padding " << (!padding.empty())
+        << shutters << "\nmap kind " << static_cast<int>(kind) << " enabled " << map.enabled << " plane colours "
+        << map.hasPlaneColours << " group colours " << map.hasGroupColours << " padding " << (!padding.empty())
         << " background " << int{view.background};
     return out.str();
 }

@@ -229,6 +229,37 @@ TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
     EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
 }
 
+TEST(PixelRulesTest, PositionsThatRoundUpReachAPlanesFirstColumnAndRow) {
+    // 300 * 65536 - 1 needs 25 bits: in single precision it lies on pixel 300.
+    constexpr zolcs::Fixed16 justBefore = 300 * fixed16One - 1;
+    zoltest::Random random(37);
+    TableMap map;
+    std::vector<unsigned char> bits(20, 0xFF);
+    for (const bool across : {true, false}) {
+        RuledRaster source =
+            zoltest::makeRuledRaster(random, across ? 400 : 12, across ? 12 : 400, CCS_GREY12, 1.0, {});
+        CCs60XXOverlay plane;
+        plane.originX = across ? 301 : 3;
+        plane.originY = across ? 3 : 301;
+        plane.rows = 8;
+        plane.columns = 9;
+        plane.data = bits.data();
+        source.raster->add60XXOverlayInfo(plane);
+        const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20));
+        PixelRuns runs;
+        for (const zolcs::Fixed16 before : {justBefore, justBefore - 1}) {
+            const zolcs::Fixed16 inside = 4 * fixed16One;
+            const SourceLine line{across ? before : inside, across ? inside : before, 3, 5};
+            rules.cut(line, {0, 1}, runs);
+            const bool shows = before == justBefore;
+            const PixelRun expected{0, 1, shows ? PixelRun::Shows::Plane : PixelRun::Shows::Image,
+                                    shows ? map.groupColours[0] : 0};
+            ASSERT_EQ(runs.end() - runs.begin(), 1);
+            EXPECT_TRUE(*runs.begin() == expected) << before;
+        }
+    }
+}
+
 TEST(PixelRulesTest, CirclesAndPolygonsOnVeryLargeSources) {
     zoltest::Random random(36);
     PixelRuns runs;

@@ -130,4 +130,25 @@ TEST(QuarterTurns, MovePixelsOfTallDisplays) {
     }
 }
 
+// So far zoomed in that whole strips show one row of the source: what is kept of a row is kept for one piece.
+TEST(QuarterTurns, PiecesOfTallDisplaysAreFilledAnew) {
+    const zoltest::CapabilityGuard plain(0);
+    zoltest::Random random(20261123);
+    const std::uint64_t seed = random.bits();
+    for (const Member& member : members()) {
+        std::vector<std::uint32_t> expected;
+        zoltest::forEachVariant([&](const std::string& variant) {
+            SCOPED_TRACE(std::string(member.name) + " " + variant);
+            zoltest::Random pixels(seed);
+            GuardedRaster image(33, 2, member.type, 35, 1.0);
+            image.memory.randomise(pixels);
+            GuardedRaster display(80, 1320, member.type, 81, 1.0);
+            CCs2dTrafo trafo(0.0, -1.0, 0.0, 1.0, 0.0, 0.0);
+            ASSERT_EQ(member.draw(image, display, trafo), 255);
+            if (variant == "plain") expected = pixelsOf(display);
+            EXPECT_TRUE(pixelsOf(display) == expected);
+        });
+    }
+}
+
 }  // namespace
