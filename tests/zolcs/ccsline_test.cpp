@@ -1014,6 +1014,14 @@ TEST(CCsLineReshape, ADragElsewhereLetsGoOfTheCorner) {
     EXPECT_EQ(displayOf(line), (Numbers{10, 10, 80, 10, 80, 80, 10, 80}));
     line.moveSquare(nullptr, 1, 1, 46, 46, nullptr);  // from (45, 45): the inside
     EXPECT_EQ(displayOf(line), (Numbers{11, 11, 81, 11, 81, 81, 11, 81}));
+    // Also from straight above, or straight beside, where the corner was left.
+    for (const CPoint from : {CPoint(80, 40), CPoint(45, 50)}) {
+        OpenLine other = rectangle(10, 10, 50, 50);
+        other.select();
+        other.moveSquare(nullptr, 30, 0, 80, 50, nullptr);
+        other.moveSquare(nullptr, 1, 1, from.x + 1, from.y + 1, nullptr);
+        EXPECT_EQ(displayOf(other), (Numbers{11, 11, 81, 11, 81, 81, 11, 81})) << from.x;
+    }
 }
 
 TEST(CCsLineReshape, ACirclesCornerChangesTheRadius) {
@@ -1076,6 +1084,9 @@ TEST(CCsLineReshape, JoinsTheAreasBeforeAndAfter) {
     CCsRegion region;
     line.moveRectangle(nullptr, 50, 40, 100, 120, &region);
     EXPECT_EQ(of(region), (Numbers{7, 17, 97, 107}));
+    CCsRegion shrinking;
+    line.moveRectangle(nullptr, -50, -40, 50, 80, &shrinking);
+    EXPECT_EQ(of(shrinking), (Numbers{7, 17, 97, 107}));
 }
 
 using zoltest::Random;
