@@ -691,6 +691,9 @@ TEST(CCsLinePick, NotWhileThePickFlagIsOff) {
     EXPECT_EQ(line.pick(50, 0), &line);
     line.setGroupPickFlag(0);
     EXPECT_EQ(line.pick(50, 0), nullptr);
+    line.setExternalStatus_(true);
+    line.setGroupPickFlag(-1);  // the flag alone counts
+    EXPECT_EQ(line.pick(50, 0), &line);
 }
 
 /// Whether (x, y) is within 4 pixels of a segment and of its ends, in whole numbers: no root, no rounding.
