@@ -74,8 +74,9 @@ public:
 
     /// Stretches the frame over the page, pageWidth by pageHeight device units at (left, top), as large as it gets with
     /// its larger extent in the larger extent there, then draws the overlays with `mode`. Without a transformation no
-    /// overlay is drawn. Overlays are told the area as size and offsets. Text is drawn with `font`, where it is given,
-    /// in white in mode 2 and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
+    /// overlay is drawn. Overlays are told the area as size and offsets, so that texts lie lower by its top: a page
+    /// whose area begins at 0 has them in their place. Text is drawn with `font`, where it is given, in white in mode 2
+    /// and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
     ///
     /// 255; or 0 when the stretch mode cannot be set (reported with the result as number) or no line can be brought out
     /// (reported with -1). Leaves the pixels locked once more.

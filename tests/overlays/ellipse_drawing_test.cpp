@@ -162,6 +162,22 @@ TEST_F(EllipseDrawing, TurnsAndMirrorsWithTheView) {
     EXPECT_EQ(drawn(angular, {&doubled, nullptr, 1}), ellipse(turned(200, 200, "1 0 0 1 0 0", 50, 160)));
 }
 
+TEST_F(EllipseDrawing, OnlyTheScreenAndModeFourTakeTheRectangleOfAnAngularOneAlong) {
+    CCsEllipse angular(&view, CCsPointDouble(100, 100), CCsPointDouble(180, 100), CCsPointDouble(140, 75),
+                       CCsPointDouble(140, 125));
+    CCs2dTrafo doubled = zoomedView(1.0);
+    const auto rectangleAfter = [&](int m) {
+        drawn(angular, {&doubled, nullptr, m});
+        CCsPoint first;
+        CCsPoint second;
+        angular.getEndPts(first, second);
+        angular.imgToDsp(&view);
+        return std::vector<int>{first.x, first.y, second.x, second.y};
+    };
+    for (const int m : {2, 3}) EXPECT_EQ(rectangleAfter(m), (std::vector<int>{100, 75, 180, 125})) << m;
+    for (const int m : {1, 4}) EXPECT_EQ(rectangleAfter(m), (std::vector<int>{200, 150, 360, 250})) << m;
+}
+
 TEST_F(EllipseDrawing, TheWorldsAxisPointsWhereTheViewPutsTheAxis) {
     zoltest::Random random(3);
     for (int i = 0; i < 200; ++i) {
@@ -254,10 +270,14 @@ TEST_F(EllipseDrawing, NothingAtAll) {
     const unsigned int before = zoltest::gdiObjectCount();
     plain.setColorFilled(7);
     plain.select(unused);
-    plain.render(&view, &output, 0, nullptr, 1, 64, 64, 0, 0);
     CCsEllipse angular(&view, CCsPointDouble(100, 100), CCsPointDouble(180, 100), CCsPointDouble(140, 75),
                        CCsPointDouble(140, 125));
-    angular.render(&view, &output, 0, nullptr, 1, 64, 64, 0, 0);
+    const HDC gone = CreateCompatibleDC(nullptr);
+    DeleteDC(gone);
+    for (const HDC wrong : {static_cast<HDC>(nullptr), gone}) {
+        plain.render(&view, &output, 0, wrong, 1, 64, 64, 0, 0);
+        angular.render(&view, &output, 0, wrong, 1, 64, 64, 0, 0);
+    }
     EXPECT_EQ(zoltest::gdiObjectCount(), before);
 }
 

@@ -201,8 +201,12 @@ TEST_F(TextDrawing, NothingAtAll) {
     const unsigned int before = zoltest::gdiObjectCount();
     CCsText fixed(nullptr, 10, 20, L"ROI", 2, false);
     setHostFont();
-    fixed.render(&view, &output, 0, nullptr, 1, 64, 64, 0, 0);
-    fixed.render(&view, &output, 0, nullptr, CCsImageTextFont::Large, 1, 64, 64, 0, 0);
+    const HDC gone = CreateCompatibleDC(nullptr);
+    DeleteDC(gone);
+    for (const HDC wrong : {static_cast<HDC>(nullptr), gone}) {
+        fixed.render(&view, &output, 0, wrong, 1, 64, 64, 0, 0);
+        fixed.render(&view, &output, 0, wrong, CCsImageTextFont::Large, 1, 64, 64, 0, 0);
+    }
     EXPECT_EQ(zoltest::gdiObjectCount(), before);
 }
 
@@ -243,6 +247,40 @@ TEST_F(TextDrawing, FontTypesDeriveFromTheHostsFont) {
     EXPECT_EQ(drawnWith(-20, CCsImageTextFont::Bold), expected("-20 400", "-20 700"));
     EXPECT_EQ(drawnWith(-20, static_cast<CCsImageTextFont::CCsImageTextFontType>(9)),
               drawnWith(-20, CCsImageTextFont::Plain));
+}
+
+TEST_F(TextDrawing, LargeMultipliesInSinglePrecision) {
+    setHostFont();
+    CCsText blank(nullptr, 10, 20, L" ", 0, false);
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) {
+        recorder.hostFont = 0x1000001;  // whose last bit does not fit
+        recorder.failing = "create font 25165824";
+    };
+    const std::string all = drawnAs(blank, CCsImageTextFont::Large, rendering);
+    EXPECT_NE(all.find("fail to create font 25165824 400\n"), std::string::npos) << all;
+}
+
+TEST_F(TextDrawing, TheHostsFontIsReadEachTime) {
+    setHostFont();
+    CCsText text(nullptr, 10, 20, L"ROI", 0, false);
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) { recorder.hostFont = 0; };
+    EXPECT_NE(drawn(text, rendering).find("face DejaVu Sans width 9\n"), std::string::npos);
+    width = 12;
+    myCSFontName = L"Another Face";
+    EXPECT_NE(drawn(text, rendering).find("face Another Face width 12\n"), std::string::npos);
+}
+
+TEST_F(TextDrawing, AFontThatCannotBeMeasuredHasTheUsualShape) {
+    setHostFont();
+    CCsText text(nullptr, 10, 20, L"ROI", 0, false);
+    Rendering rendering = screen();
+    rendering.prepare = [](GdiRecorder& recorder) { recorder.failing = "create device context"; };
+    EXPECT_EQ(drawn(text, rendering),
+              "font for \"ROI\" type 32 face DejaVu Sans width 9\nfail to create device context\n"
+              "create font -20 400\nselect font -20 400\n" +
+                  haloed("ROI", 10, 20) + "select caller's font\ndelete font -20 400\n");
 }
 
 TEST_F(TextDrawing, WithoutADerivedFontTheHostsIsUsed) {

@@ -545,6 +545,12 @@ TEST(CCsEllipseConversions, AZoomOutAndTheEndOfAnothersDragDoNotChangeIt) {
     EXPECT_EQ(displayOf(*ellipse), (Numbers{264, 246, 284, 259}));
     ellipse->dspToImg(&zoomedOut);
     EXPECT_EQ(imageOf(*ellipse), (Numbers{image[2] + 40, image[1] - 56, image[0] + 40 + 33 * 8, image[3] - 56}));
+    ellipse->grabbedHandle = 3;
+    const Numbers turnedOver = imageOf(*ellipse);
+    ellipse->move(&zoomedOut, 0, -33, 0, 0, nullptr);
+    EXPECT_EQ(displayOf(*ellipse), (Numbers{264, 226, 284, 246}));
+    ellipse->dspToImg(&zoomedOut);
+    EXPECT_EQ(imageOf(*ellipse), (Numbers{turnedOver[0], turnedOver[3] - 33 * 8, turnedOver[2], turnedOver[1]}));
     // New corners are whole pixels.
     ellipse->setPts(&zoomedOut, CCsPoint(240, 248), CCsPoint(256, 264));
     EXPECT_EQ(imageOf(*ellipse), (Numbers{0, 64, 128, 192}));

@@ -5,6 +5,7 @@
 #include "support/vtable_slots.h"
 
 #include "zolcs/ccsgroup.h"
+#include "zolcs/ccsline.h"
 
 #include <cstddef>
 #include <limits>
@@ -19,6 +20,8 @@ using zoltest::quarterTurnedView;
 using zoltest::zoomedView;
 
 static_assert(!std::is_copy_assignable_v<CCsText>);
+static_assert(CCsImageTextFont::Plain == 0 && CCsImageTextFont::Large == 1 && CCsImageTextFont::LargerBold == 2 &&
+              CCsImageTextFont::Bold == 3);
 
 /// A text that shows its fields.
 class OpenText : public CCsText {
@@ -290,6 +293,16 @@ TEST(CCsTextSize, OverwritesTheRectangle) {
     OpenText text(&view, 16, 32, L"note", 0, false);
     RECT rect{-5, -6, 700, 800};
     text.getSize(rect);
+    EXPECT_EQ((std::vector<LONG>{rect.left, rect.top, rect.right, rect.bottom}), (std::vector<LONG>{16, 32, 0, 0}));
+}
+
+TEST(CCsTextSize, OverwritesWhatTheGroupsEarlierMembersMade) {
+    CCs2dTrafo view = identityView();
+    CCsGroup group;
+    group.append(*new CCsLine(&view, 100, 110, 120, 130, PS_SOLID));
+    group.append(*new OpenText(&view, 16, 32, L"note", 0, false));
+    RECT rect{};
+    group.getSize(rect);
     EXPECT_EQ((std::vector<LONG>{rect.left, rect.top, rect.right, rect.bottom}), (std::vector<LONG>{16, 32, 0, 0}));
 }
 

@@ -16,6 +16,44 @@ namespace {
 
 namespace fs = std::filesystem;
 
+DOCINFOW named(const wchar_t* name) {
+    DOCINFOW info{};
+    info.cbSize = sizeof(info);
+    info.lpszDocName = name;
+    return info;
+}
+
+/// A picture that poppler has made of a page or taken out of it.
+class Ppm {
+public:
+    explicit Ppm(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        std::string magic;
+        int most = 0;
+        file >> magic >> width_ >> height_ >> most;
+        file.get();
+        bytes_.assign(std::istreambuf_iterator<char>(file), {});
+        if (magic != "P6" || bytes_.size() != static_cast<std::size_t>(width_ * height_ * 3)) width_ = height_ = 0;
+    }
+
+    /// Both 0 where there is no such picture.
+    [[nodiscard]] int width() const { return width_; }
+    [[nodiscard]] int height() const { return height_; }
+    /// 0xRRGGBB.
+    [[nodiscard]] std::uint32_t pixel(int x, int y) const {
+        const auto at = static_cast<std::size_t>((y * width_ + x) * 3);
+        const auto channel = [&](std::size_t i) {
+            return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes_[at + i]));
+        };
+        return (channel(0) << 16U) | (channel(1) << 8U) | channel(2);
+    }
+
+private:
+    int width_ = 0;
+    int height_ = 0;
+    std::string bytes_;
+};
+
 class PrinterTest : public GdiTest {
 protected:
     PrinterTest() {
@@ -41,18 +79,32 @@ protected:
         return std::system("pdfinfo -v >/dev/null 2>&1") == 0 && std::system("pdfimages -v >/dev/null 2>&1") == 0;
     }
 
+    /// Prints one page and completes its document.
+    template <typename Draw>
+    void printPage(double widthMillimetres, double heightMillimetres, int dpi, const Draw& draw) const {
+        HDC dc = ZolCreatePdfPrinterDC(file().c_str(), widthMillimetres, heightMillimetres, dpi);
+        const DOCINFOW info = named(L"page");
+        ASSERT_GT(StartDocW(dc, &info), 0);
+        EXPECT_GT(StartPage(dc), 0);
+        draw(dc);
+        EXPECT_GT(EndPage(dc), 0);
+        EXPECT_GT(EndDoc(dc), 0);
+        EXPECT_TRUE(DeleteDC(dc));
+    }
+
+    /// The page at 72 dots per inch: one dot is one pixel of the picture.
+    [[nodiscard]] Ppm rendered() const {
+        const std::string line =
+            "pdftoppm -r 72 -aa no -aaVector no '" + file() + "' '" + file("page") + "' >/dev/null 2>&1";
+        EXPECT_EQ(std::system(line.c_str()), 0);
+        return Ppm(file("page-1.ppm"));
+    }
+
     fs::path folder_;
 };
 
 #define REQUIRE_POPPLER() \
     if (!havePoppler()) GTEST_SKIP() << "pdfinfo and pdfimages (poppler-utils) are not installed"
-
-DOCINFOW named(const wchar_t* name) {
-    DOCINFOW info{};
-    info.cbSize = sizeof(info);
-    info.lpszDocName = name;
-    return info;
-}
 
 bool startsAsPdf(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -229,102 +281,51 @@ TEST_F(PrinterTest, ImagesKeepTheirOwnPixels) {
     REQUIRE_POPPLER();
     Device image(37, 21);
     fillPattern(image);
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 254.0, 254.0, 300);
-    const DOCINFOW info = named(L"image");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    EXPECT_NE(SetStretchBltMode(dc, COLORONCOLOR), 0);
-    EXPECT_EQ(
-        StretchDIBits(dc, 100, 200, 2000, 1000, 0, 0, 37, 21, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY),
-        21);
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
+    printPage(254.0, 254.0, 300, [&](HDC dc) {
+        EXPECT_NE(SetStretchBltMode(dc, COLORONCOLOR), 0);
+        EXPECT_EQ(
+            StretchDIBits(dc, 100, 200, 2000, 1000, 0, 0, 37, 21, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY),
+            21);
+    });
     const std::string list = ask("pdfimages -list", "'" + file() + "'");
     EXPECT_NE(list.find("37    21  rgb     3   8"), std::string::npos) << list;
     ASSERT_EQ(std::system(("pdfimages '" + file() + "' '" + file("image") + "'").c_str()), 0);
-    std::ifstream ppm(file("image-000.ppm"), std::ios::binary);
-    std::string magic;
-    int width = 0;
-    int height = 0;
-    int most = 0;
-    ppm >> magic >> width >> height >> most;
-    ppm.get();
-    ASSERT_EQ(magic, "P6");
-    ASSERT_EQ(width, 37);
-    ASSERT_EQ(height, 21);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const auto channel = [&] { return static_cast<std::uint32_t>(static_cast<unsigned char>(ppm.get())); };
-            const std::uint32_t red = channel();
-            const std::uint32_t green = channel();
-            const std::uint32_t blue = channel();
-            ASSERT_EQ((red << 16U) | (green << 8U) | blue, image.pixel(x, y) & 0xFFFFFFU) << x << ", " << y;
-        }
+    const Ppm picture(file("image-000.ppm"));
+    ASSERT_EQ(picture.width(), 37);
+    ASSERT_EQ(picture.height(), 21);
+    for (int y = 0; y < 21; ++y) {
+        for (int x = 0; x < 37; ++x) ASSERT_EQ(picture.pixel(x, y), image.pixel(x, y) & 0xFFFFFFU) << x << ", " << y;
     }
 }
 
-/// A page seen at 72 dots per inch: one dot is one pixel of the picture.
-class Rendered {
-public:
-    Rendered(const std::string& pdf, const std::string& stem) {
-        const std::string line = "pdftoppm -r 72 -aa no -aaVector no '" + pdf + "' '" + stem + "' >/dev/null 2>&1";
-        if (std::system(line.c_str()) != 0) return;
-        std::ifstream ppm(stem + "-1.ppm", std::ios::binary);
-        std::string magic;
-        int most = 0;
-        ppm >> magic >> width_ >> height_ >> most;
-        ppm.get();
-        bytes_.assign(std::istreambuf_iterator<char>(ppm), {});
-    }
-    [[nodiscard]] bool valid() const { return bytes_.size() == static_cast<std::size_t>(width_ * height_ * 3); }
-    [[nodiscard]] std::uint32_t pixel(int x, int y) const {
-        const auto at = static_cast<std::size_t>((y * width_ + x) * 3);
-        const auto channel = [&](std::size_t i) {
-            return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes_[at + i]));
-        };
-        return (channel(0) << 16U) | (channel(1) << 8U) | channel(2);
-    }
-
-private:
-    int width_ = 0;
-    int height_ = 0;
-    std::string bytes_;
-};
-
 TEST_F(PrinterTest, WhatIsDrawnStandsWhereItWasDrawn) {
     REQUIRE_POPPLER();
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 25.4, 25.4, 72);
-    const DOCINFOW info = named(L"places");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    Device image(2, 2);
-    image.setPixel(0, 0, 0xFF0000);
-    image.setPixel(1, 0, 0x00FF00);
-    image.setPixel(0, 1, 0x0000FF);
-    image.setPixel(1, 1, 0x00FFFF);
-    SetStretchBltMode(dc, COLORONCOLOR);
-    StretchDIBits(dc, 10, 10, 20, 20, 0, 0, 2, 2, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY);
-    StretchDIBits(dc, 59, 10, -20, 20, 0, 0, 2, 2, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY);
-    {
-        const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
-        HRGN region = CreateRectRgn(5, 40, 15, 50);
-        EXPECT_TRUE(PaintRgn(dc, region));
-        DeleteObject(region);
-        EXPECT_TRUE(PatBlt(dc, 20, 40, 10, 10, PATCOPY));
-        SelectObject(dc, GetStockObject(NULL_PEN));
-        EXPECT_TRUE(Ellipse(dc, 35, 40, 55, 60));
-    }
-    {
-        const Using pen(dc, CreatePen(PS_SOLID, 4, RGB(200, 0, 0)));
-        MoveToEx(dc, 5, 65, nullptr);
-        EXPECT_TRUE(LineTo(dc, 60, 65));
-    }
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
-    const Rendered page(file(), file("page"));
-    ASSERT_TRUE(page.valid());
+    printPage(25.4, 25.4, 72, [&](HDC dc) {
+        Device image(2, 2);
+        image.setPixel(0, 0, 0xFF0000);
+        image.setPixel(1, 0, 0x00FF00);
+        image.setPixel(0, 1, 0x0000FF);
+        image.setPixel(1, 1, 0x00FFFF);
+        SetStretchBltMode(dc, COLORONCOLOR);
+        StretchDIBits(dc, 10, 10, 20, 20, 0, 0, 2, 2, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY);
+        StretchDIBits(dc, 59, 10, -20, 20, 0, 0, 2, 2, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY);
+        {
+            const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
+            HRGN region = CreateRectRgn(5, 40, 15, 50);
+            EXPECT_TRUE(PaintRgn(dc, region));
+            DeleteObject(region);
+            EXPECT_TRUE(PatBlt(dc, 20, 40, 10, 10, PATCOPY));
+            SelectObject(dc, GetStockObject(NULL_PEN));
+            EXPECT_TRUE(Ellipse(dc, 35, 40, 55, 60));
+        }
+        {
+            const Using pen(dc, CreatePen(PS_SOLID, 4, RGB(200, 0, 0)));
+            MoveToEx(dc, 5, 65, nullptr);
+            EXPECT_TRUE(LineTo(dc, 60, 65));
+        }
+    });
+    const Ppm page = rendered();
+    ASSERT_GT(page.width(), 0);
     EXPECT_EQ(page.pixel(2, 2), 0xFFFFFFU);
     EXPECT_EQ(page.pixel(15, 15), 0xFF0000U);
     EXPECT_EQ(page.pixel(25, 15), 0x00FF00U);
@@ -344,26 +345,21 @@ TEST_F(PrinterTest, WhatIsDrawnStandsWhereItWasDrawn) {
 TEST_F(PrinterTest, FarCoordinatesKeepTheirDirection) {
     REQUIRE_POPPLER();
     constexpr int far = 130000000;
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 25.4, 25.4, 72);
-    const DOCINFOW info = named(L"far");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    {
-        const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
-        const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
-        EXPECT_TRUE(MoveToEx(dc, -far, -far, nullptr));
-        EXPECT_TRUE(LineTo(dc, far, far));
-        const POINT corners[] = {{-far, 50}, {far, 50}, {far, far}, {-far, far}};
-        EXPECT_TRUE(Polygon(dc, corners, 4));
-        const POINT curve[] = {{20, -far}, {20, -10}, {20, 10}, {20, far}};
-        EXPECT_TRUE(PolyBezier(dc, curve, 4));
-        for (const int x : {-far, far}) EXPECT_TRUE(TextOutW(dc, x, 10, L"far away", 8));
-    }
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
-    const Rendered page(file(), file("page"));
-    ASSERT_TRUE(page.valid());
+    printPage(25.4, 25.4, 72, [&](HDC dc) {
+        {
+            const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
+            const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
+            EXPECT_TRUE(MoveToEx(dc, -far, -far, nullptr));
+            EXPECT_TRUE(LineTo(dc, far, far));
+            const POINT corners[] = {{-far, 50}, {far, 50}, {far, far}, {-far, far}};
+            EXPECT_TRUE(Polygon(dc, corners, 4));
+            const POINT curve[] = {{20, -far}, {20, -10}, {20, 10}, {20, far}};
+            EXPECT_TRUE(PolyBezier(dc, curve, 4));
+            for (const int x : {-far, far}) EXPECT_TRUE(TextOutW(dc, x, 10, L"far away", 8));
+        }
+    });
+    const Ppm page = rendered();
+    ASSERT_GT(page.width(), 0);
     EXPECT_EQ(page.pixel(36, 36), 0xFF0000U);
     EXPECT_EQ(page.pixel(10, 10), 0xFF0000U);
     EXPECT_EQ(page.pixel(60, 20), 0xFFFFFFU);
@@ -377,27 +373,23 @@ TEST_F(PrinterTest, FarCoordinatesKeepTheirDirection) {
 
 TEST_F(PrinterTest, PathsAreVectorsAndLettersInThemAreOutlines) {
     REQUIRE_POPPLER();
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 50.8, 25.4, 72);
-    const DOCINFOW info = named(L"paths");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    {
-        const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
-        const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
-        const Using font(dc, CreateFontW(-60, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
-        SetBkMode(dc, TRANSPARENT);
-        EXPECT_TRUE(BeginPath(dc));
-        EXPECT_TRUE(Ellipse(dc, 10, 10, 60, 60));
-        EXPECT_TRUE(TextOutW(dc, 75, 0, L"I", 1));
-        EXPECT_TRUE(EndPath(dc));
-        EXPECT_TRUE(StrokeAndFillPath(dc));
-    }
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
+    printPage(50.8, 25.4, 72, [&](HDC dc) {
+        {
+            const Using pen(dc, CreatePen(PS_SOLID, 3, RGB(255, 0, 0)));
+            const Using brush(dc, CreateSolidBrush(RGB(0, 128, 0)));
+            const Using font(dc,
+                             CreateFontW(-60, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
+            SetBkMode(dc, TRANSPARENT);
+            EXPECT_TRUE(BeginPath(dc));
+            EXPECT_TRUE(Ellipse(dc, 10, 10, 60, 60));
+            EXPECT_TRUE(TextOutW(dc, 75, 0, L"I", 1));
+            EXPECT_TRUE(EndPath(dc));
+            EXPECT_TRUE(StrokeAndFillPath(dc));
+        }
+    });
     EXPECT_EQ(ask("pdffonts", "'" + file() + "'").find("DejaVu"), std::string::npos);
-    const Rendered page(file(), file("page"));
-    ASSERT_TRUE(page.valid());
+    const Ppm page = rendered();
+    ASSERT_GT(page.width(), 0);
     EXPECT_EQ(page.pixel(35, 35), 0x008000U);
     EXPECT_EQ(page.pixel(10, 35), 0xFF0000U);
     EXPECT_EQ(page.pixel(35, 59), 0xFF0000U);
@@ -409,37 +401,27 @@ TEST_F(PrinterTest, PathsAreVectorsAndLettersInThemAreOutlines) {
 
 TEST_F(PrinterTest, TextStaysText) {
     REQUIRE_POPPLER();
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 100.0, 50.0, 600);
-    const DOCINFOW info = named(L"text");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    {
-        const Using font(dc,
-                         CreateFontW(-100, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
-        SetBkMode(dc, TRANSPARENT);
-        SIZE size{};
-        EXPECT_TRUE(GetTextExtentPoint32W(dc, L"Left kidney", 11, &size));
-        EXPECT_GT(size.cx, 300);
-        EXPECT_LT(size.cx, 1000);
-        EXPECT_TRUE(TextOutW(dc, 100, 100, L"Left kidney", 11));
-    }
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
+    printPage(100.0, 50.0, 600, [&](HDC dc) {
+        {
+            const Using font(
+                dc, CreateFontW(-100, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
+            SetBkMode(dc, TRANSPARENT);
+            SIZE size{};
+            EXPECT_TRUE(GetTextExtentPoint32W(dc, L"Left kidney", 11, &size));
+            EXPECT_GT(size.cx, 300);
+            EXPECT_LT(size.cx, 1000);
+            EXPECT_TRUE(TextOutW(dc, 100, 100, L"Left kidney", 11));
+        }
+    });
     EXPECT_NE(ask("pdftotext", "'" + file() + "' -").find("Left kidney"), std::string::npos);
 }
 
 TEST_F(PrinterTest, APageCannotBeCopiedFrom) {
-    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 100.0, 100.0, 300);
-    const DOCINFOW info = named(L"copy");
-    ASSERT_GT(StartDocW(dc, &info), 0);
-    EXPECT_GT(StartPage(dc), 0);
-    Device image(2, 2);
-    EXPECT_FALSE(BitBlt(image, 0, 0, 2, 2, dc, 0, 0, SRCCOPY));
-    EXPECT_TRUE(BitBlt(dc, 0, 0, 2, 2, image, 0, 0, SRCCOPY));
-    EXPECT_GT(EndPage(dc), 0);
-    EXPECT_GT(EndDoc(dc), 0);
-    EXPECT_TRUE(DeleteDC(dc));
+    printPage(100.0, 100.0, 300, [&](HDC dc) {
+        Device image(2, 2);
+        EXPECT_FALSE(BitBlt(image, 0, 0, 2, 2, dc, 0, 0, SRCCOPY));
+        EXPECT_TRUE(BitBlt(dc, 0, 0, 2, 2, image, 0, 0, SRCCOPY));
+    });
 }
 
 }  // namespace
