@@ -95,6 +95,19 @@ TEST_F(BlitTest, EmptyFillsChangeNothing) {
     EXPECT_TRUE(expected.holds(device));
 }
 
+TEST_F(BlitTest, AHollowBrushFillsNothing) {
+    Device device(4, 4);
+    fillPattern(device);
+    Expected expected(device);
+    SelectObject(device, GetStockObject(NULL_BRUSH));
+    const RECT area{0, 0, 3, 3};
+    EXPECT_TRUE(PatBlt(device, 0, 0, 3, 3, PATCOPY));
+    EXPECT_NE(FillRect(device, &area, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH))), 0);
+    EXPECT_TRUE(expected.holds(device));
+    EXPECT_TRUE(PatBlt(device, 0, 0, 1, 1, BLACKNESS));  // which needs no brush
+    EXPECT_EQ(device.pixel(0, 0), 0U);
+}
+
 TEST_F(BlitTest, FillRectUsesTheGivenBrush) {
     Device device(6, 5);
     Expected expected(device);

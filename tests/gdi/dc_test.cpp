@@ -49,6 +49,7 @@ TEST_F(DcTest, ABitmapIsInOneContextAtATime) {
     HDC other = CreateCompatibleDC(nullptr);
     EXPECT_EQ(SelectObject(other, device.bitmap()), nullptr);
     EXPECT_EQ(GetCurrentObject(device, OBJ_BITMAP), device.bitmap());
+    EXPECT_EQ(SelectObject(device, device.bitmap()), device.bitmap());
     EXPECT_TRUE(DeleteDC(other));
 }
 
@@ -268,6 +269,18 @@ TEST_F(DcTest, TheFreestModeGoesOnWithTheExtentsOfTheOneBefore) {
     EXPECT_EQ(pictureIn({MM_ISOTROPIC}), pictureIn({MM_LOMETRIC}));
 }
 
+TEST_F(DcTest, ATransformationHasTheXformsPrecision) {
+    Device device(4, 10);
+    SelectObject(device, GetStockObject(WHITE_PEN));
+    EXPECT_EQ(SetMapMode(device, MM_ANISOTROPIC), MM_TEXT);
+    EXPECT_TRUE(SetWindowExtEx(device, 1, 6, nullptr));
+    SetViewportOrgEx(device, 0, 50, nullptr);
+    // -261 / 6 is -43.5, but the float that is nearest to 1 / 6 is a little larger than that.
+    EXPECT_TRUE(MoveToEx(device, 0, -261, nullptr));
+    EXPECT_TRUE(LineTo(device, 4, -261));
+    for (int y = 0; y < 10; ++y) EXPECT_EQ(device.pixel(2, y) != 0, y == 6) << y;
+}
+
 TEST_F(DcTest, ExtentsAreSetInTheFreeModesOnlyAndAreNeverZero) {
     Device device(4, 4);
     SIZE old{};
@@ -310,9 +323,20 @@ TEST_F(DcTest, UnitsOfTheIsotropicModeAreEquallyLongInBothDirections) {
             width += device.pixel(i, 0) != 0 ? 1 : 0;
             height += device.pixel(33, i) != 0 ? 1 : 0;
         }
-        // Systems differ by one where pixels are taken for not quite square.
+        // Systems differ by one where their pixels are not quite square.
         EXPECT_NEAR(width, c.width, 1) << c.viewport.cx << ", " << c.viewport.cy;
         EXPECT_NEAR(height, c.height, 1) << c.viewport.cx << ", " << c.viewport.cy;
+    }
+    // However unequal they were, nothing of an extent but its sign is left.
+    for (const int sign : {1, -1}) {
+        Device device(1, 1);
+        SIZE told{};
+        EXPECT_EQ(SetMapMode(device, MM_ISOTROPIC), MM_TEXT);
+        EXPECT_TRUE(SetWindowExtEx(device, 1, 1000, nullptr));
+        EXPECT_TRUE(SetViewportExtEx(device, sign, 1, nullptr));
+        EXPECT_TRUE(SetViewportExtEx(device, 1, 1, &told));
+        EXPECT_EQ(told.cx, sign);
+        EXPECT_EQ(told.cy, 1);
     }
 }
 

@@ -247,6 +247,16 @@ TEST_F(LineTest, EvenWidthsLieMoreToTheLeftAndTop) {
     }
 }
 
+TEST_F(LineTest, EveryByteOfAPixelIsDrawn) {
+    for (const int width : {0, 5}) {
+        Device device(30, 12);
+        fillPattern(device, 0x12345678);
+        const Using pen(device, CreatePen(PS_SOLID, width, RGB(255, 0, 0)));
+        drawLine(device, {2, 6}, {28, 6});
+        for (int x = 5; x < 25; ++x) EXPECT_EQ(device.pixel(x, 6), red) << width << ": " << x;
+    }
+}
+
 TEST_F(LineTest, WideObliqueLinesAreCentredWhateverTheirWidth) {
     for (int width = 2; width <= 9; ++width) {
         for (const bool rising : {false, true}) {

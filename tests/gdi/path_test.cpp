@@ -163,6 +163,37 @@ TEST_F(PathTest, APenInsideTheFrameDoesNotMoveThePath) {
     EXPECT_EQ(stroked(PS_INSIDEFRAME), stroked(PS_SOLID));
 }
 
+TEST_F(PathTest, ABracketWithinABracketChangesNothing) {
+    const POINT points[] = {{2, 2}, {25, 7}, {11, 28}};
+    EXPECT_EQ(pixelsOf([&](HDC dc) {
+                  EXPECT_TRUE(BeginPath(dc));
+                  EXPECT_TRUE(MoveToEx(dc, 2, 2, nullptr));
+                  EXPECT_TRUE(LineTo(dc, 25, 7));
+                  EXPECT_TRUE(BeginPath(dc));
+                  EXPECT_TRUE(LineTo(dc, 11, 28));
+                  EXPECT_TRUE(EndPath(dc));
+                  EXPECT_TRUE(StrokePath(dc));
+              }),
+              pixelsOf([&](HDC dc) { EXPECT_TRUE(Polyline(dc, points, 3)); }));
+}
+
+TEST_F(PathTest, ALineAfterAClosedFigureBeginsAnother) {
+    const POINT closed[] = {{5, 5}, {20, 5}, {20, 20}, {5, 20}, {5, 5}};
+    EXPECT_EQ(pixelsOf([](HDC dc) {
+                  EXPECT_TRUE(BeginPath(dc));
+                  square(dc, 5, 5, 20, 20);
+                  EXPECT_TRUE(CloseFigure(dc));
+                  EXPECT_TRUE(LineTo(dc, 12, 28));
+                  EXPECT_TRUE(EndPath(dc));
+                  EXPECT_TRUE(StrokePath(dc));
+              }),
+              pixelsOf([&](HDC dc) {
+                  EXPECT_TRUE(Polyline(dc, closed, 5));
+                  EXPECT_TRUE(MoveToEx(dc, 5, 20, nullptr));
+                  EXPECT_TRUE(LineTo(dc, 12, 28));
+              }));
+}
+
 TEST_F(PathTest, AMoveBeginsAnotherFigure) {
     EXPECT_EQ(pixelsOf([](HDC dc) {
                   MoveToEx(dc, 4, 4, nullptr);

@@ -121,6 +121,8 @@ TEST_F(ShapeTest, APenInsideTheFrameStaysInside) {
             }
             EXPECT_EQ(device.pixel(25, 6), penPixel) << width;
             EXPECT_EQ(device.pixel(8, 20), penPixel) << width;
+            EXPECT_EQ(device.pixel(25, 33), penPixel) << width;
+            EXPECT_EQ(device.pixel(41, 20), penPixel) << width;
             EXPECT_EQ(device.pixel(25, 20), fillPixel) << width;
         }
     }
@@ -202,6 +204,9 @@ TEST_F(ShapeTest, BezierCurvesPassThroughTheirEnds) {
         }
     }
     EXPECT_FALSE(PolyBezier(device, curve, 3));
+    const POINT twice[8] = {};
+    EXPECT_FALSE(PolyBezier(device, twice, 5));
+    EXPECT_FALSE(PolyBezier(device, twice, 8));
     EXPECT_FALSE(PolyBezier(device, curve, 0));
 }
 

@@ -1,6 +1,7 @@
 // Fonts and text. Glyphs differ between systems: the tests hold what every system must keep.
 #include "gdi/device.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
@@ -148,6 +149,26 @@ TEST_F(TextTest, TextIsDrawnInItsColourInsideItsCell) {
         }
         EXPECT_GT(drawn, 60);
     }
+}
+
+TEST_F(TextTest, AModeThatCountsUpwardDoesNotTurnTextOver) {
+    const auto ink = [](int mode) {
+        Device device(60, 60);
+        const Using font(device, makeFont(-24));
+        SetTextColor(device, RGB(255, 255, 255));
+        SetBkMode(device, TRANSPARENT);
+        SetMapMode(device, mode);
+        SetViewportOrgEx(device, 10, 15, nullptr);
+        EXPECT_TRUE(TextOutW(device, 0, 0, L"L", 1));
+        // The foot of the letter is the widest of its rows.
+        const std::vector<std::string> rows = device.picture();
+        const auto width = [](const std::string& row) { return std::count(row.begin(), row.end(), '#'); };
+        return std::max_element(rows.begin(), rows.end(),
+                                [&](const std::string& a, const std::string& b) { return width(a) < width(b); }) -
+               rows.begin();
+    };
+    EXPECT_GT(ink(MM_TEXT), 25);
+    EXPECT_GT(ink(MM_LOENGLISH), 25);
 }
 
 TEST_F(TextTest, OpaqueTextFillsItsCell) {

@@ -30,14 +30,15 @@ bool fits(const Run& run) {
 }
 
 /// A logical rectangle on the device; false where the device context turns or shears it, which no copy can follow.
-bool deviceRuns(const DeviceContext& context, int x, int y, int width, int height, Run& columns, Run& rows) {
+bool deviceRuns(const DeviceContext& context, int x, int y, std::int64_t width, std::int64_t height, Run& columns,
+                Run& rows) {
     const Affine map = context.toDevice();
     if (!map.axisAligned()) return false;
     const PointD from = map(x, y);
-    const PointD to = map(static_cast<double>(std::int64_t{x} + width), static_cast<double>(std::int64_t{y} + height));
+    const PointD to = map(static_cast<double>(x + width), static_cast<double>(y + height));
     columns = deviceRun(from.x, to.x);
     rows = deviceRun(from.y, to.y);
-    return fits(columns) && fits(rows);
+    return true;
 }
 
 /// GDI leaves the last column or row out of what shrinks to a single one.
@@ -48,8 +49,9 @@ void shrinkToOne(Run& source, const Run& destination) {
 /// A picture from the two rectangles; false when one of them is empty or beyond all devices.
 bool makePicture(const Pixels& pixels, const Run& sourceColumns, const Run& sourceRows, const Run& columns,
                  const Run& rows, Picture& picture) {
+    if (!fits(sourceColumns) || !fits(sourceRows)) return false;
     for (const Run* run : {&sourceColumns, &sourceRows, &columns, &rows}) {
-        if (run->extent == 0 || !fits(*run)) return false;
+        if (run->extent == 0) return false;
     }
     picture.pixels = pixels;
     picture.x = static_cast<LONG>(sourceColumns.first());
@@ -64,8 +66,8 @@ bool makePicture(const Pixels& pixels, const Run& sourceColumns, const Run& sour
     return true;
 }
 
-BOOL paintLogical(DeviceContext& context, Canvas& canvas, const Brush& brush, int x, int y, int width, int height,
-                  BYTE rop) {
+BOOL paintLogical(DeviceContext& context, Canvas& canvas, const Brush& brush, int x, int y, std::int64_t width,
+                  std::int64_t height, BYTE rop) {
     if (ropUsesPattern(rop) && brush.hollow()) return TRUE;
     Run columns{};
     Run rows{};
@@ -119,13 +121,11 @@ BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD rop) {
 int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
     const auto with = zolgdi::find<zolgdi::Brush>(brush);
     if (rect == nullptr || !with) return 0;
-    constexpr std::int64_t limit = 0x7FFFFFFF;
     const std::int64_t width = std::int64_t{rect->right} - rect->left;
     const std::int64_t height = std::int64_t{rect->bottom} - rect->top;
-    if (std::max(std::abs(width), std::abs(height)) > limit) return 0;
     return withCanvas(dc, 0, [&](DeviceContext& context, Canvas& canvas) {
-        return zolgdi::paintLogical(context, canvas, *with, rect->left, rect->top, static_cast<int>(width),
-                                    static_cast<int>(height), zolgdi::ropIndex(PATCOPY));
+        return zolgdi::paintLogical(context, canvas, *with, rect->left, rect->top, width, height,
+                                    zolgdi::ropIndex(PATCOPY));
     });
 }
 

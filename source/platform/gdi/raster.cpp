@@ -62,7 +62,7 @@ private:
     [[nodiscard]] std::uint64_t index(std::uint64_t i) const {
         if (to_ >= from_) return ((2 * i + 1) * from_ - 1) / (2 * to_);
         if (survivor_ == Survivor::last) return (2 * from_ * (i + 1) / to_ - 1) / 2;
-        return i == 0 ? 0 : (2 * from_ * i / to_ + 1) / 2;
+        return (2 * from_ * i / to_ + 1) / 2;
     }
 
     LONG source_;

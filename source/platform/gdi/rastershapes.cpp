@@ -242,7 +242,7 @@ public:
 
     /// Left and right end (exclusive) of row y; empty outside.
     [[nodiscard]] std::pair<LONG, LONG> row(LONG y) const {
-        if (y < box_.top || y >= box_.bottom) return {0, 0};
+        if (isEmpty(box_) || y < box_.top || y >= box_.bottom) return {0, 0};
         const double v =
             static_cast<double>(2 * (std::int64_t{y} - box_.top) + 1 - height_) / static_cast<double>(height_);
         const double reach = std::sqrt(1.0 - v * v) * static_cast<double>(width_);

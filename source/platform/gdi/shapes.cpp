@@ -101,7 +101,6 @@ void drawEllipse(DeviceContext& context, Canvas& canvas, const Box& box) {
         drawSurface(context, canvas, {ellipseFigure(box.corners)});
         return;
     }
-    if (isEmpty(*box.pixels)) return;
     const Brush& brush = *context.state.brush;
     const COLORREF color = brush.color();
     canvas.ellipse(context.clipArea(), *box.pixels, currentStroke(context), brush.hollow() ? nullptr : &color);

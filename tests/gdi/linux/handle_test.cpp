@@ -256,7 +256,8 @@ TEST_F(HandleTest, FarCoordinatesNeitherCrashNorLast) {
                       SRCCOPY);
         StretchDIBits(device, 0, 0, 16, 16, far, near, far, near, pixels.data(), &info, DIB_RGB_COLORS, SRCCOPY);
         const RECT rect{near, near, far, far};
-        FillRect(device, &rect, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+        EXPECT_NE(FillRect(device, &rect, static_cast<HBRUSH>(GetStockObject(GRAY_BRUSH))), 0);
+        EXPECT_EQ(device.pixel(15, 0), 0x808080U);
         HRGN region = CreateRectRgn(near, near, far, far);
         EXPECT_TRUE(PaintRgn(device, region));
         EXPECT_NE(OffsetRgn(region, far, near), ERROR);
@@ -269,6 +270,48 @@ TEST_F(HandleTest, FarCoordinatesNeitherCrashNorLast) {
     }
 }
 
+TEST_F(HandleTest, RegionsAreCutWhereCoordinatesEnd) {
+    constexpr int far = std::numeric_limits<int>::max();
+    HRGN region = CreateRectRgn(0, 0, 20, 10);
+    EXPECT_EQ(OffsetRgn(region, far - 15, 0), SIMPLEREGION);
+    RECT box{};
+    EXPECT_EQ(GetRgnBox(region, &box), SIMPLEREGION);
+    EXPECT_EQ(box.left, far - 15);
+    EXPECT_EQ(box.right, far);
+    EXPECT_EQ(OffsetRgn(region, 15, 0), NULLREGION);
+    EXPECT_EQ(OffsetRgn(region, -15, 0), NULLREGION);
+    EXPECT_TRUE(DeleteObject(region));
+}
+
+TEST_F(HandleTest, CopiesFailWhereAContextTurns) {
+    Device device(8, 8);
+    Device other(8, 8);
+    fillPattern(other);
+    Expected expected(device);
+    SetGraphicsMode(device, GM_ADVANCED);
+    const XFORM turned{0.8F, 0.6F, -0.6F, 0.8F, 0.0F, 0.0F};
+    EXPECT_TRUE(SetWorldTransform(device, &turned));
+    EXPECT_FALSE(PatBlt(device, 0, 0, 4, 4, WHITENESS));
+    EXPECT_FALSE(BitBlt(device, 0, 0, 4, 4, other, 0, 0, SRCCOPY));
+    EXPECT_FALSE(BitBlt(other, 0, 0, 4, 4, device, 0, 0, SRCCOPY));
+    EXPECT_EQ(StretchDIBits(device, 0, 0, 4, 4, 0, 0, 4, 4, other.bits(), &other.info(), DIB_RGB_COLORS, SRCCOPY), 0);
+    EXPECT_TRUE(expected.holds(device));
+}
+
+TEST_F(HandleTest, WideCirclesAreRound) {
+    Device device(60, 60);
+    const Using pen(device, CreatePen(PS_SOLID, 6, RGB(255, 255, 255)));
+    SelectObject(device, GetStockObject(NULL_BRUSH));
+    EXPECT_TRUE(Ellipse(device, 8, 8, 53, 53));
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 60; ++x) {
+            const double distance = std::fabs(std::hypot(x - 30, y - 30) - 22.0);
+            if (distance > 2.8 && distance < 3.2) continue;
+            EXPECT_EQ(device.pixel(x, y) != 0, distance < 3.0) << x << ", " << y;
+        }
+    }
+}
+
 TEST_F(HandleTest, ALineThatBeginsFarAwayKeepsItsDirection) {
     Device device(16, 16);
     const Using pen(device, CreatePen(PS_SOLID, 0, RGB(255, 255, 255)));
@@ -276,6 +319,18 @@ TEST_F(HandleTest, ALineThatBeginsFarAwayKeepsItsDirection) {
     EXPECT_TRUE(LineTo(device, 1000000000, 1000000000));
     for (int y = 0; y < 16; ++y) {
         for (int x = 0; x < 16; ++x) EXPECT_EQ(device.pixel(x, y) != 0, x == y) << x << ", " << y;
+    }
+    // A wide one, half as steep.
+    const Using wide(device, CreatePen(PS_SOLID, 5, RGB(255, 255, 255)));
+    PatBlt(device, 0, 0, 16, 16, BLACKNESS);
+    MoveToEx(device, 8 - 246913578, 8 - 123456789, nullptr);
+    EXPECT_TRUE(LineTo(device, 8 + 246913578, 8 + 123456789));
+    for (int y = 0; y < 16; ++y) {
+        for (int x = 0; x < 16; ++x) {
+            const int distance = std::abs(2 * (y - 8) - (x - 8));
+            if (distance >= 5 && distance <= 6) continue;
+            EXPECT_EQ(device.pixel(x, y) != 0, distance < 5) << x << ", " << y;
+        }
     }
 }
 
@@ -304,6 +359,19 @@ TEST_F(HandleTest, StrangeFontsAndTextsAreDrawnSomehow) {
     EXPECT_TRUE(TextOutW(device, 0, 0, nullptr, 0));
     const std::wstring longText(8193, L'a');
     EXPECT_FALSE(TextOutW(device, 0, 0, longText.c_str(), 8193));
+}
+
+TEST_F(HandleTest, ControlCharactersAreBlanks) {
+    Device device(1, 1);
+    const auto sizeOf = [&](const wchar_t* text) {
+        SIZE size{};
+        EXPECT_TRUE(GetTextExtentPoint32W(device, text, 3, &size));
+        return std::pair(size.cx, size.cy);
+    };
+    for (const wchar_t* text : {L"a\nb", L"a\tb", L"a\rb",
+                                L"a\x7F"
+                                "b"})
+        EXPECT_EQ(sizeOf(text), sizeOf(L"a b"));
 }
 
 TEST_F(HandleTest, SmoothTextIsForFontsThatAskForIt) {
