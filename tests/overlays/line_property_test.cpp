@@ -258,7 +258,9 @@ OpenLine anyLine(zoltest::Random& random, CCs2dTrafo& view) {
             p.setPosition(random.real(-300, 900), random.real(-300, 900));
         }
     }
-    OpenLine line(&view, points, random.integer(0, 6), false, normalised, random.chance(0.4));
+    // All but the null pen, which is one and the same object to GDI however often it is made.
+    const int styles[] = {PS_SOLID, PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT, PS_INSIDEFRAME};
+    OpenLine line(&view, points, styles[random.integer(0, 5)], false, normalised, random.chance(0.4));
     // Whatever is not 0 counts as set.
     const auto flag = [&](double probability) { return random.chance(probability) ? random.integer(1, 3) - 4 : 0; };
     line.interpolated = flag(0.25);
