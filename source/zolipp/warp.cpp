@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 namespace zolipp {
@@ -207,12 +208,19 @@ IppStatus ZOLippiGetAffineBound(IppiRect srcRoi, double bound[2][2], const doubl
     const double top = srcRoi.y;
     const double right = left + srcRoi.width;
     const double bottom = top + srcRoi.height;
+    double found[2][2];
     for (int i = 0; i < 2; ++i) {
         const double* c = coeffs[i];
         const auto at = [&](double x, double y) { return c[0] * x + c[1] * y + c[2]; };
-        const auto [low, high] = std::minmax({at(left, top), at(right, top), at(left, bottom), at(right, bottom)});
-        bound[0][i] = low;
-        bound[1][i] = high;
+        const std::array<double, 4> corners{at(left, top), at(right, top), at(left, bottom), at(right, bottom)};
+        // Coefficients that can be inverted may still carry a corner beyond all numbers.
+        if (!std::all_of(corners.begin(), corners.end(), [](double place) { return std::isfinite(place); })) {
+            return ippStsCoeffErr;
+        }
+        const auto [low, high] = std::minmax_element(corners.begin(), corners.end());
+        found[0][i] = *low;
+        found[1][i] = *high;
     }
+    std::memcpy(bound, found, sizeof found);
     return ippStsNoErr;
 }

@@ -123,7 +123,8 @@ ZOLIPP_API IppStatus ZOLippiWarpAffine_8u_AC4R(const Ipp8u* pSrc, IppiSize srcSi
 
 /// The smallest upright rectangle around what the warp makes of a region: bound[0] is its left top (x, y), bound[1] its
 /// right bottom. Edges, not centres, of pixels: the identity gives (x, y) and (x + width, y + height).
-/// ippStsRectErr for a region of a single column or row; ippStsCoeffErr as the warp.
+/// ippStsRectErr for a region of a single column or row; ippStsCoeffErr as the warp, and where a corner comes to lie
+/// beyond all numbers.
 ZOLIPP_API IppStatus ZOLippiGetAffineBound(IppiRect srcRoi, double bound[2][2], const double coeffs[2][3]);
 
 /// Gives the first three bytes of every pixel the three values.
