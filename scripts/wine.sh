@@ -57,19 +57,19 @@ fetch_proxies() {
 }
 
 # in_wine_tree COMMAND...: runs it inside the tree, in the project's folder (which is seen under its own path there).
-# The mounts are the command's own and end with it. Where the root folder is no mount, as in a chroot, they cannot be
-# kept from the machine's own and are taken back.
+# The mounts are the command's own and end with it, and with the Wine server that it may leave for the next one. Where
+# the root folder is no mount that could be made private, as in a chroot, the tree is made one.
 in_wine_tree() {
     mkdir -p "$wine_tree$project"
     unshare --mount --propagation unchanged sh -c '
         tree=$1 project=$2
         shift 2
-        mount --make-rprivate / 2>/dev/null || true
-        mount -t proc proc "$tree/proc" && mount --bind "$project" "$tree$project" || exit 1
-        status=0
-        chroot "$tree" env -C "$project" HOME=/srv "$@" || status=$?
-        umount --lazy "$tree$project" "$tree/proc"
-        exit $status' sh "$wine_tree" "$project" "$@"
+        mount --make-rprivate / 2>/dev/null || {
+            mountpoint -q "$tree" || mount --bind "$tree" "$tree"
+            mount --make-private "$tree"
+        }
+        mount -t proc proc "$tree/proc" && mount --bind "$project" "$tree$project" &&
+            exec chroot "$tree" env -C "$project" HOME=/srv "$@"' sh "$wine_tree" "$project" "$@"
 }
 
 # with_wine i686|x86_64 COMMAND...: runs a command in whose environment `wine` runs programs of that width.
