@@ -989,6 +989,13 @@ TEST(CCsLineReshape, ASquareTakesTheLongerSide) {
     EXPECT_EQ(displayOf(line), (Numbers{11, 11, -19, 11, -19, 41, 11, 41}));
 }
 
+TEST(CCsLineReshape, ASideThatThePointerLeavesWithoutLengthKeepsItsDirection) {
+    OpenLine line = rectangle(10, 10, 50, 50);
+    line.select();
+    line.moveSquare(nullptr, -20, 40, -10, 50, nullptr);  // level with the opposite corner, above which the square lies
+    EXPECT_EQ(displayOf(line), (Numbers{-10, -10, 50, -10, 50, 50, -10, 50}));
+}
+
 TEST(CCsLineReshape, ADragDependsOnThePointersPositionOnly) {
     for (const auto operation : {&CCsLine::moveRectangle, &CCsLine::moveSquare, &CCsLine::moveCircle}) {
         OpenLine atOnce = rectangle(100, 100, 200, 200);
