@@ -328,8 +328,7 @@ HWY_INLINE void cubicGreyBlock(const std::uint16_t* source, const SpanPositions&
         const V32 r3 = rows(3);
         values = joined(sumsOfBlocks(high(r0, 0), high(r1, 1), high(r2, 2), high(r3, 3)),
                         sumsOfBlocks(low(r0, 0), low(r1, 1), low(r2, 2), low(r3, 3)));
-        values = hn::Add(values, hn::Set(d, 0x8000));
-        values = hn::Min(hn::Max(values, hn::Zero(d)), hn::Set(d, 0xFFFF));
+        values = hn::Add(values, hn::Set(d, 0x8000));  // saturates on its way to 16 bits
     } else {
         // These sums fit 32 bits as they are.
         const auto product = [&](int k) { return hn::Mul(rows(k), down(k)); };
