@@ -90,6 +90,7 @@ TEST(CharsetTest, OnlyVisibleCharactersCount) {
     using zolwebmlang::visibleCharacters;
     EXPECT_EQ(visibleCharacters(L"a\tb\r\n\u200Bc\u202Ed\uFEFF"), U"abcd");
     EXPECT_EQ(visibleCharacters(L"\U0001F5FB\U00020000"), U"\U0001F5FB\U00020000");
+    EXPECT_EQ(visibleCharacters(L"\u2764\uFE0F\uFE0Ex\u2028\u2060"), U"\u2764x");
     EXPECT_EQ(visibleCharacters(L""), U"");
     const wchar_t lone[] = {0xD800, L'x', 0xDC00, 0xFFFF, 0};
     EXPECT_EQ(visibleCharacters(lone), U"x");

@@ -254,11 +254,12 @@ TEST_F(TextDrawing, LargeMultipliesInSinglePrecision) {
     CCsText blank(nullptr, 10, 20, L" ", 0, false);
     Rendering rendering = screen();
     rendering.prepare = [](GdiRecorder& recorder) {
-        recorder.hostFont = 0x1000001;  // whose last bit does not fit
-        recorder.failing = "create font 25165824";
+        recorder.hostFont =
+            16777213;  // one and a half times that is 25165819.5, of which single precision makes an even number
+        recorder.failing = "create font 25165820";
     };
     const std::string all = drawnAs(blank, CCsImageTextFont::Large, rendering);
-    EXPECT_NE(all.find("fail to create font 25165824 400\n"), std::string::npos) << all;
+    EXPECT_NE(all.find("fail to create font 25165820 400\n"), std::string::npos) << all;
 }
 
 TEST_F(TextDrawing, TheHostsFontIsReadEachTime) {

@@ -1363,11 +1363,11 @@ TEST_F(CCsRasterGraphics, GraphicsBecomeStoredValues) {
     CCsRaster raster(5, 3, CCS_GREY12, 1.0, false, false);
     auto* const pixels = reinterpret_cast<std::uint16_t*>(raster.getOrigin());
     for (int i = 0; i < 8 * 3; ++i) pixels[i] = static_cast<std::uint16_t>(1000 + i);
-    RectangleOverlay overlay({1, 1, 4, 3});
+    RectangleOverlay overlay({1, 1, 8, 3});
     EXPECT_EQ(raster.burnInOverlay(*map, &overlay, 12, nullptr, nullptr, 11, false), 255);
     for (int y = 0; y < 3; ++y) {
-        for (int x = 0; x < 5; ++x) {
-            const bool inside = x >= 1 && x < 4 && y >= 1;
+        for (int x = 0; x < 8; ++x) {
+            const bool inside = x >= 1 && x < 5 && y >= 1;  // what lies on the lines' padding is not taken over
             EXPECT_EQ(pixels[y * 8 + x], inside ? 4095 : 1000 + y * 8 + x) << x << ' ' << y;
         }
     }

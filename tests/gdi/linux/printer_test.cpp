@@ -342,6 +342,68 @@ TEST_F(PrinterTest, WhatIsDrawnStandsWhereItWasDrawn) {
     EXPECT_EQ(page.pixel(30, 69), 0xFFFFFFU);
 }
 
+TEST_F(PrinterTest, ADocumentThatEndsWithinAPageEndsThePage) {
+    HDC dc = ZolCreatePdfPrinterDC(file().c_str(), 25.4, 25.4, 72);
+    const DOCINFOW info = named(L"unfinished");
+    ASSERT_GT(StartDocW(dc, &info), 0);
+    EXPECT_GT(StartPage(dc), 0);
+    EXPECT_TRUE(LineTo(dc, 5, 5));
+    EXPECT_GT(EndDoc(dc), 0);
+    EXPECT_FALSE(LineTo(dc, 9, 9));
+    EXPECT_TRUE(DeleteDC(dc));
+    EXPECT_TRUE(startsAsPdf(file()));
+}
+
+TEST_F(PrinterTest, PaperTakesWhatPixelsDo) {
+    REQUIRE_POPPLER();
+    constexpr COLORREF green = RGB(0, 255, 0);
+    printPage(25.4, 25.4, 72, [&](HDC dc) {
+        Device image(1, 2);
+        image.setPixel(0, 0, 0xFF0000);
+        image.setPixel(0, 1, 0x0000FF);
+        StretchDIBits(dc, 2, 21, 20, -20, 0, 0, 1, 2, image.bits(), &image.info(), DIB_RGB_COLORS, SRCCOPY);
+        EXPECT_TRUE(PatBlt(dc, 30, 2, 10, 10, DSTINVERT));
+        SetBkColor(dc, green);
+        {
+            const Using pen(dc, CreatePen(PS_DASH, 1, RGB(255, 0, 0)));
+            for (const int y : {30, 34}) {
+                SetBkMode(dc, y == 30 ? OPAQUE : TRANSPARENT);
+                MoveToEx(dc, 0, y, nullptr);
+                LineTo(dc, 60, y);
+            }
+        }
+        {
+            const Using pen(dc, CreatePen(PS_SOLID, 10, RGB(255, 0, 0)));
+            MoveToEx(dc, 20, 50, nullptr);
+            LineTo(dc, 50, 50);
+        }
+        const Using font(dc,
+                         CreateFontW(-10, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"DejaVu Sans"));
+        SetBkMode(dc, OPAQUE);
+        EXPECT_TRUE(TextOutW(dc, 45, 2, L"     ", 5));
+        SetBkMode(dc, TRANSPARENT);
+        EXPECT_TRUE(TextOutW(dc, 45, 17, L"     ", 5));
+    });
+    const Ppm page = rendered();
+    ASSERT_GT(page.width(), 0);
+    EXPECT_EQ(page.pixel(10, 5), 0x0000FFU);  // upside down
+    EXPECT_EQ(page.pixel(10, 17), 0xFF0000U);
+    EXPECT_EQ(page.pixel(35, 7), 0U);  // the inverse of paper
+    EXPECT_EQ(page.pixel(50, 8), 0x00FF00U);
+    EXPECT_EQ(page.pixel(50, 23), 0xFFFFFFU);
+    const auto inRow = [&](int y, std::uint32_t colour) {
+        int count = 0;
+        for (int x = 0; x < 60; ++x) count += page.pixel(x, y) == colour ? 1 : 0;
+        return count;
+    };
+    EXPECT_GT(inRow(30, 0xFF0000), 20);
+    EXPECT_GT(inRow(30, 0x00FF00), 5);  // the gaps
+    EXPECT_GT(inRow(34, 0xFF0000), 20);
+    EXPECT_GT(inRow(34, 0xFFFFFF), 5);
+    EXPECT_EQ(page.pixel(16, 50), 0xFF0000U);  // wide pens have round ends
+    EXPECT_EQ(page.pixel(15, 46), 0xFFFFFFU);
+}
+
 TEST_F(PrinterTest, FarCoordinatesKeepTheirDirection) {
     REQUIRE_POPPLER();
     constexpr int far = 130000000;
