@@ -253,14 +253,6 @@ TEST(CCsLineConstruction, CopiesAreDeepAndFree) {
     EXPECT_EQ(alsoEmpty.displayPoints, nullptr);
 }
 
-TEST(CCsLineConstruction, ACloneForWhichThereIsNoMemoryIsNull) {
-    CCs2dTrafo view = identityView();
-    OpenLine line(&view, 1, 2, 3, 4, solid);
-    line.pointCount = -1;  // no memory holds as many
-    EXPECT_EQ(line.NewInstance(), nullptr);
-    line.pointCount = 2;
-}
-
 // ---------------------------------------------------------------------------------------------------- accessors
 
 TEST(CCsLineAccessors, GiveAsManyPointsAsAsked) {
