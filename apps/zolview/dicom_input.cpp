@@ -47,7 +47,7 @@ void prepareToolkit() { static const Codecs codecs; }
 
 std::string sopClassName(const Attributes& attributes) {
     const std::string uid = attributes.text(DCM_SOPClassUID);
-    return uid.empty() ? "object without a class" : dcmFindNameOfUID(uid.c_str(), uid.c_str());
+    return uid.empty() ? "data set without a class" : dcmFindNameOfUID(uid.c_str(), uid.c_str());
 }
 
 void refuseUnless(bool accepted, const std::string& otherwise) {

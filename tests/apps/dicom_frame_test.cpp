@@ -179,6 +179,8 @@ TEST(DicomFrame, BrokenRunLengthsAreRefused) {
     EXPECT_EQ(words(runLengths({{0xFE, 0}, {0xFD, 9}})), cut);
     EXPECT_EQ(words(runLengths({{0xFD, 0}, {0xFE, 9}})), cut);
     EXPECT_EQ(words(runLengths({{0xFD, 0}, {3, 1, 2}})), cut);
+    // A run whose byte is missing.
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 0xFD}})), cut);
     EXPECT_EQ(words(runLengths({{0xFD, 0}, {}})), cut);
     EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 128, 128, 128}})), cut);
 }

@@ -91,6 +91,12 @@ TEST(DicomInput, EightBitsAllocatedWithAnOddNumberOfPixels) {
     EXPECT_EQ(load(writer).samples, (Words{7, 0, 255}));
 }
 
+TEST(DicomInput, WithoutAHighBitValuesLieLow) {
+    DicomWriter writer = image2x2();
+    writer.remove(DCM_HighBit);
+    EXPECT_EQ(load(writer).samples, (Words{1, 2, 3, 0x0FFF}));
+}
+
 TEST(DicomInput, SignedValuesAreLifted) {
     DicomWriter writer(2, 1);
     writer.format(16, 12, 11, 1).pixels({0x0800, 0x07FF});
@@ -246,6 +252,29 @@ TEST(DicomInput, PixelRatioFromWhateverCarriesIt) {
     DicomWriter both = image2x2();
     both.put(DCM_PixelSpacing, "1\\1").put(DCM_PixelAspectRatio, "2\\1");
     EXPECT_EQ(load(both).ratioYx, 1.0);
+}
+
+TEST(DicomInput, OnlyPixelSpacingIsCalibrated) {
+    for (const auto& [tag, uncalibrated] :
+         {std::pair(DCM_PixelSpacing, false), {DCM_ImagerPixelSpacing, true}, {DCM_NominalScannedPixelSpacing, true}}) {
+        DicomWriter writer = image2x2();
+        writer.put(tag, "0.3\\0.2");
+        const StoredImage image = load(writer);
+        EXPECT_EQ(image.pixelWidth, 0.2);
+        EXPECT_EQ(image.spacingIsUncalibrated, uncalibrated);
+    }
+    DicomWriter ratio = image2x2();
+    ratio.put(DCM_PixelAspectRatio, "3\\2");
+    EXPECT_EQ(load(ratio).pixelWidth, std::nullopt);
+}
+
+TEST(DicomInput, PixelsMayBeAHundredTimesAsHighAsWide) {
+    for (const auto& [value, ratio] :
+         {std::pair("100\\1", 100.0), {"1\\100", 0.01}, {"101\\1", 1.0}, {"1\\101", 1.0}}) {
+        DicomWriter writer = image2x2();
+        writer.put(DCM_PixelAspectRatio, value);
+        EXPECT_EQ(load(writer).ratioYx, ratio) << value;
+    }
 }
 
 TEST(DicomInput, SenselessPixelShapesAreSaidAndPassedOver) {
