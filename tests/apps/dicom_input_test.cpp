@@ -239,6 +239,33 @@ TEST(DicomInput, FunctionalGroupsOfTheFirstFrameCount) {
     EXPECT_EQ(image.ratioYx, 1.5);
 }
 
+TEST(DicomInput, SharedFunctionalGroupsCountForEveryFrame) {
+    DicomWriter writer(2, 1);
+    writer.put(DCM_NumberOfFrames, "2").pixels({1, 2, 3, 4});
+    DcmItem* shared = nullptr;
+    DcmItem* item = nullptr;
+    writer.dataset().findOrCreateSequenceItem(DCM_SharedFunctionalGroupsSequence, shared);
+    shared->findOrCreateSequenceItem(DCM_PixelMeasuresSequence, item);
+    item->putAndInsertString(DCM_PixelSpacing, "3\\2");
+    const TemporaryFolder folder;
+    const std::string path = writer.save(folder);
+    for (const int frame : {1, 2}) {
+        LoadOptions options;
+        options.frame = frame;
+        EXPECT_EQ(loadInput(path, options).ratioYx, 1.5) << frame;
+    }
+}
+
+TEST(DicomInput, SixteenBitsAreNeededFromTheFirstLevelThatDoesNotFit) {
+    for (const auto& [highest, levels] : {std::pair(4095, rasterLevels), {4096, deepLevels}}) {
+        DicomWriter writer(2, 1);
+        writer.format(16, 16, 15, 0).pixels({0, static_cast<std::uint16_t>(highest)});
+        const StoredImage image = load(writer);
+        EXPECT_EQ(image.levels, levels);
+        EXPECT_EQ(image.samples[1], highest);
+    }
+}
+
 TEST(DicomInput, PixelRatioFromWhateverCarriesIt) {
     const std::vector<std::pair<DcmTagKey, std::string>> tags{{DCM_PixelSpacing, "3\\2"},
                                                               {DCM_ImagerPixelSpacing, "0.3\\0.2"},

@@ -132,9 +132,9 @@ TEST(DicomLuts, MoreBitsThanDeclaredAreCounted) {
 }
 
 TEST(DicomLuts, FirstInputsAreSignedWhereTheyCanBe) {
-    const auto first = [](int representation, const char* intercept, bool declared) {
+    const auto first = [](int representation, const char* intercept, bool declared, const char* slope = "1") {
         DicomWriter writer(2, 2);
-        writer.format(16, 12, 11, representation).put(DCM_RescaleIntercept, intercept);
+        writer.format(16, 12, 11, representation).put(DCM_RescaleIntercept, intercept).put(DCM_RescaleSlope, slope);
         writer.lut(DCM_VOILUTSequence, {2, -3, 12, declared}, {1, 2});
         return load(writer).voiTable->first;
     };
@@ -142,6 +142,29 @@ TEST(DicomLuts, FirstInputsAreSignedWhereTheyCanBe) {
     EXPECT_EQ(first(0, "0", true), -3);
     EXPECT_EQ(first(1, "0", false), -3);
     EXPECT_EQ(first(0, "-1", false), -3);
+    EXPECT_EQ(first(0, "0", false, "-1"), -3);
+}
+
+TEST(DicomLuts, TablesFromOtherFilesAreSignedAsTheImageIs) {
+    const TemporaryFolder folder;
+    DicomWriter lender(1, 1);
+    lender.lut(DCM_ModalityLUTSequence, {2, -3, 8}, {1, 2});
+    LoadOptions options;
+    options.modalityFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
+    DicomWriter writer(2, 2);
+    EXPECT_EQ(load(writer, options).modality->first, 65533);
+    writer.format(16, 12, 11, 1);
+    EXPECT_EQ(load(writer, options).modality->first, -3);
+}
+
+TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
+    DicomWriter writer(2, 2);
+    DcmItem* item = nullptr;
+    writer.dataset().findOrCreateSequenceItem(DCM_VOILUTSequence, item);
+    zoltest::putDescriptor(*item, DCM_LUTDescriptor, {2, 0, 12});
+    const Uint8 bytes[] = {0x01, 0x00, 0xFF, 0x0F};
+    item->putAndInsertUint8Array(DcmTag(DCM_LUTData, EVR_OB), bytes, sizeof bytes);
+    EXPECT_EQ(load(writer).voiTable->entries, (Words{1, 4095}));
 }
 
 TEST(DicomLuts, OtherFilesLendTheirTables) {

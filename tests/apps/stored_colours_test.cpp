@@ -189,6 +189,17 @@ TEST(StoredColours, PalettesOfEightAndSixteenBits) {
     EXPECT_EQ(show(wide).pixels, (Pixels{0x010305, 0x020406}));
 }
 
+TEST(StoredColours, PalettesOfOtherBitsKeepTheirBalance) {
+    // Four bits come up to eight.
+    DicomWriter narrow(2, 1);
+    narrow.format(8, 8, 7, 0).remove(DCM_PixelData).bytes({0, 1}).palette({2, 0, 4}, {1, 15}, {2, 0}, {3, 8});
+    EXPECT_EQ(show(narrow).pixels, (Pixels{0x102030, 0xF00080}));
+    // Red uses ten bits where eight are declared: all three are taken for ten.
+    DicomWriter more(2, 1);
+    more.format(8, 8, 7, 0).remove(DCM_PixelData).bytes({0, 1}).palette({2, 0, 8}, {4, 1023}, {8, 255}, {12, 128});
+    EXPECT_EQ(show(more).pixels, (Pixels{0x010203, 0xFF3F20}));
+}
+
 TEST(StoredColours, PalettesOf65536EntriesAndSignedIndices) {
     Words red(65536), green(65536), blue(65536);
     for (std::size_t i = 0; i < red.size(); ++i) {
