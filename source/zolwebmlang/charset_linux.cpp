@@ -69,7 +69,11 @@ std::wstring faceFor(const std::u32string& text, BYTE charset, const wchar_t* as
     FcPatternAddString(wanted.get(), FC_FAMILY, bytes(toUtf8(askedFace).c_str()));
     FcPatternAddCharSet(wanted.get(), FC_CHARSET, characters.get());
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
-    if (const char* language = languageOf(charset)) FcPatternAddString(wanted.get(), FC_LANG, bytes(language));
+    if (const char* language = languageOf(charset)) {
+        FcPatternAddString(wanted.get(), FC_LANG, bytes(language));
+        // Keeps fontconfig from adding the user's language, whose rules for a family would come before these.
+        FcPatternAddString(wanted.get(), FC_LANG, bytes("und"));
+    }
     FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);
     FcDefaultSubstitute(wanted.get());
 
