@@ -49,6 +49,10 @@ if(ZOLWEBCS_SANITIZE)
     target_compile_options(zol_build_flags INTERFACE -fno-sanitize-recover=undefined)
   endif()
 endif()
+if(ZOLWEBCS_FUZZ)
+  # The fuzzer finds its way by the branches that an input takes in all of our code.
+  target_compile_options(zol_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # zol_library(NAME SOURCES ... [HEADERS ...] [PUBLIC libs] [PRIVATE libs]): one shared library of source/.
 # Defines <NAME>_BUILDING in upper case while it is compiled; HEADERS are installed below include/zolwebcs/.
