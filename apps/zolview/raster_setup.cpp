@@ -19,6 +19,7 @@ unsigned int colourOf(PlaneKind kind) { return kind == PlaneKind::Graphics ? gra
 
 std::vector<CPoint> toVertices(const std::vector<Point>& polygon) {
     std::vector<CPoint> vertices;
+    vertices.reserve(polygon.size());
     for (const Point& point : polygon) vertices.emplace_back(point.x, point.y);
     return vertices;
 }

@@ -15,7 +15,8 @@ namespace {
 
 /// The source position under the centre of a destination pixel.
 double positionAt(const ResizeAxis& axis, int index) {
-    return axis.center + (index + 0.5 - axis.targetLength / 2) / axis.factor;
+    const int half = axis.targetLength / 2;  // of whole pixels, in the odd lengths too
+    return axis.center + (index + 0.5 - half) / axis.factor;
 }
 
 /// The destination pixels along one axis that show the source's region.

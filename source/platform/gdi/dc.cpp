@@ -152,7 +152,7 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
         if (const auto region = zolgdi::find<zolgdi::Region>(object)) {
             context.state.clip = region->area();
             const auto complexity = static_cast<LONG_PTR>(context.clipArea().complexity());
-            return reinterpret_cast<HGDIOBJ>(complexity);  // NOLINT(performance-no-int-to-ptr): GDI's result
+            return reinterpret_cast<HGDIOBJ>(complexity);
         }
         return nullptr;
     });

@@ -53,7 +53,7 @@ HANDLE HandleTable::add(std::shared_ptr<Object> object, bool stock) {
     slot.object->stock_ = stock;
     if (!stock) ++slots_->living;
     const std::uintptr_t bits = (((slot.generation << indexBits) | (index + 1)) << tagBits) | tag;
-    return reinterpret_cast<HANDLE>(bits);  // NOLINT(performance-no-int-to-ptr): a handle is not an address
+    return reinterpret_cast<HANDLE>(bits);
 }
 
 HandleTable::Slot* HandleTable::slotOf(HANDLE handle) {
