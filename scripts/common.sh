@@ -3,6 +3,9 @@ set -euo pipefail
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project"
+# What is worth keeping from one checkout to the next. (The shell knows the user's folder without $HOME, too.)
+home=~
+cache=${XDG_CACHE_HOME:-$home/.cache}/zolwebcs
 
 say() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 die() {

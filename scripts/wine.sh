@@ -2,8 +2,7 @@
 # The 64-bit ones run under the machine's own wine64. Debian's wine32 does not install beside it, so that the 32-bit
 # ones run inside a small i386 system in the user's cache folder, which is made once and used again.
 
-wine_cache=${XDG_CACHE_HOME:-$HOME/.cache}/zolwebcs
-wine_tree=$wine_cache/wine32
+wine_tree=$cache/wine32
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
 
 # make_wine_tree: makes the i386 system from what the machine's own apt is set up to use.
@@ -12,7 +11,7 @@ make_wine_tree() {
     [ "$(id -u)" -eq 0 ] || die "only root can make the 32-bit system that the i686 tests run in"
     need_packages "${tree_packages[@]}"
     say "Making the 32-bit system (once; $wine_tree)"
-    local release sources mirror log=$wine_cache/wine32.log
+    local release sources mirror log=$cache/wine32.log
     release=$(. /etc/os-release && echo "$VERSION_CODENAME")
     sources=$(debian_sources "$release")
     [ -n "$sources" ] || { apt-get -q update >/dev/null && sources=$(debian_sources "$release"); }
@@ -23,10 +22,10 @@ make_wine_tree() {
     {
         fetch_proxies
         cat /usr/share/keyrings/debian-archive-keyring.gpg /etc/apt/trusted.gpg.d/*.gpg /etc/apt/keyrings/*.gpg \
-            >"$wine_cache/keys.gpg" 2>/dev/null || true
-        debootstrap --arch=i386 --variant=minbase --include=ca-certificates --keyring="$wine_cache/keys.gpg" \
+            >"$cache/keys.gpg" 2>/dev/null || true
+        debootstrap --arch=i386 --variant=minbase --include=ca-certificates --keyring="$cache/keys.gpg" \
             "$release" "$wine_tree" "$mirror" &&
-            cp "$wine_cache/keys.gpg" "$wine_tree/etc/apt/machine.gpg" &&
+            cp "$cache/keys.gpg" "$wine_tree/etc/apt/machine.gpg" &&
             sed -E 's/^/deb [signed-by=\/etc\/apt\/machine.gpg] /' <<<"$sources" >"$wine_tree/etc/apt/sources.list" &&
             apt-config dump Acquire | grep -v '^Acquire::IndexTargets' >"$wine_tree/etc/apt/apt.conf.d/00machine" &&
             { [ ! -e /etc/ssl/certs/ca-certificates.crt ] ||
@@ -79,13 +78,13 @@ with_wine() {
     if [ "$width" = i686 ]; then
         in_wine_tree env WINEPREFIX=/srv/wine WINEARCH=win32 "$@"
     else
-        WINEPREFIX=$wine_cache/wine64 WINEARCH=win64 "$@"
+        WINEPREFIX=$cache/wine64 WINEARCH=win64 "$@"
     fi
 }
 
 # start_display: a screen that nobody sees, for programs that open windows; it ends with the script.
 start_display() {
-    local number=$wine_cache/display
+    local number=$cache/display
     : >"$number"
     Xvfb -displayfd 6 -screen 0 1024x768x24 -nolisten tcp 6>"$number" >/dev/null 2>&1 &
     # shellcheck disable=SC2064  # this very process
