@@ -236,6 +236,7 @@ int attempt(const std::string& file, Action action) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): where not even the options fit the memory there is nothing to tell.
 int main(int argc, char** argv) {
     std::string input;
     std::string output;
