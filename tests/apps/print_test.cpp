@@ -297,6 +297,19 @@ TEST_F(Print, AnnotationsAreVectorsAndTextsAreText) {
     EXPECT_GT(letters, 500);
 }
 
+TEST_F(Print, NothingIsDrawnBesideTheImage) {
+    RenderOptions options;
+    options.annotations = figures(R"({"figure": "line", "points": [[80, 40], [140, 40]]})");
+    PrintOptions page;
+    page.trueSize = true;
+    print(framedImage(), page, options);
+    // The image's right edge lies at 2600. Without an end there, the line's shadow would be seen on white paper.
+    const GreyPage drawn = draw(508);
+    EXPECT_EQ(drawn.at(2560, 2570 + 400), 255);
+    for (int y = 2570 + 380; y < 2570 + 440; ++y)
+        for (int x = 2604; x < 3000; ++x) ASSERT_EQ(drawn.at(x, y), 255) << x << ',' << y;
+}
+
 /// The lengths of the dark runs between two places of a row or a column.
 std::vector<int> darkRuns(const GreyPage& page, int x, int y, int stepX, int stepY, int count) {
     std::vector<int> runs;

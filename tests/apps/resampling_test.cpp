@@ -367,6 +367,26 @@ TEST(Magnifier, FactorOneShowsWhatIsThereAlready) {
     }
 }
 
+TEST(Magnifier, ItsRimIsSmoothAndReachesThePicturesEdges) {
+    const StoredImage image = makeColourImage(60, 40, [](int, int) { return 0U; });
+    // So small that the black image is a dot in the middle of the glass, with white background around it.
+    for (const Magnifier& glass : {Magnifier{30, 20, 9, 0.02}, Magnifier{57, 38, 9, 0.02}, Magnifier{1, 0, 9, 0.02}}) {
+        RenderOptions options;
+        options.background = 255;
+        options.magnifier = glass;
+        const Picture picture = show(image, options);
+        ASSERT_EQ(picture.width, 60);
+        for (int y = 0; y < 40; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                const double distance = std::hypot(x - glass.x, y - glass.y);
+                if (distance < 4.0) continue;
+                const double share = std::clamp(9.5 - distance, 0.0, 1.0);
+                EXPECT_EQ(channel(picture.at(x, y), 0), std::lround(255.0 * share)) << x << ',' << y;
+            }
+        }
+    }
+}
+
 TEST(Magnifier, MayLieBesideThePicture) {
     const StoredImage image = makeImage(20, 20, surface);
     const Picture plain = show(image, {});

@@ -308,6 +308,20 @@ TEST(StoredValues, LowValuesAreWhiteOnceWhateverSaysSo) {
     }
 }
 
+TEST(StoredValues, OverlayPlanesLieAbovePaddingOnTheFirstPixel) {
+    // Sixteen bits are mapped as a whole, which takes care of the first pixel by itself.
+    for (const int highest : {4095, 65535}) {
+        DicomWriter writer(3, 1);
+        writer.format(16, 16, 15, 0).pixels({7, 0, static_cast<std::uint16_t>(highest)});
+        writer.word(DCM_PixelPaddingValue, 7);
+        EXPECT_EQ(show(writer).at(0, 0), 0U) << highest;
+        writer.overlay(0x6000, 1, 1, 1, 1, {1});
+        EXPECT_EQ(show(writer).at(0, 0), 0xFFC000U) << highest;
+        writer.overlay(0x6000, 1, 1, 1, 2, {1});
+        EXPECT_EQ(show(writer).at(0, 0), 0U) << highest;
+    }
+}
+
 TEST(StoredValues, PaddingIsBlackWhateverTheRest) {
     for (const int bits : {12, 16}) {
         for (const char* photometric : {"MONOCHROME1", "MONOCHROME2"}) {
