@@ -518,8 +518,8 @@ ZOLGDI_API BOOL BitBlt(HDC dc, int x, int y, int width, int height, HDC source, 
 ZOLGDI_API BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                            int sourceWidth, int sourceHeight, DWORD rop);
 ZOLGDI_API BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD rop);
-/// Extents of opposite sign mirror the copy. `sourceY` counts from the bottom row upward, only in a top-down DIB that
-/// is not stretched from the top row downward. The number of rows of the DIB, or 0 on failure.
+/// Extents of opposite sign mirror the copy. `sourceY` counts from the bottom row upward, but from the top row downward
+/// in a top-down DIB copied unstretched from its origin, or not just copied. The DIB's number of rows, 0 on failure.
 ZOLGDI_API int StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
                              int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD rop);
 
