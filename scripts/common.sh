@@ -50,7 +50,8 @@ build() {
     local preset=$1
     shift
     say "Building ($preset)"
-    if [ ! -f "build/$preset/build.ninja" ]; then
+    # Ninja configures anew for what the presets include, but not for the presets themselves.
+    if [ ! "build/$preset/build.ninja" -nt CMakePresets.json ]; then
         cmake --preset "$preset" >"${TMPDIR:-/tmp}/zolwebcs-configure-$$.log" 2>&1 || {
             cat "${TMPDIR:-/tmp}/zolwebcs-configure-$$.log" >&2
             die "the build could not be configured"

@@ -84,17 +84,18 @@ with_wine() {
 
 # start_display: a screen that nobody sees, for programs that open windows; it ends with the script.
 start_display() {
-    local number=$cache/display
-    : >"$number"
+    local number
+    number=$(mktemp)
     Xvfb -displayfd 6 -screen 0 1024x768x24 -nolisten tcp 6>"$number" >/dev/null 2>&1 &
     # shellcheck disable=SC2064  # this very process
     trap "kill $!" EXIT
     local tries
-    for tries in {1..100}; do
+    for tries in {1..600}; do
         [ -s "$number" ] && break
         sleep 0.1
     done
     [ -s "$number" ] || die "Xvfb does not start"
     DISPLAY=:$(tr -d '[:space:]' <"$number")
+    rm -f "$number"
     export DISPLAY
 }
