@@ -33,6 +33,12 @@ std::string haloed(const char* text, int x, int y) {
            "text colour 0x0000ff\n" + written(text, x, y, {{0, 0}});
 }
 
+/// A text in a font of 20 pixels that the host makes, by the given calls, and that goes again.
+std::string inHostsFont(const char* text, const std::string& making) {
+    return std::string("font for \"") + text + "\" type 32 face DejaVu Sans width 9\n" + making +
+           "select font -20 400\n" + haloed(text, 10, 20) + "select caller's font\ndelete font -20 400\n";
+}
+
 class TextDrawing : public zoltest::DrawingTest {
 protected:
     ~TextDrawing() override {
@@ -217,11 +223,7 @@ TEST_F(TextDrawing, TextsThatDoNotFollowTheImageHaveTheHostsFont) {
     CCsText text(nullptr, 10, 20, L"ROI", 0, false);
     Rendering rendering = screen();
     rendering.prepare = [](GdiRecorder& recorder) { recorder.hostFont = -20; };
-    const std::string expected =
-        "font for \"ROI\" type 32 face DejaVu Sans width 9\n"
-        "create font -20 400\n"
-        "select font -20 400\n" +
-        haloed("ROI", 10, 20) + "select caller's font\ndelete font -20 400\n";
+    const std::string expected = inHostsFont("ROI", "create font -20 400\n");
     EXPECT_EQ(drawn(text, rendering), expected);
     EXPECT_EQ(drawnAs(text, CCsImageTextFont::Plain, rendering), expected);
     EXPECT_EQ(drawn(text, rendering), expected);  // a new one each time
@@ -278,10 +280,7 @@ TEST_F(TextDrawing, AFontThatCannotBeMeasuredHasTheUsualShape) {
     CCsText text(nullptr, 10, 20, L"ROI", 0, false);
     Rendering rendering = screen();
     rendering.prepare = [](GdiRecorder& recorder) { recorder.failing = "create device context"; };
-    EXPECT_EQ(drawn(text, rendering),
-              "font for \"ROI\" type 32 face DejaVu Sans width 9\nfail to create device context\n"
-              "create font -20 400\nselect font -20 400\n" +
-                  haloed("ROI", 10, 20) + "select caller's font\ndelete font -20 400\n");
+    EXPECT_EQ(drawn(text, rendering), inHostsFont("ROI", "fail to create device context\ncreate font -20 400\n"));
 }
 
 TEST_F(TextDrawing, WithoutADerivedFontTheHostsIsUsed) {
@@ -293,9 +292,7 @@ TEST_F(TextDrawing, WithoutADerivedFontTheHostsIsUsed) {
         recorder.failing = "create font -30";
     };
     EXPECT_EQ(drawnAs(text, CCsImageTextFont::Large, rendering),
-              "font for \"ROI\" type 32 face DejaVu Sans width 9\ncreate font -20 400\nfail to create font -30 400\n"
-              "select font -20 400\n" +
-                  haloed("ROI", 10, 20) + "select caller's font\ndelete font -20 400\n");
+              inHostsFont("ROI", "create font -20 400\nfail to create font -30 400\n"));
 }
 
 TEST_F(TextDrawing, OtherwiseTheCallersFontStays) {
@@ -327,10 +324,7 @@ TEST_F(TextDrawing, AnEmptyTextMakesNoFontInTheRenderWithAFontType) {
     EXPECT_EQ(drawnAs(text, CCsImageTextFont::Large, screen()), haloed("", 10, 20));
     Rendering rendering = screen();
     rendering.prepare = [](GdiRecorder& recorder) { recorder.hostFont = -20; };
-    EXPECT_EQ(drawn(text, rendering),
-              "font for \"\" type 32 face DejaVu Sans width 9\ncreate font -20 400\n"
-              "select font -20 400\n" +
-                  haloed("", 10, 20) + "select caller's font\ndelete font -20 400\n");
+    EXPECT_EQ(drawn(text, rendering), inHostsFont("", "create font -20 400\n"));
 }
 
 TEST_F(TextDrawing, TheRealHostsFontTakesPart) {
