@@ -184,4 +184,23 @@ TEST_F(LevelRampTest, MapsShowTheSameInEveryVariant) {
     }
 }
 
+// The window that reached the clone shows in its pictures, too, not the one that the original's table has.
+TEST_F(LevelRampTest, ClonesComputeTheirOwnWindow) {
+    const std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Rgb12));
+    map->setWindow(1000, 600);
+    ASSERT_NE(map->getLut(), nullptr);
+    map->setWindow(2000, 900);
+    const std::unique_ptr<IMap> clone(map->clone());
+    CCsRaster source(64, 1, CCS_RGB12, 1.0, false, false);
+    for (std::uint16_t i = 0; i < 4 * 64; ++i) {
+        const auto value = static_cast<std::uint16_t>(i * 16);
+        std::memcpy(source.getOrigin() + 2 * i, &value, sizeof value);
+    }
+    CCsRaster frame(64, 1, CCS_RGB8, 1.0, false, false);
+    ASSERT_EQ(clone->mapRaster(source, frame, {0, 0, 64, 1}, true, nullptr, nullptr), 255);
+    for (int i = 0; i < 4 * 64; ++i) {
+        ASSERT_EQ(frame.getOrigin()[i], i % 4 == 3 ? 0 : definedLevel({2000, 900}, i * 16)) << i;
+    }
+}
+
 }  // namespace
