@@ -47,72 +47,152 @@ TEST(BitPlaneTest, BitsAreFoundLowestFirstWithoutRowPadding) {
     }
 }
 
-/// Lines of all directions and steps over planes that are nearly blank: a piece without a bit in the summary has none,
-/// and the summary is worth having.
+/// Of a plane: boxes and short runs of set bits, or of clear ones.
+void fillAtRandom(zoltest::Random& random, unsigned char* data, int columns, int rows) {
+    const bool mostlySet = random.chance(0.4);
+    for (int b = random.integer(0, 3); b > 0; --b) {
+        const int top = random.integer(0, rows - 1);
+        const int left = random.integer(0, columns - 1);
+        const int bottom = std::min(top + (random.chance(0.5) ? 0 : random.integer(0, 20)), rows - 1);
+        const int right = std::min(left + random.integer(0, 9), columns - 1);
+        for (int y = top; y <= bottom; ++y) {
+            for (int x = left; x <= right; ++x) setBit(data, y * columns + x);
+        }
+    }
+    if (mostlySet) {
+        const int bytes = (columns * rows + 7) / 8;
+        for (int k = 0; k < bytes; ++k) data[k] = static_cast<unsigned char>(~data[k]);
+    }
+}
+
+/// What a summary says and what is so, for pieces that may show both.
+struct Told {
+    int blank = 0;  ///< pieces that show no set bit
+    int blankTold = 0;
+    int full = 0;  ///< pieces that show no clear bit
+    int fullTold = 0;
+};
+
+/// Holds a summary to every piece of a view that has a column on the plane or a pixel beside it.
+void expectTruth(const BitPlane& plane, const zolcs::Stepping& stepping, const BitSummary& summary, Told& told) {
+    const auto column = [](zolcs::Fixed16 u) { return zolcs::pixelOf(u); };
+    for (int y = 0; y < stepping.height; ++y) {
+        const zolcs::SourceLine line = stepping.line(y);
+        const auto isOn = [&](int x) {
+            return column(line.uAt(x)) >= plane.left() - 1 && column(line.uAt(x)) <= plane.right() + 1 &&
+                   column(line.vAt(x)) >= plane.top() - 1 && column(line.vAt(x)) <= plane.bottom() + 1;
+        };
+        for (int begin = 0; begin < stepping.width; begin += BitSummary::pieceColumns) {
+            bool on = false;
+            bool set = false;
+            bool clear = false;
+            for (int x = begin; x < begin + BitSummary::pieceColumns; ++x) {
+                on = on || isOn(x);
+                const bool exact = plane.isSet(zolcs::pixelOf(line.uAt(x)), zolcs::pixelOf(line.vAt(x)));
+                const bool rounded = plane.isSet(zolcs::roundedPixel(line.uAt(x)), zolcs::roundedPixel(line.vAt(x)));
+                set = set || exact || rounded;
+                clear = clear || !exact || !rounded;
+            }
+            if (!on) continue;
+            const int block = begin / BitSummary::blockColumns;
+            const int piece = begin % BitSummary::blockColumns / BitSummary::pieceColumns;
+            const bool maySet = (summary.mayBeSet(line, block) >> piece & 1) != 0;
+            const bool mayClear = (summary.mayBeClear(line, block) >> piece & 1) != 0;
+            ASSERT_TRUE(maySet || !set) << "row " << y << ", column " << begin;
+            ASSERT_TRUE(mayClear || !clear) << "row " << y << ", column " << begin;
+            told.blank += set ? 0 : 1;
+            told.blankTold += maySet ? 0 : 1;
+            told.full += clear ? 0 : 1;
+            told.fullTold += mayClear ? 0 : 1;
+        }
+    }
+}
+
+/// Views of all directions and steps over planes that are nearly blank or nearly full: what the summary denies is not
+/// there, and the summary is worth having.
 TEST(BitPlaneTest, ASummaryNeverMissesABit) {
     zoltest::Random random(12);
-    int blank = 0;
-    int told = 0;
-    for (int i = 0; i < 600; ++i) {
+    Told told;
+    for (int i = 0; i < 400; ++i) {
         const bool large = random.chance(0.1);
         const int columns = random.integer(1, large ? 4000 : 300);
         const int rows = random.integer(1, large ? 60 : 300);
-        const int left = random.integer(-50, 50);
-        const int top = random.integer(-50, 50);
         const auto data = bytesFor(columns, rows);
-        for (int b = random.integer(0, 3); b > 0; --b) {
-            const int row = random.integer(0, rows - 1);
-            const int first = random.integer(0, columns - 1);
-            const int last = std::min(first + random.integer(0, 9), columns - 1);
-            for (int x = first; x <= last; ++x) setBit(data.get(), row * columns + x);
-        }
-        const BitPlane plane(data.get(), left, top, columns, rows);
+        fillAtRandom(random, data.get(), columns, rows);
+        const BitPlane plane(data.get(), random.integer(-50, 50), random.integer(-50, 50), columns, rows);
         const double reach = random.chance(0.2) ? 40.0 : 2.0;
         const auto step = [&] { return static_cast<zolcs::Fixed16>(random.real(-reach, reach) * 65536.0); };
-        zolcs::SourceLine line{0, 0, step(), step()};
-        const BitSummary summary = random.chance(0.95) ? BitSummary(plane, line.du, line.dv) : BitSummary();
-        for (int q = 0; q < 10; ++q) {
-            // Through a point of the plane.
-            const int through = random.integer(0, 1200);
-            line.u = (left + random.integer(0, columns - 1)) * zolcs::fixed16One + random.integer(0, 65535) -
-                     through * line.du;
-            line.v =
-                (top + random.integer(0, rows - 1)) * zolcs::fixed16One + random.integer(0, 65535) - through * line.dv;
-            const auto isOn = [&](int x) {
-                const auto column = zolcs::pixelOf(line.uAt(x)) - left;
-                const auto row = zolcs::pixelOf(line.vAt(x)) - top;
-                return column >= -1 && column <= columns && row >= -1 && row <= rows;
-            };
-            int begin = through;
-            int end = through + 1;
-            while (isOn(begin - 1)) --begin;
-            while (isOn(end)) ++end;
-            for (; begin < end; begin += BitSummary::mostPieces * BitSummary::pieceColumns) {
-                const int pieces = std::min((end - begin + BitSummary::pieceColumns - 1) / BitSummary::pieceColumns,
-                                            BitSummary::mostPieces);
-                const std::uint64_t maySet = summary.mayBeSet(line, begin, pieces);
-                if (pieces < 64) {
-                    ASSERT_EQ(maySet >> pieces, 0U);
-                }
-                for (int p = 0; p < pieces; ++p) {
-                    bool set = false;
-                    for (int k = 0; k < BitSummary::pieceColumns; ++k) {
-                        const int x = begin + p * BitSummary::pieceColumns + k;
-                        set = set || plane.isSet(zolcs::pixelOf(line.uAt(x)), zolcs::pixelOf(line.vAt(x))) ||
-                              plane.isSet(zolcs::roundedPixel(line.uAt(x)), zolcs::roundedPixel(line.vAt(x)));
-                    }
-                    if (set) {
-                        ASSERT_NE(maySet >> p & 1, 0U);
-                    } else {
-                        ++blank;
-                        if ((maySet >> p & 1) == 0) ++told;
-                    }
-                }
+        zolcs::Stepping stepping;
+        stepping.stepXu = step();
+        stepping.stepXv = step();
+        stepping.stepYu = step();
+        stepping.stepYv = step();
+        stepping.width = random.integer(1, large ? 1500 : 200);
+        stepping.height = random.integer(1, 40);
+        // A pixel of the plane somewhere on the display.
+        const int x = random.integer(0, stepping.width - 1);
+        const int y = random.integer(0, stepping.height - 1);
+        const auto start = [&](std::int64_t first, int count, zolcs::Fixed16 alongX, zolcs::Fixed16 alongY) {
+            return (first + random.integer(0, count - 1)) * zolcs::fixed16One + random.integer(0, 65535) - x * alongX -
+                   y * alongY;
+        };
+        stepping.startU = start(plane.left(), columns, stepping.stepXu, stepping.stepYu);
+        stepping.startV = start(plane.top(), rows, stepping.stepXv, stepping.stepYv);
+        ASSERT_NO_FATAL_FAILURE(expectTruth(plane, stepping, BitSummary(plane, stepping), told));
+    }
+    EXPECT_GT(told.blank, 10000);
+    EXPECT_GT(told.blankTold, told.blank / 2);
+    EXPECT_GT(told.full, 3000);
+    EXPECT_GT(told.fullTold, told.full / 2);
+}
+
+/// Of lines that are not the view's own, of planes that leave bits out of account, and without a plane, nothing is
+/// told.
+TEST(BitPlaneTest, ASummaryTellsNothingOfOtherLines) {
+    constexpr std::uint64_t everything = ~std::uint64_t{0};
+    const auto data = bytesFor(64, 64);
+    zolcs::Stepping stepping;
+    stepping.stepXu = 60000;
+    stepping.stepXv = 20000;
+    stepping.stepYu = -20000;
+    stepping.stepYv = 60000;
+    stepping.width = 64;
+    stepping.height = 64;
+    const BitSummary summary(BitPlane(data.get(), 0, 0, 64, 64), stepping);
+    EXPECT_EQ(summary.mayBeSet(stepping.line(20), 0) & 0xFU, 0U);
+
+    zolcs::SourceLine withoutRow = stepping.line(20);
+    withoutRow.row = -1;
+    zolcs::SourceLine moved = stepping.line(20);
+    moved.u += 1;
+    for (const zolcs::SourceLine& line : {withoutRow, moved}) {
+        EXPECT_EQ(summary.mayBeSet(line, 0), everything);
+        EXPECT_EQ(summary.mayBeClear(line, 0), everything);
+    }
+    const BitSummary partial(BitPlane(data.get(), 0, 0, 64, 64, 1), stepping);
+    EXPECT_EQ(partial.mayBeSet(stepping.line(20), 0), everything);
+    EXPECT_EQ(BitSummary().mayBeSet(stepping.line(20), 0), everything);
+}
+
+TEST(BitPlaneTest, RowsAreCopiedWithoutTheBitsOfTheNext) {
+    zoltest::Random random(13);
+    for (int i = 0; i < 200; ++i) {
+        const int columns = random.integer(1, 200);
+        const int rows = random.integer(1, 6);
+        const auto data = bytesFor(columns, rows);
+        for (int k = 0; k < columns * rows; ++k) {
+            if (random.chance(0.5)) setBit(data.get(), k);
+        }
+        const BitPlane plane(data.get(), 0, 0, columns, rows);
+        std::vector<std::uint64_t> words(static_cast<std::size_t>((columns + 63) / 64));
+        for (int y = 0; y < rows; ++y) {
+            plane.copyRow(y, words.data());
+            for (int x = 0; x < static_cast<int>(words.size()) * 64; ++x) {
+                const bool set = (words[static_cast<std::size_t>(x / 64)] >> (x % 64) & 1) != 0;
+                ASSERT_EQ(set, x < columns && bitAt(data.get(), columns, x, y));
             }
         }
     }
-    EXPECT_GT(blank, 10000);
-    EXPECT_GT(told, blank / 2);
 }
 
 TEST(BitPlaneTest, BitsFromAnywhere) {

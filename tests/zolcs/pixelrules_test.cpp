@@ -160,6 +160,48 @@ TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
     EXPECT_GT(shown, 100000);
 }
 
+/// Magnified, most of a line over a solid area is known to be covered without a look at any pixel of it.
+TEST(PixelRulesTest, SolidAreasInObliqueViewsEqualTheirBits) {
+    zoltest::Random random(34);
+    PixelRuns runs;
+    int covered = 0;
+    for (int i = 0; i < 60; ++i) {
+        const int width = random.integer(60, 400);
+        const int height = random.integer(60, 400);
+        const RuledRaster source = zoltest::makeRuledRaster(random, width, height, CCS_GREY12, 1.0, {});
+        // All but a few pixels somewhere.
+        std::vector<unsigned char> padding(static_cast<std::size_t>((width * height + 7) / 8), 0xFF);
+        for (int hole = random.integer(0, 4); hole > 0; --hole) {
+            const int k = random.integer(0, width * height - 1);
+            padding[static_cast<std::size_t>(k / 8)] &= static_cast<unsigned char>(~(1 << k % 8));
+        }
+        const double a = random.real(-0.6, 0.6);
+        const double b = random.real(-0.6, 0.6);
+        const int displayWidth = random.integer(1, 1300);
+        const int displayHeight = random.integer(1, 40);
+        const double u = width * random.real(0.2, 0.8) - (a * displayWidth - b * displayHeight) / 2;
+        const double v = height * random.real(0.2, 0.8) - (b * displayWidth + a * displayHeight) / 2;
+        const zolcs::Stepping stepping =
+            zolcs::makeStepping({a, b, -b, a, u, v}, width, height, displayWidth, displayHeight);
+        const PixelRules rules = PixelRules::forResampling(*source.raster, nullptr, padding.data(), 77, stepping);
+        for (int y = 0; y < displayHeight; ++y) {
+            const SourceLine line = stepping.line(y);
+            const ColumnRange columns{stepping.span(y).begin(), stepping.span(y).end()};
+            rules.cut(line, columns, runs);
+            expectWellFormed(runs, columns);
+            for (const PixelRun& run : runs) {
+                for (int x = run.begin; x < run.end; ++x) {
+                    ASSERT_EQ(shownBy(rules, run, 5), zoltest::shownInstead(*source.raster, nullptr, padding.data(), 77,
+                                                                            displayWidth, line.uAt(x), line.vAt(x), 5))
+                        << "case " << i << " row " << y << " column " << x;
+                    covered += run.shows == PixelRun::Shows::Covered ? 1 : 0;
+                }
+            }
+        }
+    }
+    EXPECT_GT(covered, 100000);
+}
+
 TEST(PixelRulesTest, WholeRasterRunsEqualTheRulesPixelByPixel) {
     zoltest::Random random(32);
     PixelRuns runs;

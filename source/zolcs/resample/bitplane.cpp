@@ -20,6 +20,18 @@ std::uint64_t BitPlane::lastWord(std::int64_t k) const {
     return bits;
 }
 
+void BitPlane::copyRow(std::int64_t row, std::uint64_t* words) const {
+    const std::int64_t count = (columns_ + 63) / 64;
+    std::int64_t index = row * columns_;
+    const std::int64_t byte = index / 8;
+    if (std::endian::native == std::endian::little && index % 8 == 0 && byte + count * 8 <= bytes_) {
+        std::memcpy(words, data_ + byte, static_cast<std::size_t>(count) * 8);
+    } else {
+        for (std::int64_t k = 0; k < count; ++k, index += 64) words[k] = bitsFrom(index);
+    }
+    if (columns_ % 64 != 0) words[count - 1] &= ~std::uint64_t{0} >> (64 - columns_ % 64);
+}
+
 bool BitPlane::isBlank() const {
     const std::int64_t bits = columns_ * rows_;
     // Some at a time, so that the loop over them need not look.
@@ -44,104 +56,167 @@ std::uint64_t tilesOf(std::uint64_t bits) {
     return (bits | bits >> 24) & 0xFFFFU;
 }
 
-}  // namespace
+/// What is known of a plane in squares of some pixels, spread as far as a piece of some rows reaches: the tile below
+/// the piece's middle tells about all of it.
+class TileMap {
+public:
+    /// Both numbers are in pixels to either side of the middle; they and the plane must be small enough for `fits`.
+    TileMap(const BitPlane& plane, Fixed16 reachU, Fixed16 reachV) {
+        // In tiles; two pixels more, since positions are cut and rounded.
+        reachU_ = (reachU + 2 * fixed16One + tile - 1) / tile;
+        reachV_ = (reachV + 2 * fixed16One + tile - 1) / tile;
+        // A piece's middle may lie as far beside the plane, and the tile that tells about it as far again.
+        // On the left in whole groups of the tiles that a word of the plane gives.
+        left_ = (reachU_ + 1 + tilesOfWord - 1) / tilesOfWord * tilesOfWord;
+        top_ = reachV_ + 1;
+        words_ = (left_ + wholeTiles(plane.columns()) + 2 * reachU_ + tilesOfWord + 63) / 64;
+        lines_ = top_ + wholeTiles(plane.rows()) + 2 * reachV_ + 2;
+        originU_ = plane.left() * fixed16One - (left_ + reachU_) * tile;
+        originV_ = plane.top() * fixed16One - (top_ + reachV_) * tile;
+    }
 
-BitSummary::BitSummary(const BitPlane& plane, Fixed16 du, Fixed16 dv) : du_(du), dv_(dv) {
-    static_assert(pieceColumns % (1 << tileShift) == 0, "a piece is a whole number of tiles: no step is cut");
-    constexpr Fixed16 farthest = 256 * fixed16One;
-    constexpr Fixed16 tile = fixed16One << tileShift;
-    const Fixed16 halfPieceU = std::abs(du) * (pieceColumns / 2);
-    const Fixed16 halfPieceV = std::abs(dv) * (pieceColumns / 2);
-    if (plane.columns() <= 0 || plane.rows() <= 0 || halfPieceU > farthest || halfPieceV > farthest) return;
-    // In tiles; two pixels more, since positions are cut and rounded.
-    const std::int64_t reachU = (halfPieceU + 2 * fixed16One + tile - 1) / tile;
-    const std::int64_t reachV = (halfPieceV + 2 * fixed16One + tile - 1) / tile;
-    // A piece's middle may lie as far beside the plane, and the tile that tells about it as far again.
-    // On the left in whole groups of the tiles that a word of the plane gives.
-    const std::int64_t left = (reachU + 1 + tilesOfWord - 1) / tilesOfWord * tilesOfWord;
-    const std::int64_t top = reachV + 1;
-    const auto wholeTiles = [](std::int64_t pixels) { return (pixels + (1 << tileShift) - 1) >> tileShift; };
-    words_ = (left + wholeTiles(plane.columns()) + 2 * reachU + tilesOfWord + 63) / 64;
-    lines_ = top + wholeTiles(plane.rows()) + 2 * reachV + 2;
-    // Positions have to fit 31 bits; the tests read bytes.
-    if (words_ * 64 >= 0x8000 || lines_ >= 0x8000 || std::endian::native != std::endian::little) return;
-    tiles_.assign(static_cast<std::size_t>(words_ * lines_), 0);
-    gatherTiles(plane, left, top);
-    spread(reachU, reachV);
-    originU_ = plane.left() * fixed16One - (left + reachU) * tile;
-    originV_ = plane.top() * fixed16One - (top + reachV) * tile;
-}
+    /// Positions have to fit 31 bits; the tests read bytes.
+    [[nodiscard]] bool fits() const {
+        return words_ * 64 < 0x8000 && lines_ < 0x8000 && std::endian::native == std::endian::little;
+    }
 
-void BitSummary::gatherTiles(const BitPlane& plane, std::int64_t left, std::int64_t top) {
-    std::vector<std::uint64_t> some(static_cast<std::size_t>((plane.columns() + 63) / 64));
-    for (std::int64_t first = 0; first < plane.rows(); first += std::int64_t{1} << tileShift) {
-        std::fill(some.begin(), some.end(), 0);
-        const std::int64_t end = std::min(first + (std::int64_t{1} << tileShift), plane.rows());
-        for (std::int64_t row = first; row < end; ++row) {
-            std::int64_t index = row * plane.columns();
-            for (std::uint64_t& bits : some) {
-                bits |= plane.bitsFrom(index);
-                index += 64;
+    void gather(const BitPlane& plane) {
+        const auto tiles = static_cast<std::size_t>(words_ * lines_);
+        set_.assign(tiles, 0);
+        clear_.assign(tiles, ~std::uint64_t{0});
+        gatherTiles(plane);
+        spread(set_);
+        if (someAreFull_) spread(clear_);
+    }
+
+    /// Bit i tells about the piece whose middle is that of the first one and i steps on.
+    [[nodiscard]] std::uint64_t maySet(const SourceLine& middles) const { return ask(set_, middles); }
+    [[nodiscard]] std::uint64_t mayClear(const SourceLine& middles) const {
+        return someAreFull_ ? ask(clear_, middles) : ~std::uint64_t{0};
+    }
+
+    static constexpr int tileShift = 2;
+
+private:
+    using Tiles = std::vector<std::uint64_t>;  ///< lines of tile bits
+
+    static constexpr int tilesOfWord = 64 >> tileShift;
+    static constexpr Fixed16 tile = fixed16One << tileShift;
+
+    static std::int64_t wholeTiles(std::int64_t pixels) { return (pixels + (1 << tileShift) - 1) >> tileShift; }
+
+    void gatherTiles(const BitPlane& plane) {
+        constexpr std::int64_t tileRows = std::int64_t{1} << tileShift;
+        const auto words = static_cast<std::size_t>((plane.columns() + 63) / 64);
+        Tiles bits(words);
+        Tiles some(words);
+        Tiles every(words);
+        for (std::int64_t first = 0; first < plane.rows(); first += tileRows) {
+            std::fill(some.begin(), some.end(), 0);
+            std::fill(every.begin(), every.end(), first + tileRows <= plane.rows() ? ~std::uint64_t{0} : 0);
+            for (std::int64_t row = first; row < std::min(first + tileRows, plane.rows()); ++row) {
+                plane.copyRow(row, bits.data());
+                for (std::size_t k = 0; k < words; ++k) {
+                    some[k] |= bits[k];
+                    every[k] &= bits[k];
+                }
+            }
+            const std::int64_t line = (top_ + (first >> tileShift)) * words_;
+            std::int64_t at = left_;
+            for (std::size_t k = 0; k < words; ++k, at += tilesOfWord) {
+                if (some[k] == 0) continue;
+                constexpr std::uint64_t all = (std::uint64_t{1} << tilesOfWord) - 1;
+                const auto word = static_cast<std::size_t>(line + at / 64);
+                const std::uint64_t full = all & ~tilesOf(~every[k]);
+                set_[word] |= tilesOf(some[k]) << (at % 64);
+                clear_[word] &= ~(full << (at % 64));
+                someAreFull_ = someAreFull_ || full != 0;
             }
         }
-        // The last bits belong to the next row.
-        const std::int64_t rest = plane.columns() % 64;
-        if (rest != 0) some.back() &= ~std::uint64_t{0} >> (64 - rest);
-        std::uint64_t* line = tiles_.data() + (top + (first >> tileShift)) * words_;
-        std::int64_t at = left;
-        for (std::uint64_t bits : some) {
-            line[at / 64] |= tilesOf(bits) << (at % 64);
-            at += tilesOfWord;
+    }
+
+    void spread(Tiles& tiles) const {
+        // By doubling, rightwards and downwards; the origin makes up for that.
+        const auto inSteps = [](std::int64_t reach, const auto& spreadBy) {
+            const std::int64_t wanted = 2 * reach + 1;
+            for (std::int64_t wide = 1; wide < wanted;) {
+                constexpr std::int64_t longest = 32;  // less than a word
+                const std::int64_t step = std::min({wide, wanted - wide, longest});
+                spreadBy(step);
+                wide += step;
+            }
+        };
+        inSteps(reachU_, [&](std::int64_t step) {
+            for (std::int64_t y = 0; y < lines_; ++y) {
+                std::uint64_t* line = tiles.data() + y * words_;
+                for (std::int64_t k = words_; k-- > 1;) line[k] |= line[k] << step | line[k - 1] >> (64 - step);
+                line[0] |= line[0] << step;
+            }
+        });
+        inSteps(reachV_, [&](std::int64_t step) {
+            for (std::int64_t y = lines_; y-- > step;) {
+                std::uint64_t* line = tiles.data() + y * words_;
+                const std::uint64_t* above = line - step * words_;
+                for (std::int64_t k = 0; k < words_; ++k) line[k] |= above[k];
+            }
+        });
+    }
+
+    [[nodiscard]] std::uint64_t ask(const Tiles& tiles, const SourceLine& middles) const {
+        const auto tilePosition = [](Fixed16 pixels) { return static_cast<std::uint32_t>(pixels >> tileShift); };
+        const SpanPositions positions{tilePosition(middles.u - originU_), tilePosition(middles.v - originV_),
+                                      tilePosition(middles.du), tilePosition(middles.dv),
+                                      static_cast<std::int32_t>(words_ * 64)};
+        const SpanBits bits{reinterpret_cast<const unsigned char*>(tiles.data()), 0,
+                            static_cast<std::uint32_t>(tiles.size() * 64)};
+        // Here each piece is one position.
+        constexpr int together = SpanBits::pieceColumns;
+        std::array<std::uint16_t, BitSummary::blockPieces / together> answers{};
+        SpanOperations::chosen().testBits(positions, bits, (std::uint64_t{1} << answers.size()) - 1, answers.data());
+        std::uint64_t result = 0;
+        for (std::size_t i = answers.size(); i-- > 0;) result = result << together | answers[i];
+        return result;
+    }
+
+    std::int64_t reachU_ = 0;  ///< in tiles
+    std::int64_t reachV_ = 0;
+    std::int64_t left_ = 0;  ///< tiles beside the plane's first one
+    std::int64_t top_ = 0;
+    std::int64_t words_ = 0;  ///< of a line
+    std::int64_t lines_ = 0;
+    Fixed16 originU_ = 0;  ///< source position of the first tile bit, as it is asked for
+    Fixed16 originV_ = 0;
+    Tiles set_;                 ///< tiles with a set bit
+    Tiles clear_;               ///< tiles with a clear bit, or that reach beyond the plane
+    bool someAreFull_ = false;  ///< never so of mere figures
+};
+
+}  // namespace
+
+BitSummary::BitSummary(const BitPlane& plane, const Stepping& stepping) : stepping_(stepping) {
+    static_assert(pieceColumns % (1 << TileMap::tileShift) == 0, "a piece is a whole number of tiles: no step is cut");
+    constexpr Fixed16 farthest = 256 * fixed16One;
+    const auto reachOf = [](Fixed16 alongRow, Fixed16 alongColumn) {
+        return std::abs(alongRow) * (pieceColumns / 2) + std::abs(alongColumn) * (rowsTogether / 2);
+    };
+    const Fixed16 reachU = reachOf(stepping.stepXu, stepping.stepYu);
+    const Fixed16 reachV = reachOf(stepping.stepXv, stepping.stepYv);
+    if (plane.columns() <= 0 || plane.rows() <= 0 || plane.firstIndex() != 0) return;
+    if (reachU > farthest || reachV > farthest) return;
+    TileMap tiles(plane, reachU, reachV);
+    if (!tiles.fits()) return;
+    tiles.gather(plane);
+
+    blocks_ = static_cast<std::size_t>((stepping.width + blockColumns - 1) / blockColumns);
+    for (int row = 0; row < stepping.height; row += rowsTogether) {
+        const SourceLine line = stepping.line(row + rowsTogether / 2);
+        for (int column = pieceColumns / 2; column < stepping.width; column += blockColumns) {
+            const SourceLine middles{line.uAt(column), line.vAt(column), line.du * pieceColumns,
+                                     line.dv * pieceColumns};
+            maySet_.push_back(tiles.maySet(middles));
+            mayClear_.push_back(tiles.mayClear(middles));
         }
     }
-}
-
-void BitSummary::spread(std::int64_t reachU, std::int64_t reachV) {
-    // By doubling, rightwards and downwards; the origin makes up for that.
-    const auto inSteps = [](std::int64_t reach, const auto& spreadBy) {
-        const std::int64_t wanted = 2 * reach + 1;
-        for (std::int64_t wide = 1; wide < wanted;) {
-            constexpr std::int64_t longest = 32;  // less than a word
-            const std::int64_t step = std::min({wide, wanted - wide, longest});
-            spreadBy(step);
-            wide += step;
-        }
-    };
-    inSteps(reachU, [this](std::int64_t step) {
-        for (std::int64_t y = 0; y < lines_; ++y) {
-            std::uint64_t* line = tiles_.data() + y * words_;
-            for (std::int64_t k = words_; k-- > 1;) line[k] |= line[k] << step | line[k - 1] >> (64 - step);
-            line[0] |= line[0] << step;
-        }
-    });
-    inSteps(reachV, [this](std::int64_t step) {
-        for (std::int64_t y = lines_; y-- > step;) {
-            std::uint64_t* line = tiles_.data() + y * words_;
-            const std::uint64_t* above = line - step * words_;
-            for (std::int64_t k = 0; k < words_; ++k) line[k] |= above[k];
-        }
-    });
-}
-
-std::uint64_t BitSummary::mayBeSet(const SourceLine& line, int begin, int pieces) const {
-    const std::uint64_t all = ~std::uint64_t{0} >> (mostPieces - pieces);
-    if (tiles_.empty() || line.du != du_ || line.dv != dv_) return all;
-    const auto tilePosition = [](Fixed16 pixels) { return static_cast<std::uint32_t>(pixels >> tileShift); };
-    constexpr int middle = pieceColumns / 2;
-    const SpanPositions positions{tilePosition(line.uAt(begin + middle) - originU_),
-                                  tilePosition(line.vAt(begin + middle) - originV_),
-                                  tilePosition(line.du * pieceColumns), tilePosition(line.dv * pieceColumns),
-                                  static_cast<std::int32_t>(words_ * 64)};
-    const SpanBits bits{reinterpret_cast<const unsigned char*>(tiles_.data()), 0,
-                        static_cast<std::uint32_t>(tiles_.size() * 64)};
-    // Here each piece is one position.
-    constexpr int together = SpanBits::pieceColumns;
-    std::array<std::uint16_t, mostPieces / together> set{};
-    const int groups = (pieces + together - 1) / together;
-    SpanOperations::chosen().testBits(positions, bits, (std::uint64_t{1} << groups) - 1, set.data());
-    std::uint64_t result = 0;
-    for (std::size_t i = set.size(); i-- > 0;) result = result << together | set[i];
-    return result & all;
 }
 
 }  // namespace zolcs

@@ -30,6 +30,7 @@ public:
     [[nodiscard]] std::int64_t top() const { return top_; }
     [[nodiscard]] std::int64_t right() const { return left_ + columns_ - 1; }
     [[nodiscard]] std::int64_t bottom() const { return top_ + rows_ - 1; }
+    [[nodiscard]] std::int64_t firstIndex() const { return firstIndex_; }
 
     /// The last image row whose bits, and those of all rows above it, lie in 32-bit words that the data holds whole.
     /// Above the top when bits are left out of account.
@@ -61,6 +62,9 @@ public:
         const auto shift = static_cast<unsigned>(index & 63);
         return shift == 0 ? low : low >> shift | word((index >> 6) + 1) << (64U - shift);
     }
+
+    /// The bits of a row of the plane, 64 to a word; those behind the last column are 0.
+    void copyRow(std::int64_t row, std::uint64_t* words) const;
 
 private:
     /// Bits 64 k to 64 k + 63; nothing beyond the plane's last byte is read.
@@ -119,38 +123,47 @@ void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, V
     if (open >= 0) visit(open - columnZero, end - columnZero - 1);
 }
 
-/// Tells for pieces of oblique lines whether a plane can be set there: bits of tiles, spread as far as a piece reaches.
+/// Tells for pieces of the rows of an oblique view whether a plane can be set or clear there. A piece has as many
+/// columns as are tested together; the first one begins at display column 0. Some rows share what is known.
 class ZOLWEBCS_API BitSummary {
 public:
-    /// Columns of a piece.
     static constexpr int pieceColumns = SpanBits::pieceColumns;
-    /// Pieces that are told about at a time.
-    static constexpr int mostPieces = 64;
+    /// Pieces that are told about at a time, from the first column of the block on.
+    static constexpr int blockPieces = 64;
+    static constexpr int blockColumns = blockPieces * pieceColumns;
 
-    /// Knows nothing: everything may be set.
+    /// Knows nothing: everything may be set and may be clear.
     BitSummary() = default;
 
-    /// For lines of these steps; of others it knows nothing.
-    BitSummary(const BitPlane& plane, Fixed16 du, Fixed16 dv);
+    /// For the lines of `stepping`; of others it knows nothing.
+    BitSummary(const BitPlane& plane, const Stepping& stepping);
 
-    /// Bit i is 0 only when no column of piece i shows a set bit, be its position exact or rounded to single precision.
-    /// The pieces follow one another from column `begin` on; each of them must have a column on the plane.
-    [[nodiscard]] std::uint64_t mayBeSet(const SourceLine& line, int begin, int pieces) const;
+    /// Bit i is 0 only when no column of piece i of a block shows a set bit, be its position exact or rounded to single
+    /// precision. Holds for pieces of which a column lies on the plane or a pixel beside it.
+    [[nodiscard]] std::uint64_t mayBeSet(const SourceLine& line, int block) const {
+        return knows(line) ? maySet_[indexOf(line.row, block)] : ~std::uint64_t{0};
+    }
+
+    /// The same for clear bits, those beside the plane included.
+    [[nodiscard]] std::uint64_t mayBeClear(const SourceLine& line, int block) const {
+        return knows(line) ? mayClear_[indexOf(line.row, block)] : ~std::uint64_t{0};
+    }
 
 private:
-    void gatherTiles(const BitPlane& plane, std::int64_t left, std::int64_t top);
-    void spread(std::int64_t reachU, std::int64_t reachV);
+    /// Neighbouring rows of which the same is known.
+    static constexpr int rowsTogether = 8;
 
-    static constexpr int tileShift = 2;
-    static constexpr int tilesOfWord = 64 >> tileShift;
+    [[nodiscard]] bool knows(const SourceLine& line) const {
+        return !maySet_.empty() && line.row >= 0 && line == stepping_.line(line.row);
+    }
+    [[nodiscard]] std::size_t indexOf(int row, int block) const {
+        return static_cast<std::size_t>(row / rowsTogether) * blocks_ + static_cast<std::size_t>(block);
+    }
 
-    std::vector<std::uint64_t> tiles_;  ///< lines of tile bits; empty when nothing is known
-    std::int64_t words_ = 0;            ///< of a line
-    std::int64_t lines_ = 0;
-    Fixed16 originU_ = 0;  ///< source position of the first tile bit, as it is asked for
-    Fixed16 originV_ = 0;
-    Fixed16 du_ = 0;
-    Fixed16 dv_ = 0;
+    Stepping stepping_;
+    std::size_t blocks_ = 0;             ///< of a row
+    std::vector<std::uint64_t> maySet_;  ///< block by block; empty when nothing is known
+    std::vector<std::uint64_t> mayClear_;
 };
 
 }  // namespace zolcs

@@ -46,6 +46,7 @@ public:
         columnOffsets_.clear();
         line_.clear();
         expected_ = {};
+        ahead_ = pixelOf(stepping.stepYv * linesAhead) * source_.pitch() + pixelOf(stepping.stepYu * linesAhead);
         if (!stepping.isUpright()) return;
         columnOffsets_.resize(static_cast<std::size_t>(stepping.width));
         Fixed16 u = stepping.startU;
@@ -75,6 +76,10 @@ public:
     }
 
 private:
+    /// Oblique lines meet new pixels at every source row that they cross, which no processor foresees: they are fetched
+    /// as many lines ahead.
+    static constexpr Fixed16 linesAhead = 8;
+
     /// Zoomed in, neighbouring lines show one source line: it is kept when the next line shows it again.
     void fillUpright(Fixed16 v, ColumnRange columns, Pixel* out) {
         const std::int64_t sourceLine = pixelOf(v);
@@ -99,7 +104,7 @@ private:
     }
 
     void fillOblique(const SourceLine& line, ColumnRange columns, Pixel* out) {
-        std::array<std::int32_t, 256> offsets;
+        alignas(64) std::array<std::int32_t, 256> offsets;
         for (int x = columns.begin; x < columns.end;) {
             const int count = std::min(columns.end - x, static_cast<int>(offsets.size()));
             // Modulo 2^32 the sums are exact wherever the position itself fits.
@@ -108,6 +113,7 @@ private:
                                           static_cast<std::uint32_t>(line.dv),
                                           static_cast<std::int32_t>(source_.pitch())};
             SpanOperations::chosen().offsets(positions, count, offsets.data());
+            prefetchSpan(source_.line(0), sizeof(SourcePixel), offsets.data(), count, ahead_);
             moveSpan(source_.line(0), offsets.data(), count, convert_, out);
             x += count;
             out += count;
@@ -117,6 +123,7 @@ private:
     ImageView<const SourcePixel> source_;
     const Convert& convert_;
     std::vector<std::int32_t> columnOffsets_;
+    std::ptrdiff_t ahead_ = 0;  ///< from a pixel of a line to that of the line so far ahead
     Fixed16 lineStep_ = 0;
     std::int64_t sourceLines_ = 0;
     std::vector<Pixel> line_;  ///< the expected columns of the source line that is kept

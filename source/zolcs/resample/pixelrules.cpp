@@ -54,6 +54,13 @@ void paintRun(std::uint32_t* out, int count, int room, std::uint32_t colour) {
 
 ColumnRange common(ColumnRange a, ColumnRange b) { return {std::max(a.begin, b.begin), std::min(a.end, b.end)}; }
 
+/// A bit for each piece of a block that some of the block's columns belong to.
+std::uint64_t piecesOf(ColumnRange columns) {
+    const int first = columns.begin / BitSummary::pieceColumns;
+    const int last = (columns.end - 1) / BitSummary::pieceColumns;
+    return (~std::uint64_t{0} << first) & (~std::uint64_t{0} >> (BitSummary::blockPieces - 1 - last));
+}
+
 }  // namespace
 
 void PixelRuns::reset(ColumnRange columns) {
@@ -222,7 +229,7 @@ void PixelRules::prepareFor(const Stepping& stepping) {
         exactColumns_.build(upright, false);
         roundedColumns_.build(upright, true);
     } else {
-        for (Layer& layer : layers_) layer.summary = BitSummary(layer.plane, stepping.stepXu, stepping.stepXv);
+        for (Layer& layer : layers_) layer.summary = BitSummary(layer.plane, stepping);
     }
 }
 
@@ -421,20 +428,34 @@ void PixelRules::visitObliqueBits(const SourceLine& line, ColumnRange columns, c
                              (plane.right() + slack + 1) * fixed16One - 1, columns);
     columns = columnsBetween(line.v, line.dv, (plane.top() - slack) * fixed16One,
                              (plane.bottom() + slack + 1) * fixed16One - 1, columns);
+    if (columns.empty()) return;
     const ColumnRange together = columnsOfWords(line, columns, layer);
     constexpr int piece = BitSummary::pieceColumns;
-    std::array<std::uint16_t, BitSummary::mostPieces> set{};
-    for (int begin = columns.begin; begin < columns.end; begin += BitSummary::mostPieces * piece) {
-        const ColumnRange part{begin, std::min(begin + BitSummary::mostPieces * piece, columns.end)};
-        std::uint64_t maySet = layer.summary.mayBeSet(line, begin, (part.end - begin + piece - 1) / piece);
-        testBits(line, part, layer, maySet, set.data());
-        for (; maySet != 0; maySet &= maySet - 1) {
+    std::array<std::uint16_t, BitSummary::blockPieces> set{};
+    for (int block = columns.begin / BitSummary::blockColumns; block * BitSummary::blockColumns < columns.end;
+         ++block) {
+        const int left = block * BitSummary::blockColumns;
+        const ColumnRange part = common(columns, {left, left + BitSummary::blockColumns});
+        std::uint64_t maySet = layer.summary.mayBeSet(line, block) & piecesOf({part.begin - left, part.end - left});
+        const std::uint64_t unknown = maySet & layer.summary.mayBeClear(line, block);
+        testBits(line, left, layer, unknown, set.data());
+        while (maySet != 0) {
             const int at = std::countr_zero(maySet);
-            const ColumnRange tested{begin + at * piece, std::min(begin + (at + 1) * piece, part.end)};
+            int x = left + at * piece;
+            const int full = std::countr_one((maySet & ~unknown) >> at);
+            if (full > 0) {
+                visit(common(part, {x, x + full * piece}));
+                maySet = at + full < BitSummary::blockPieces ? maySet & ~std::uint64_t{0} << (at + full) : 0;
+                continue;
+            }
+            maySet &= maySet - 1;
+            const ColumnRange tested = common(part, {x, x + piece});
             const bool atOnce = tested.begin >= together.begin && tested.end <= together.end;
-            unsigned bits = atOnce ? set[static_cast<std::size_t>(at)] : testBitsOneByOne(line, tested, layer);
-            if (tested.end - tested.begin < piece) bits &= (1U << (tested.end - tested.begin)) - 1U;
-            for (int x = tested.begin; bits != 0;) {
+            const auto lowest = [](int count) { return (1U << count) - 1U; };
+            unsigned bits = atOnce ? unsigned{set[static_cast<std::size_t>(at)]}
+                                   : unsigned{testBitsOneByOne(line, tested, layer)} << (tested.begin - x);
+            bits &= lowest(tested.end - x) & ~lowest(tested.begin - x);
+            while (bits != 0) {
                 const int clear = std::countr_zero(bits);
                 bits >>= clear;
                 const int run = std::countr_one(bits);
@@ -461,16 +482,15 @@ ColumnRange PixelRules::columnsOfWords(const SourceLine& line, ColumnRange colum
     return columnsBetween(line.v, line.dv, std::max<Fixed16>(plane.top() * fixed16One, 0), endV - 1, columns);
 }
 
-/// Tests pieces of columns; the results hold only where columnsOfWords says that they can.
-void PixelRules::testBits(const SourceLine& line, ColumnRange columns, const Layer& layer, std::uint64_t pieces,
+/// Tests pieces of columns from `left` on; the results hold only where columnsOfWords says that they can.
+void PixelRules::testBits(const SourceLine& line, int left, const Layer& layer, std::uint64_t pieces,
                           std::uint16_t* set) {
     const BitPlane& plane = layer.plane;
     const std::int64_t bits = (plane.lastRowInWords() - plane.top() + 1) * plane.columns();
     if (bits <= 0) return;
-    const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(columns.begin)),
-                                  static_cast<std::uint32_t>(line.vAt(columns.begin)),
-                                  static_cast<std::uint32_t>(line.du), static_cast<std::uint32_t>(line.dv),
-                                  static_cast<std::int32_t>(plane.columns())};
+    const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(left)),
+                                  static_cast<std::uint32_t>(line.vAt(left)), static_cast<std::uint32_t>(line.du),
+                                  static_cast<std::uint32_t>(line.dv), static_cast<std::int32_t>(plane.columns())};
     const SpanOperations& operations = SpanOperations::chosen();
     const auto test = layer.roundedPositions ? operations.testRoundedBits : operations.testBits;
     const std::int64_t first = plane.top() * plane.columns() + plane.left();

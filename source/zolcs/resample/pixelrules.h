@@ -157,7 +157,7 @@ private:
     template <typename Visit>
     static void visitObliqueBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit);
     static ColumnRange columnsOfWords(const SourceLine& line, ColumnRange columns, const Layer& layer);
-    static void testBits(const SourceLine& line, ColumnRange columns, const Layer& layer, std::uint64_t pieces,
+    static void testBits(const SourceLine& line, int left, const Layer& layer, std::uint64_t pieces,
                          std::uint16_t* set);
     static std::uint16_t testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer);
 

@@ -85,17 +85,32 @@ std::vector<std::string> SpanOperations::variants() { return zolplatform::Vector
 
 bool SpanOperations::choose(const std::string& variant) { return choice.choose(variant); }
 
-void prefetchStart(const void* data) {
+namespace {
+
+constexpr std::uintptr_t cacheLine = 64;
+
+/// An address as a number, since it may lie beyond the image.
+void prefetchAt([[maybe_unused]] std::uintptr_t address) {
 #if defined(__SSE2__) || defined(_M_X64)
-    // As numbers: the addresses may lie beyond the image.
-    constexpr std::uintptr_t cacheLine = 64;
-    const auto start = reinterpret_cast<std::uintptr_t>(data);
-    for (std::uintptr_t i = 0; i < 4; ++i) {
-        _mm_prefetch(reinterpret_cast<const char*>(start + i * cacheLine), _MM_HINT_T0);
-    }
-#else
-    static_cast<void>(data);
+    _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
 #endif
+}
+
+}  // namespace
+
+void prefetchStart(const void* data) {
+    const auto start = reinterpret_cast<std::uintptr_t>(data);
+    for (std::uintptr_t i = 0; i < 4; ++i) prefetchAt(start + i * cacheLine);
+}
+
+void prefetchSpan(const void* source, std::size_t pixelBytes, const std::int32_t* offsets, int count,
+                  std::ptrdiff_t ahead) {
+    // The next lines ask beside these pixels, and so reach what lies between them.
+    constexpr int step = 8;
+    const auto start = reinterpret_cast<std::uintptr_t>(source);
+    for (int i = 0; i < count; i += step) {
+        prefetchAt(start + static_cast<std::uintptr_t>(offsets[i] + ahead) * pixelBytes);
+    }
 }
 
 namespace {

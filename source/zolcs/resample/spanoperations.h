@@ -77,6 +77,11 @@ ZOLWEBCS_API void copySpan(const std::uint32_t* source, const std::int32_t* offs
 /// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
 ZOLWEBCS_API void prefetchStart(const void* data);
 
+/// Tells the processor that the source pixels `ahead` behind some of those at `offsets` will be read soon. They may lie
+/// beyond the source.
+void prefetchSpan(const void* source, std::size_t pixelBytes, const std::int32_t* offsets, int count,
+                  std::ptrdiff_t ahead);
+
 /// The plain transposition, for pixels of any size.
 template <typename Pixel>
 void transposeTile(const Pixel* tile, const TileShape& shape, Pixel* out) {

@@ -8,7 +8,6 @@
 #include "zolcs/resample/spanvectors.h"
 
 #include <bit>
-#include <cstring>
 
 HWY_BEFORE_NAMESPACE();
 namespace zolcs::HWY_NAMESPACE {
@@ -76,6 +75,7 @@ template <typename PixelOf>
 void testBits(const SpanPositions& positions, const SpanBits& bits, std::uint64_t pieces, std::uint16_t* set) {
     constexpr int columns = SpanBits::pieceColumns;
     const U32 d;
+    const I32 di;
     const int lanes = static_cast<int>(hn::Lanes(d));
     const auto index = hn::Iota(d, 0);
     const auto alongU = hn::Mul(index, hn::Set(d, positions.du));
@@ -83,33 +83,22 @@ void testBits(const SpanPositions& positions, const SpanBits& bits, std::uint64_
     const auto pitch = hn::Set(d, static_cast<std::uint32_t>(positions.pitch));
     const auto first = hn::Set(d, static_cast<std::uint32_t>(bits.first));
     const auto last = hn::Set(d, bits.count - 1);
+    const auto one = hn::Set(d, 1);
+    const auto* words = reinterpret_cast<const std::uint32_t*>(bits.words);
     const PixelOf pixelOf;
-    // One step after the other for all pieces: so no load waits for what was stored just before.
-    HWY_ALIGN std::uint32_t indices[64 * columns];
-    HWY_ALIGN std::uint32_t words[64 * columns];
-    int count = 0;
     for (std::uint64_t rest = pieces; rest != 0; rest &= rest - 1) {
-        const int begin = std::countr_zero(rest) * columns;
-        for (int i = begin; i < begin + columns; i += lanes, count += lanes) {
-            const auto at = static_cast<std::uint32_t>(i);
+        const int piece = std::countr_zero(rest);
+        std::uint64_t found = 0;
+        for (int i = 0; i < columns; i += lanes) {
+            const auto at = static_cast<std::uint32_t>(piece * columns + i);
             const auto u = hn::Add(hn::Set(d, positions.u + at * positions.du), alongU);
             const auto v = hn::Add(hn::Set(d, positions.v + at * positions.dv), alongV);
-            const auto bit = hn::Sub(hn::Add(hn::Mul(pixelOf(v), pitch), pixelOf(u)), first);
-            hn::Store(hn::Min(bit, last), d, indices + count);
+            const auto bit = hn::Min(hn::Sub(hn::Add(hn::Mul(pixelOf(v), pitch), pixelOf(u)), first), last);
+            const auto byteOfWord = hn::ShiftLeft<2>(hn::ShiftRight<5>(bit));
+            const auto word = hn::GatherOffset(d, words, hn::BitCast(di, byteOfWord));
+            found |= maskBits(hn::TestBit(word, hn::Shl(one, hn::And(bit, hn::Set(d, 31))))) << i;
         }
-    }
-    for (int i = 0; i < count; ++i) {
-        std::memcpy(words + i, bits.words + static_cast<std::size_t>(indices[i] >> 5U) * 4, sizeof words[i]);
-    }
-    int i = 0;
-    for (std::uint64_t rest = pieces; rest != 0; rest &= rest - 1) {
-        std::uint64_t piece = 0;
-        for (int at = 0; at < columns; at += lanes, i += lanes) {
-            const auto shift = hn::And(hn::Load(d, indices + i), hn::Set(d, 31));
-            const auto bit = hn::And(hn::Load(d, words + i), hn::Shl(hn::Set(d, 1), shift));
-            piece |= maskBits(hn::Ne(bit, hn::Zero(d))) << at;
-        }
-        set[std::countr_zero(rest)] = static_cast<std::uint16_t>(piece);
+        set[piece] = static_cast<std::uint16_t>(found);
     }
 }
 

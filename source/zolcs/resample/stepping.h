@@ -50,9 +50,11 @@ struct SourceLine {
     Fixed16 v = 0;
     Fixed16 du = 0;
     Fixed16 dv = 0;
+    int row = -1;  ///< of the display; what is known about that row may be used. Negative: unknown
 
     [[nodiscard]] constexpr Fixed16 uAt(int x) const { return u + x * du; }
     [[nodiscard]] constexpr Fixed16 vAt(int x) const { return v + x * dv; }
+    bool operator==(const SourceLine&) const = default;
 };
 
 /// The display columns of a line that lie on the source: column x does when first < x <= last.
@@ -126,7 +128,9 @@ struct ColumnRange {
 constexpr ColumnRange columnsBetween(Fixed16 start, Fixed16 step, Fixed16 low, Fixed16 high, ColumnRange within) {
     const ColumnRange none{within.begin, within.begin};
     if (within.empty() || low > high) return none;
-    if (step == 0) return low <= start && start <= high ? within : none;
+    const auto isBetween = [&](int x) { return low <= start + x * step && start + x * step <= high; };
+    if (isBetween(within.begin) && isBetween(within.end - 1)) return within;  // mostly, and without divisions
+    if (step == 0) return none;
     const auto floorDivided = [](Fixed16 a, Fixed16 b) { return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0); };
     const Fixed16 entered = step > 0 ? low - start : high - start;
     const Fixed16 left = step > 0 ? high - start : low - start;
@@ -154,7 +158,7 @@ struct Stepping {
     [[nodiscard]] constexpr bool hasSource() const { return limitU > 0 && limitV > 0; }
 
     [[nodiscard]] constexpr SourceLine line(int y) const {
-        return {startU + y * stepYu, startV + y * stepYv, stepXu, stepXv};
+        return {startU + y * stepYu, startV + y * stepYv, stepXu, stepXv, y};
     }
 
     [[nodiscard]] constexpr Span span(int y) const {
