@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "zolcs/parallel.h"
+#include "zolcs/resample/spanoperations.h"
 #include "zolipp/zolipp.h"
 
 namespace zolcs::mapping {
@@ -144,7 +145,11 @@ void RasterMapping::cover(int y, const PixelRun& run) const {
     std::uint32_t* const begin = destinationAt(run.begin, y);
     std::uint32_t* const end = destinationAt(run.end, y);
     if (embedded == nullptr) {
-        std::fill(begin, end, run.colour);
+        if (ramp_.has_value() && end - begin >= minimumBypassingPixels) {
+            fillPastCache(begin, static_cast<std::size_t>(end - begin), run.colour);
+        } else {
+            std::fill(begin, end, run.colour);
+        }
         return;
     }
     std::transform(begin, end, stored, begin, [&](std::uint32_t, std::uint16_t value) {

@@ -195,9 +195,10 @@ private:
 
 BitSummary::BitSummary(const BitPlane& plane, const Stepping& stepping) : stepping_(stepping) {
     static_assert(pieceColumns % (1 << TileMap::tileShift) == 0, "a piece is a whole number of tiles: no step is cut");
-    constexpr Fixed16 farthest = 256 * fixed16One;
+    static constexpr Fixed16 farthest = 256 * fixed16One;
     const auto reachOf = [](Fixed16 alongRow, Fixed16 alongColumn) {
-        return std::abs(alongRow) * (pieceColumns / 2) + std::abs(alongColumn) * (rowsTogether / 2);
+        const auto atMostFar = [](Fixed16 step) { return std::min<Fixed16>(std::abs(step), farthest); };
+        return atMostFar(alongRow) * (pieceColumns / 2) + atMostFar(alongColumn) * (rowsTogether / 2);
     };
     const Fixed16 reachU = reachOf(stepping.stepXu, stepping.stepYu);
     const Fixed16 reachV = reachOf(stepping.stepXv, stepping.stepYv);

@@ -46,7 +46,12 @@ public:
         columnOffsets_.clear();
         line_.clear();
         expected_ = {};
-        ahead_ = pixelOf(stepping.stepYv * linesAhead) * source_.pitch() + pixelOf(stepping.stepYu * linesAhead);
+        // Of a step that leaves every source at once, anything may be asked for.
+        const auto pixelsAhead = [](Fixed16 step) {
+            constexpr Fixed16 farthest = Fixed16{1} << 40;
+            return pixelOf(std::clamp(step, -farthest, farthest) * linesAhead);
+        };
+        ahead_ = pixelsAhead(stepping.stepYv) * source_.pitch() + pixelsAhead(stepping.stepYu);
         if (!stepping.isUpright()) return;
         columnOffsets_.resize(static_cast<std::size_t>(stepping.width));
         Fixed16 u = stepping.startU;
@@ -123,7 +128,7 @@ private:
     ImageView<const SourcePixel> source_;
     const Convert& convert_;
     std::vector<std::int32_t> columnOffsets_;
-    std::ptrdiff_t ahead_ = 0;  ///< from a pixel of a line to that of the line so far ahead
+    std::int64_t ahead_ = 0;  ///< from a pixel of a line to that of the line so far ahead
     Fixed16 lineStep_ = 0;
     std::int64_t sourceLines_ = 0;
     std::vector<Pixel> line_;  ///< the expected columns of the source line that is kept

@@ -152,6 +152,8 @@ PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const un
         rules.shutter_ = source.getDisplayShutterInfo();
         rules.circle_ = {static_cast<double>(rules.shutter_.circular.center.x),
                          static_cast<double>(rules.shutter_.circular.center.y), rules.shutter_.circular.radius};
+        rules.circleAlone_.circular = rules.shutter_.circular;
+        rules.circleAlone_.circular.present = 1;
         rules.addShutterGeometry(source, colour);
     }
     if (source.isBitmapShutter()) rules.addBitmapShutter(source, colour);
@@ -287,10 +289,7 @@ void PixelRules::cutRectangle(const SourceLine& line, ColumnRange columns, const
 
 bool PixelRules::isInsideCircle(Fixed16 u, Fixed16 v) const {
     if (wholeRaster_) {
-        CCsDisplayShutterInfo circleAlone;
-        circleAlone.circular = shutter_.circular;
-        circleAlone.circular.present = 1;
-        return CCsImageUtils::isPointInsideDisplayShutter(circleAlone, static_cast<int>(pixelOf(u)),
+        return CCsImageUtils::isPointInsideDisplayShutter(circleAlone_, static_cast<int>(pixelOf(u)),
                                                           static_cast<int>(pixelOf(v)));
     }
     const float dx = singlePosition(u) - static_cast<float>(circle_.centerX);

@@ -173,7 +173,8 @@ private:
     bool wholeRaster_ = false;
     CCsDisplayShutterInfo shutter_;
     Circle circle_;
-    double sourceExtent_ = 0.0;  ///< the largest source coordinate that a line can have
+    CCsDisplayShutterInfo circleAlone_;  ///< of a whole raster, whose circle the utilities decide
+    double sourceExtent_ = 0.0;          ///< the largest source coordinate that a line can have
     Fixed16 preparedStart_ = 0;
     Fixed16 preparedStep_ = 0;
     ColumnLookup exactColumns_;

@@ -104,7 +104,7 @@ void prefetchStart(const void* data) {
 }
 
 void prefetchSpan(const void* source, std::size_t pixelBytes, const std::int32_t* offsets, int count,
-                  std::ptrdiff_t ahead) {
+                  std::int64_t ahead) {
     // The next lines ask beside these pixels, and so reach what lies between them.
     constexpr int step = 8;
     const auto start = reinterpret_cast<std::uintptr_t>(source);
@@ -151,6 +151,18 @@ void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int co
 
 void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out) {
     fetchSpan(offsets, count, out, [=](std::uint32_t offset) { return source[offset]; });
+}
+
+void fillPastCache(std::uint32_t* out, std::size_t count, std::uint32_t colour) {
+    std::uint32_t* const end = out + count;
+#if defined(__SSE2__) || defined(_M_X64)
+    const auto isAligned = [&] { return reinterpret_cast<std::uintptr_t>(out) % sizeof(__m128i) == 0; };
+    while (out != end && !isAligned()) *out++ = colour;
+    const __m128i four = _mm_set1_epi32(static_cast<int>(colour));
+    for (; end - out >= 4; out += 4) _mm_stream_si128(reinterpret_cast<__m128i*>(out), four);
+    _mm_sfence();
+#endif
+    std::fill(out, end, colour);
 }
 
 }  // namespace zolcs

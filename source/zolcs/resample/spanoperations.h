@@ -74,13 +74,16 @@ ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* of
 /// out[i] = source[offsets[i]].
 ZOLWEBCS_API void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
 
+/// Fills pixels without taking them into the cache: for many that nobody reads soon.
+void fillPastCache(std::uint32_t* out, std::size_t count, std::uint32_t colour);
+
 /// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
 ZOLWEBCS_API void prefetchStart(const void* data);
 
 /// Tells the processor that the source pixels `ahead` behind some of those at `offsets` will be read soon. They may lie
 /// beyond the source.
 void prefetchSpan(const void* source, std::size_t pixelBytes, const std::int32_t* offsets, int count,
-                  std::ptrdiff_t ahead);
+                  std::int64_t ahead);
 
 /// The plain transposition, for pixels of any size.
 template <typename Pixel>
