@@ -8,6 +8,7 @@
 #include "dicom_overlays.h"
 #include "dicom_palette.h"
 #include "sample_conversion.h"
+#include "stack_position.h"
 #include "zolipp/zolipp.h"
 
 #include <dcmtk/dcmdata/dcistrmf.h>
@@ -229,24 +230,22 @@ namespace {
 /// up the stack.
 class ShallowStream : public DcmInputFileStream {
 public:
-    explicit ShallowStream(const std::string& path)
-        : DcmInputFileStream(OFFilename(path.c_str())), start_(reinterpret_cast<std::uintptr_t>(this)) {}
+    explicit ShallowStream(const std::string& path) : DcmInputFileStream(OFFilename(path.c_str())) {}
 
     [[nodiscard]] bool isTooDeep() const { return tooDeep_; }
 
     /// The toolkit asks before it reads an item or a sequence.
     [[nodiscard]] OFCondition status() const override {
         constexpr std::uintptr_t room = std::uintptr_t{2} << 20U;
-        const char here = 0;
-        const auto place = reinterpret_cast<std::uintptr_t>(&here);
+        const std::uintptr_t place = stackPosition();
         tooDeep_ = tooDeep_ || std::max(start_, place) - std::min(start_, place) > room;
         return tooDeep_ ? EC_CorruptedData : DcmInputFileStream::status();
     }
     [[nodiscard]] OFBool good() const override { return status().good(); }
 
 private:
-    /// The stream itself lies on the stack, where reading begins.
-    std::uintptr_t start_;
+    /// Where reading begins.
+    std::uintptr_t start_ = stackPosition();
     mutable bool tooDeep_ = false;
 };
 
