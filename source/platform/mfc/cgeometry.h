@@ -149,7 +149,8 @@ public:
                            first->top > second->top ? first->top : second->top,
                            first->right < second->right ? first->right : second->right,
                            first->bottom < second->bottom ? first->bottom : second->bottom);
-        const bool none = CRect(first).IsRectEmpty() || CRect(second).IsRectEmpty() || common.IsRectEmpty();
+        const bool none = CRect(first).IsRectEmpty() != FALSE || CRect(second).IsRectEmpty() != FALSE ||
+                          common.IsRectEmpty() != FALSE;
         *this = none ? CRect() : common;
         return none ? FALSE : TRUE;
     }
@@ -159,15 +160,15 @@ public:
     BOOL UnionRect(LPCRECT first, LPCRECT second) {
         const CRect a(first);
         const CRect b(second);
-        if (a.IsRectEmpty()) {
-            *this = b.IsRectEmpty() ? CRect() : b;
-        } else if (b.IsRectEmpty()) {
+        if (a.IsRectEmpty() != FALSE) {
+            *this = b.IsRectEmpty() != FALSE ? CRect() : b;
+        } else if (b.IsRectEmpty() != FALSE) {
             *this = a;
         } else {
             *this = CRect(a.left < b.left ? a.left : b.left, a.top < b.top ? a.top : b.top,
                           a.right > b.right ? a.right : b.right, a.bottom > b.bottom ? a.bottom : b.bottom);
         }
-        return IsRectEmpty() ? FALSE : TRUE;
+        return IsRectEmpty() != FALSE ? FALSE : TRUE;
     }
 
     friend constexpr bool operator==(const CRect& a, const CRect& b) {

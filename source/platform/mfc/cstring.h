@@ -191,7 +191,7 @@ private:
     }
 
     void pad(const std::wstring& value, const std::string& flags, int fieldWidth) {
-        const std::size_t size = static_cast<std::size_t>(fieldWidth);
+        const auto size = static_cast<std::size_t>(fieldWidth);
         const std::wstring blanks(value.size() < size ? size - value.size() : 0, L' ');
         const bool left = flags.find('-') != std::string::npos;
         out_ += left ? value + blanks : blanks + value;

@@ -26,7 +26,7 @@ private:
 class CSingleLock {
 public:
     explicit CSingleLock(CCriticalSection* object, BOOL initialLock = FALSE) : object_(object) {
-        if (initialLock) Lock();
+        if (initialLock != FALSE) Lock();
     }
     ~CSingleLock() { Unlock(); }
     CSingleLock(const CSingleLock&) = delete;
