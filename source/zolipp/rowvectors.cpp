@@ -247,7 +247,7 @@ std::ptrdiff_t exchange(std::byte* run, std::byte* other, std::ptrdiff_t bytes, 
     const hn::ScalableTag<Pixel> d;
     constexpr auto size = static_cast<std::ptrdiff_t>(hn::MaxLanes(d) * sizeof(Pixel));
     const auto load = [&](std::byte* at) HWY_ATTR { return hn::LoadU(d, reinterpret_cast<Pixel*>(at)); };
-    const auto store = [&](std::byte* at, auto pixels, auto old) HWY_ATTR {
+    const auto store = [&](std::byte* at, auto pixels, [[maybe_unused]] auto old) HWY_ATTR {
         if constexpr (order == Reversed) pixels = hn::Reverse(d, pixels);
         if constexpr (Format::written < Format::channels) {
             const auto mine = hn::Set(d, Pixel{0x00FFFFFF});

@@ -50,7 +50,7 @@ GreyMap::GreyMap(const GreyMap& other)
     }
 }
 
-GreyMap::~GreyMap() { releaseLut(); }
+GreyMap::~GreyMap() { GreyMap::releaseLut(); }
 
 void GreyMap::setColorMapIndex(CCsColorMapT* colorMap) {
     colorMapIndex_ = colorMap;

@@ -18,7 +18,7 @@ namespace {
 /// The view as the primitives take it.
 class View {
 public:
-    explicit View(CCs2dTrafo trafo) : trafo_(trafo) {
+    explicit View(const CCs2dTrafo& trafo) : trafo_(trafo) {
         double angle = 0.0;
         int mirrored = 0;
         double scale = 1.0;
