@@ -30,11 +30,11 @@ const char* functionName(WindowFunction function) {
 
 /// What there is in place of a number that there is not.
 Refusal noSuchChoice(const StoredImage& image, int number) {
-    if (image.voi.empty()) return Refusal("has no window and no VOI LUT to choose");
+    if (image.voi.empty()) return Refusal{"has no window and no VOI LUT to choose"};
     std::string list;
     for (std::size_t i = 0; i < image.voi.size(); ++i)
         list += (i == 0 ? "" : "; ") + std::to_string(i + 1) + ": " + describe(image.voi[i]);
-    return Refusal("has no window or VOI LUT " + std::to_string(number) + ", but " + list);
+    return Refusal{"has no window or VOI LUT " + std::to_string(number) + ", but " + list};
 }
 
 }  // namespace

@@ -171,7 +171,8 @@ void addPageOptions(CLI::App& command, PrintOptions& page, RenderOptions& option
 }
 
 void tell(const std::string& input, const std::vector<std::string>& notes) {
-    for (const std::string& note : notes) std::cerr << "zolview: " << plainText(input + ": " + note) << '\n';
+    for (const std::string& note : notes)
+        std::cerr << "zolview: " << plainText(input) << ": " << plainText(note) << '\n';
 }
 
 void renderToFile(const std::string& input, const LoadOptions& load, const std::string& output,

@@ -127,9 +127,9 @@ Size defaultSize(const StoredImage& image, double degrees) {
 }
 
 Refusal noMemory(const StoredImage& image, Size size) {
-    return Refusal("not enough memory for an image of " + std::to_string(image.width) + " x " +
+    return Refusal{"not enough memory for an image of " + std::to_string(image.width) + " x " +
                    std::to_string(image.height) + " and a picture of " + std::to_string(size.width) + " x " +
-                   std::to_string(size.height) + " pixels");
+                   std::to_string(size.height) + " pixels"};
 }
 
 CCs2dTrafo drawImage(const StoredImage& image, const RenderOptions& options, std::vector<std::string>& notes,

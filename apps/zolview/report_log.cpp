@@ -4,6 +4,8 @@
 
 namespace zolview {
 
+// The library hands its messages over as copies.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void ReportLog::handle(CStringW tag, wchar_t* /*file*/, int /*line*/, CStringW message, ErrorCategory /*category*/) {
     const std::wstring_view kind = tag.GetString();
     if (kind == L"CS-D" || !text().empty()) return;
