@@ -8,7 +8,7 @@
 #include "dicom_overlays.h"
 #include "dicom_palette.h"
 #include "sample_conversion.h"
-#include "stack_position.h"
+#include "stack_growth.h"
 #include "zolipp/zolipp.h"
 
 #include <dcmtk/dcmdata/dcistrmf.h>
@@ -237,15 +237,13 @@ public:
     /// The toolkit asks before it reads an item or a sequence.
     [[nodiscard]] OFCondition status() const override {
         constexpr std::uintptr_t room = std::uintptr_t{2} << 20U;
-        const std::uintptr_t place = stackPosition();
-        tooDeep_ = tooDeep_ || std::max(start_, place) - std::min(start_, place) > room;
+        tooDeep_ = tooDeep_ || stack_.bytes() > room;
         return tooDeep_ ? EC_CorruptedData : DcmInputFileStream::status();
     }
     [[nodiscard]] OFBool good() const override { return status().good(); }
 
 private:
-    /// Where reading begins.
-    std::uintptr_t start_ = stackPosition();
+    StackGrowth stack_;
     mutable bool tooDeep_ = false;
 };
 
