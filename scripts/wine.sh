@@ -17,6 +17,8 @@ make_wine_tree() {
     [ -n "$sources" ] || { apt-get -q update >/dev/null && sources=$(debian_sources "$release"); }
     mirror=$(awk -v release="$release" '$2 == release && $3 == "main" { print $1; exit }' <<<"$sources")
     [ -n "$mirror" ] || die "apt has no package source for $release"
+    # An attempt that was broken off may have left its own /proc there.
+    ! mountpoint -q "$wine_tree/proc" || umount "$wine_tree/proc"
     rm -rf "$wine_tree"
     mkdir -p "$wine_tree"
     {
