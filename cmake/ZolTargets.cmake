@@ -54,20 +54,33 @@ if(ZOLWEBCS_FUZZ)
   target_compile_options(zol_build_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# zol_library(NAME SOURCES ... [HEADERS ...] [PUBLIC libs] [PRIVATE libs]): one shared library of source/.
-# Defines <NAME>_BUILDING in upper case while it is compiled; HEADERS are installed below include/zolwebcs/.
+# zol_library(NAME SOURCES ... [HEADERS ...] [PUBLIC libs] [PRIVATE libs] [HIGHWAY]): one shared library of source/.
+# Defines <NAME>_BUILDING in upper case while it is compiled; HEADERS are installed below include/zolwebcs/. Its objects
+# are also there as the static library <NAME>_internal: for tests of what the shared library does not export.
 function(zol_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
-  add_library(${name} SHARED ${ARG_SOURCES} ${ARG_HEADERS})
-  add_library(zolwebcs::${name} ALIAS ${name})
+  cmake_parse_arguments(ARG "HIGHWAY" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
   string(TOUPPER ${name} upper)
-  target_compile_definitions(${name} PRIVATE ${upper}_BUILDING)
-  target_compile_features(${name} PUBLIC cxx_std_20)
-  target_include_directories(${name} PUBLIC
-    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/source>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zolwebcs>)
-  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:zol_build_flags>)
-  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  add_library(${name}_objects OBJECT ${ARG_SOURCES} ${ARG_HEADERS})
+  target_compile_definitions(${name}_objects PRIVATE ${upper}_BUILDING)
+  add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+  add_library(zolwebcs::${name} ALIAS ${name})
+  add_library(${name}_internal STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:${name}_objects>)
+  target_compile_definitions(${name}_internal INTERFACE ${upper}_STATIC)
+  if(ARG_HIGHWAY)
+    zol_use_highway(${name}_objects)
+    zol_use_highway(${name}_internal)
+    zol_use_highway(${name})
+  endif()
+  foreach(target IN ITEMS ${name}_objects ${name} ${name}_internal)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_include_directories(${target} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/source>
+      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zolwebcs>)
+    target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:zol_build_flags>)
+  endforeach()
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINKER_LANGUAGE CXX)
+  set_target_properties(${name}_internal PROPERTIES LINKER_LANGUAGE CXX)
   if(WIN32)
     set_target_properties(${name} PROPERTIES PREFIX "")
   elseif(NOT ZOLWEBCS_SANITIZE)

@@ -1,6 +1,6 @@
 // A file of annotations with anything in it: drawn over a small picture and burnt into it, or refused.
-#include "zolview/annotations.h"
-#include "zolview/render.h"
+#include "viewing/annotations/annotations.h"
+#include "viewing/display/render.h"
 
 #include <cstdlib>
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace {
 
-zolview::StoredImage smallImage(bool tall) {
-    zolview::StoredImage image;
+viewing::StoredImage smallImage(bool tall) {
+    viewing::StoredImage image;
     image.width = 24;
     image.height = 16;
     image.samples.assign(24 * 16, 100);
@@ -24,19 +24,19 @@ zolview::StoredImage smallImage(bool tall) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Numbers are taken from the end, so that an example file is a good seed.
     zolfuzz::Bytes in(data, size);
-    zolview::RenderOptions options;
-    options.size = zolview::Size{48, 40};
-    options.zoom = in.ConsumeBool() ? 1.0 : in.ConsumeFloatingPointInRange(zolview::minZoom, zolview::maxZoom);
+    viewing::RenderOptions options;
+    options.size = viewing::Size{48, 40};
+    options.zoom = in.ConsumeBool() ? 1.0 : in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
     options.degrees = in.ConsumeBool() ? 0.0 : in.ConsumeFloatingPointInRange(-360.0, 360.0);
     options.burnIn = in.ConsumeBool();
     const bool tall = in.ConsumeBool();
     const unsigned int before = ZolGdiObjectCount();
     try {
-        options.annotations = zolview::parseAnnotations(in.ConsumeRemainingBytesAsString());
+        options.annotations = viewing::parseAnnotations(in.ConsumeRemainingBytesAsString());
         if (options.annotations.size() > 20) options.annotations.resize(20);
         std::vector<std::string> notes;
-        static_cast<void>(zolview::render(smallImage(tall), options, notes));
-    } catch (const zolview::Refusal&) {
+        static_cast<void>(viewing::render(smallImage(tall), options, notes));
+    } catch (const viewing::Refusal&) {
         // as it should be
     }
     if (ZolGdiObjectCount() != before) std::abort();

@@ -1,7 +1,7 @@
 // A DICOM file with anything in it: read, described and shown, or refused; and its tables and palette for another
 // image.
-#include "zolview/input.h"
-#include "zolview/render.h"
+#include "viewing/display/render.h"
+#include "viewing/input.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -28,17 +28,17 @@ private:
     int descriptor_;
 };
 
-zolview::RenderOptions viewOptions(zolfuzz::Bytes& in) {
-    zolview::RenderOptions options;
-    options.size = zolview::Size{in.ConsumeIntegralInRange(1, 90), in.ConsumeIntegralInRange(1, 90)};
-    if (in.ConsumeBool()) options.window = zolview::Window{in.ConsumeFloatingPointInRange(-1e9, 1e9), 400.0};
-    options.flip = in.ConsumeBool() ? zolview::Flip::Horizontal : zolview::Flip::None;
+viewing::RenderOptions viewOptions(zolfuzz::Bytes& in) {
+    viewing::RenderOptions options;
+    options.size = viewing::Size{in.ConsumeIntegralInRange(1, 90), in.ConsumeIntegralInRange(1, 90)};
+    if (in.ConsumeBool()) options.window = viewing::Window{in.ConsumeFloatingPointInRange(-1e9, 1e9), 400.0};
+    options.flip = in.ConsumeBool() ? viewing::Flip::Horizontal : viewing::Flip::None;
     options.degrees = in.ConsumeFloatingPointInRange(-720.0, 720.0);
-    options.zoom = in.ConsumeFloatingPointInRange(zolview::minZoom, zolview::maxZoom);
-    options.pan.x = in.ConsumeFloatingPointInRange(-zolview::maxPan, zolview::maxPan);
+    options.zoom = in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
+    options.pan.x = in.ConsumeFloatingPointInRange(-viewing::maxPan, viewing::maxPan);
     options.invert = in.ConsumeBool();
     options.background = in.ConsumeIntegralInRange(0, 255);
-    if (in.ConsumeBool()) options.palette = zolview::wellKnownPalette("PET");
+    if (in.ConsumeBool()) options.palette = viewing::wellKnownPalette("PET");
     return options;
 }
 
@@ -47,7 +47,7 @@ template <typename Action>
 void attempt(Action action) {
     try {
         action();
-    } catch (const zolview::Refusal&) {
+    } catch (const viewing::Refusal&) {
         return;
     }
 }
@@ -57,27 +57,27 @@ void attempt(Action action) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Numbers are taken from the end, so that a sample file without its options is a good seed.
     zolfuzz::Bytes in(data, size);
-    const zolview::RenderOptions options = viewOptions(in);
-    zolview::LoadOptions load;
+    const viewing::RenderOptions options = viewOptions(in);
+    viewing::LoadOptions load;
     load.frame = in.ConsumeIntegralInRange(0, 3);
     if (in.ConsumeBool()) load.voi = in.ConsumeIntegralInRange(0, 4);
     const bool lends = in.ConsumeBool();
     const MemoryFile file(in.ConsumeRemainingBytes<std::uint8_t>());
-    const auto show = [](const zolview::StoredImage& image, const zolview::RenderOptions& wanted) {
+    const auto show = [](const viewing::StoredImage& image, const viewing::RenderOptions& wanted) {
         std::vector<std::string> notes;
-        static_cast<void>(zolview::render(image, wanted, notes));
+        static_cast<void>(viewing::render(image, wanted, notes));
     };
-    attempt([&] { static_cast<void>(zolview::describeInput(file.path())); });
-    attempt([&] { show(zolview::loadInput(file.path(), load), options); });
+    attempt([&] { static_cast<void>(viewing::describeInput(file.path())); });
+    attempt([&] { show(viewing::loadInput(file.path(), load), options); });
     // Whether or not it is an image, its tables and its palette may serve another one.
     if (!lends) return 0;
-    attempt([&] { show(zolview::loadInput("phantom", {1, {}, file.path(), "", ""}), options); });
-    attempt([&] { show(zolview::loadInput("phantom", {1, load.voi, "", file.path(), ""}), options); });
-    attempt([&] { show(zolview::loadInput("phantom", {1, {}, "", "", file.path()}), options); });
+    attempt([&] { show(viewing::loadInput("phantom", {1, {}, file.path(), "", ""}), options); });
+    attempt([&] { show(viewing::loadInput("phantom", {1, load.voi, "", file.path(), ""}), options); });
+    attempt([&] { show(viewing::loadInput("phantom", {1, {}, "", "", file.path()}), options); });
     attempt([&] {
-        zolview::RenderOptions coloured = options;
-        coloured.palette = zolview::loadPalette(file.path());
-        show(zolview::loadInput("phantom", {}), coloured);
+        viewing::RenderOptions coloured = options;
+        coloured.palette = viewing::loadPalette(file.path());
+        show(viewing::loadInput("phantom", {}), coloured);
     });
     return 0;
 }

@@ -1,10 +1,10 @@
-#include "input.h"
-#include "plain_text.h"
-#include "png_output.h"
-#include "print.h"
-#include "progress.h"
-#include "render.h"
-#include "render_options.h"
+#include "viewing/display/render.h"
+#include "viewing/display/render_options.h"
+#include "viewing/image/plain_text.h"
+#include "viewing/input.h"
+#include "viewing/output/png_output.h"
+#include "viewing/output/print.h"
+#include "zolview/progress.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,6 +20,7 @@
 
 namespace {
 
+using namespace viewing;
 using namespace zolview;
 
 constexpr int exitRefused = 1;

@@ -1,4 +1,4 @@
-#include "progress.h"
+#include "zolview/progress.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 #include "view.h"
 
-#include "phantom.h"
+#include "viewing/image/phantom.h"
 #include "zolcs/ccsline.h"
 
 #include <cmath>
@@ -22,8 +22,8 @@ SIZE clientSize(HWND window) {
     return {area.right, area.bottom};
 }
 
-const zolview::StoredImage& phantom() {
-    static const zolview::StoredImage image = zolview::makePhantom();
+const viewing::StoredImage& phantom() {
+    static const viewing::StoredImage image = viewing::makePhantom();
     return image;
 }
 

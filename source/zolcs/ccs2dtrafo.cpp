@@ -1,10 +1,10 @@
 #include "zolcs/ccs2dtrafo.h"
 
 #include "zolcs/ccsimage.h"
-#include "zolcs/conversion.h"
-#include "zolcs/portablemath.h"
-#include "zolcs/report.h"
-#include "zolcs/viewturn.h"
+#include "zolcs/support/conversion.h"
+#include "zolcs/support/portablemath.h"
+#include "zolcs/support/report.h"
+#include "zolcs/view/viewturn.h"
 
 #include <cmath>
 #include <utility>

@@ -1,6 +1,6 @@
 // The mirror operation, apart because it reports under a module path of its own.
 #include "zolcs/ccs2dtrafo.h"
-#include "zolcs/report.h"
+#include "zolcs/support/report.h"
 
 namespace {
 

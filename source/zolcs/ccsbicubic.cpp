@@ -1,7 +1,7 @@
 #include "zolcs/ccsbicubic.h"
 
 #include "zolcs/resample/accelerated.h"
-#include "zolcs/resample/bicubic.h"
+#include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/interpolation.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include "zolcs/ccsbilinear.h"
 
 #include "zolcs/resample/accelerated.h"
-#include "zolcs/resample/bilinear.h"
-#include "zolcs/resample/capability.h"
+#include "zolcs/resample/bilinear/bilinear.h"
 #include "zolcs/resample/interpolation.h"
+#include "zolcs/simd/capability.h"
 
 namespace {
 

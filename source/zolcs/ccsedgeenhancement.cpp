@@ -1,10 +1,10 @@
 #include "zolcs/ccsedgeenhancement.h"
 
 #include "zolcs/ccsraster.h"
-#include "zolcs/imagelock.h"
-#include "zolcs/report.h"
-#include "zolcs/resample/boxunsharp.h"
-#include "zolcs/resample/imageview.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/pixels/imageview.h"
+#include "zolcs/sharpen/boxunsharp.h"
+#include "zolcs/support/report.h"
 #include "zollog/zollog.h"
 
 #include <algorithm>

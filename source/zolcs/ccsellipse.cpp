@@ -3,11 +3,11 @@
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsgroup.h"
 #include "zolcs/ccsimageutils.h"
-#include "zolcs/clone.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
 #include "zolcs/drawing/placement.h"
-#include "zolcs/portablemath.h"
+#include "zolcs/support/clone.h"
+#include "zolcs/support/conversion.h"
+#include "zolcs/support/portablemath.h"
 
 #include <algorithm>
 #include <cmath>

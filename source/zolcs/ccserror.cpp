@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zolcs/report.h"
+#include "zolcs/support/report.h"
 
 namespace {
 

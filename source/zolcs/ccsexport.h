@@ -5,6 +5,8 @@
 
 #if defined(ZOLWEBCS_BUILDING)
 #define ZOLWEBCS_API ZOL_EXPORT
+#elif defined(ZOLWEBCS_STATIC)
+#define ZOLWEBCS_API
 #else
 #define ZOLWEBCS_API ZOL_IMPORT
 #endif

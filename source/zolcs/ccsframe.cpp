@@ -2,10 +2,10 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsoverlay.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
-#include "zolcs/imagelock.h"
-#include "zolcs/report.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/support/conversion.h"
+#include "zolcs/support/report.h"
 
 #include <cstddef>
 #include <cstdint>

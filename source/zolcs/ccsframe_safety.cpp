@@ -2,9 +2,9 @@
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsframe.h"
 #include "zolcs/ccsoverlay.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
-#include "zolcs/report.h"
+#include "zolcs/support/conversion.h"
+#include "zolcs/support/report.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "zolcs/ccsgeometry.h"
 
-#include "zolcs/conversion.h"
+#include "zolcs/support/conversion.h"
 
 #include <algorithm>
 #include <cstdlib>

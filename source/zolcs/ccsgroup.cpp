@@ -1,7 +1,7 @@
 #include "zolcs/ccsgroup.h"
 
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/support/conversion.h"
 
 #include <cassert>
 #include <new>

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <limits>
 
-#include "zolcs/imagelock.h"
-#include "zolcs/pixelsize.h"
-#include "zolcs/report.h"
-#include "zolcs/resample/capability.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/pixels/pixelsize.h"
+#include "zolcs/simd/capability.h"
+#include "zolcs/support/report.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsraster.h"
-#include "zolcs/conversion.h"
+#include "zolcs/support/conversion.h"
 
 namespace {
 

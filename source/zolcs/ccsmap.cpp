@@ -6,11 +6,11 @@
 #include <new>
 
 #include "zolcs/ccsraster.h"
-#include "zolcs/clone.h"
-#include "zolcs/imagelock.h"
 #include "zolcs/mapping/burnin.h"
 #include "zolcs/mapping/colourmap.h"
 #include "zolcs/mapping/greymap.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/support/clone.h"
 
 namespace {
 

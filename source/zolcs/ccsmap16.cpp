@@ -1,7 +1,7 @@
 // What the 16-bit grey map has of its own; the rest is what grey maps share.
 #include "zolcs/ccsraster.h"
-#include "zolcs/clone.h"
 #include "zolcs/mapping/greymap.h"
+#include "zolcs/support/clone.h"
 
 namespace {
 

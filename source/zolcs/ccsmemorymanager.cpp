@@ -4,7 +4,7 @@
 #include <boost/pool/singleton_pool.hpp>
 #include <cstdint>
 
-#include "zolcs/report.h"
+#include "zolcs/support/report.h"
 
 namespace {
 

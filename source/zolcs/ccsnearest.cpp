@@ -4,7 +4,7 @@
 #include "zolcs/ccsraster.h"
 #include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/member.h"
-#include "zolcs/resample/nearestfiller.h"
+#include "zolcs/resample/nearest/nearestfiller.h"
 #include "zolcs/resample/resample.h"
 
 namespace {

@@ -10,10 +10,10 @@
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsoverlay.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
-#include "zolcs/pixelsize.h"
-#include "zolcs/report.h"
+#include "zolcs/pixels/pixelsize.h"
+#include "zolcs/support/conversion.h"
+#include "zolcs/support/report.h"
 
 namespace zolcs {
 

@@ -2,10 +2,10 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimageutils.h"
-#include "zolcs/clone.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
 #include "zolcs/drawing/placement.h"
+#include "zolcs/support/clone.h"
+#include "zolcs/support/conversion.h"
 
 #include <array>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "zolcs/ccstrack.h"
 
 #include "zolcs/ccsoverlay.h"
-#include "zolcs/conversion.h"
+#include "zolcs/support/conversion.h"
 
 namespace {
 

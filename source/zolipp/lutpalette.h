@@ -20,10 +20,10 @@ struct LutPaletteJob {
 };
 
 /// The obvious form: one pixel after the other.
-ZOLIPP_API void lutPaletteScalar(const LutPaletteJob& job);
+void lutPaletteScalar(const LutPaletteJob& job);
 
 /// The form that the primitive runs: unrolled table loads, and on processors with SSE2 whole vectors of pixels that
 /// bypass the cache where the destination is too large to stay in it. `bypassCache` forces the choice for tests.
-ZOLIPP_API void lutPaletteFast(const LutPaletteJob& job, bool bypassCache);
+void lutPaletteFast(const LutPaletteJob& job, bool bypassCache);
 
 }  // namespace zolipp

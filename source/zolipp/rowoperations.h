@@ -94,11 +94,11 @@ struct RowOperations {
     static bool isPlain();
 
     /// Names of the variants that run here: "plain" and "portable", then the processor's own.
-    ZOLIPP_API static std::vector<std::string> variants();
+    static std::vector<std::string> variants();
 
     /// Makes every later call use a variant; an empty name goes back to the best one. False for an unknown name.
     /// For tests: no call may be running.
-    ZOLIPP_API static bool choose(const std::string& variant);
+    static bool choose(const std::string& variant);
 };
 
 /// The operations of one format.

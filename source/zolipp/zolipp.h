@@ -8,6 +8,8 @@
 
 #if defined(ZOLIPP_BUILDING)
 #define ZOLIPP_API ZOL_EXPORT
+#elif defined(ZOLIPP_STATIC)
+#define ZOLIPP_API
 #else
 #define ZOLIPP_API ZOL_IMPORT
 #endif

@@ -5,6 +5,8 @@
 
 #if defined(ZOLWEBMLANG_BUILDING)
 #define ZOLWEBMLANG_API ZOL_EXPORT
+#elif defined(ZOLWEBMLANG_STATIC)
+#define ZOLWEBMLANG_API
 #else
 #define ZOLWEBMLANG_API ZOL_IMPORT
 #endif

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "reference/shutter_reference.h"
-#include "zolcs/portablemath.h"
+#include "zolcs/support/portablemath.h"
 
 #include <cmath>
 #include <cstddef>

@@ -4,7 +4,7 @@
 // A matrix is six doubles a, b, c, d, e, f with x' = a x + c y + e and y' = b x + d y + f.
 #pragma once
 
-#include "zolcs/portablemath.h"
+#include "zolcs/support/portablemath.h"
 
 #include <cmath>
 #include <utility>

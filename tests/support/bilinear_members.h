@@ -4,7 +4,7 @@
 #include "reference/bilinear_reference.h"
 #include "support/resampler_members.h"
 #include "zolcs/ccsbilinear.h"
-#include "zolcs/resample/capability.h"
+#include "zolcs/simd/capability.h"
 
 namespace zoltest {
 

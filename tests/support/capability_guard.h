@@ -1,7 +1,7 @@
 // Chooses between the packed and the plain processor paths for as long as it lives.
 #pragma once
 
-#include "zolcs/resample/capability.h"
+#include "zolcs/simd/capability.h"
 
 namespace zoltest {
 

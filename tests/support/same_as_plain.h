@@ -7,7 +7,7 @@
 #include "support/test_data.h"
 #include "support/variants.h"
 #include "zolcs/ccsbicubic.h"
-#include "zolcs/resample/bicubic.h"
+#include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/resample.h"
 #include "zolcs/resample/spanoperations.h"
 #include "zolcs/resample/stopflag.h"

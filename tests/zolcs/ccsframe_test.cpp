@@ -8,7 +8,7 @@
 #include "support/vtable_slots.h"
 
 #include "zolcs/ccs2dtrafo.h"
-#include "zolcs/imagelock.h"
+#include "zolcs/pixels/imagelock.h"
 
 #include <cmath>
 #include <cstddef>

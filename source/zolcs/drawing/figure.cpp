@@ -1,8 +1,8 @@
 #include "zolcs/drawing/figure.h"
 
 #include "zolcs/ccsgroup.h"
-#include "zolcs/conversion.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/support/conversion.h"
 
 #include <cstdint>
 

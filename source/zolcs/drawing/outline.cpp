@@ -1,6 +1,6 @@
 #include "zolcs/drawing/outline.h"
 
-#include "zolcs/conversion.h"
+#include "zolcs/support/conversion.h"
 
 #include <algorithm>
 #include <cmath>

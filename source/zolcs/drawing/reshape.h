@@ -1,7 +1,6 @@
 // Reshaping of rectangles, squares and circles by a drag on one corner.
 #pragma once
 
-#include "zolcs/ccsexport.h"
 #include "zolcs/drawing/outline.h"
 
 #include <array>
@@ -19,12 +18,12 @@ struct Corners {
 };
 
 /// The opposite corner stays and all angles stay right.
-ZOLWEBCS_API void reshapeRectangle(Corners& corners);
+void reshapeRectangle(Corners& corners);
 
 /// As reshapeRectangle, with sides of equal length: the longer one that the target asks for.
-ZOLWEBCS_API void reshapeSquare(Corners& corners);
+void reshapeSquare(Corners& corners);
 
 /// As reshapeSquare, but the centre stays.
-ZOLWEBCS_API void reshapeCircle(Corners& corners);
+void reshapeCircle(Corners& corners);
 
 }  // namespace zolcs

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "zolcs/ccsraster.h"
-#include "zolcs/imagelock.h"
-#include "zolcs/report.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/support/report.h"
 
 #include <algorithm>
 #include <cstdint>

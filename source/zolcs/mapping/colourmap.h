@@ -4,9 +4,9 @@
 #include "zolcs/ccsexport.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
-#include "zolcs/mapping/imagepair.h"
 #include "zolcs/mapping/levelramp.h"
 #include "zolcs/mapping/windowlut.h"
+#include "zolcs/pixels/imagepair.h"
 #include "zolcs/resample/spanoperations.h"
 
 #include <algorithm>
@@ -28,10 +28,10 @@ struct ColourMapKind {
 };
 
 /// Fills a table of levels. False, reported, for a window without width, which leaves the table as it is.
-ZOLWEBCS_API bool buildLevels(std::span<unsigned char> table, const Window& window, const ReportSite& widthRefused);
+bool buildLevels(std::span<unsigned char> table, const Window& window, const ReportSite& widthRefused);
 
 /// ORs a rendered bitmap into 32-bit pixels; the mark of blanked pixels clears them. Results as mergeDIBtoData.
-ZOLWEBCS_API int burnIntoColours(CCsRaster& raster, const BITMAPINFO* dib);
+int burnIntoColours(CCsRaster& raster, const BITMAPINFO* dib);
 
 /// Columns [first, last] of a line; empty for first > last.
 struct Columns {
@@ -40,7 +40,7 @@ struct Columns {
 };
 
 /// The part of a line that a circle lets through, ends included; all of it without a circle.
-ZOLWEBCS_API Columns columnsInCircle(const CCsCircularShutterInfo& circle, int line);
+Columns columnsInCircle(const CCsCircularShutterInfo& circle, int line);
 
 /// The pixels of a locked image of four channels a pixel.
 template <typename Channel>

@@ -7,8 +7,8 @@
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmemorymanager.h"
 #include "zolcs/ccsraster.h"
-#include "zolcs/imagelock.h"
 #include "zolcs/mapping/rastermapping.h"
+#include "zolcs/pixels/imagelock.h"
 
 namespace zolcs::mapping {
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "zolcs/ccsmap.h"
-#include "zolcs/mapping/imagepair.h"
 #include "zolcs/mapping/storedtable.h"
 #include "zolcs/mapping/windowlut.h"
-#include "zolcs/report.h"
+#include "zolcs/pixels/imagepair.h"
+#include "zolcs/support/report.h"
 
 #include <array>
 #include <cstdint>

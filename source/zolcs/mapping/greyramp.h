@@ -1,7 +1,6 @@
 // Tables of display pixels that are quicker computed than looked up: those of a linear window on a grey palette.
 #pragma once
 
-#include "zolcs/ccsexport.h"
 #include "zolcs/mapping/windowlut.h"
 
 #include <algorithm>
@@ -32,12 +31,11 @@ struct GreyRamp {
 /// other palettes, for windows that are less than 256 or more than 65536 values wide or begin beyond 65535 on either
 /// side of 0, for the few (from a width of 52275 on) that single precision cannot tell, and where the processor has no
 /// vectors that beat a table.
-ZOLWEBCS_API std::optional<GreyRamp> findGreyRamp(std::span<const std::uint32_t> table, const Window& window,
-                                                  std::size_t depth);
+std::optional<GreyRamp> findGreyRamp(std::span<const std::uint32_t> table, const Window& window, std::size_t depth);
 
 /// pixels[i] = ramp(values[i]). `bypassCache` is for more pixels than the cache is worth filling with. Only for a ramp
 /// that findGreyRamp has found.
-ZOLWEBCS_API void fillGreyRamp(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels,
-                               std::size_t count, bool bypassCache);
+void fillGreyRamp(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels, std::size_t count,
+                  bool bypassCache);
 
 }  // namespace zolcs::mapping

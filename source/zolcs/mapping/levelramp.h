@@ -1,7 +1,6 @@
 // Levels of a linear window over channels of 16 bits that are quicker computed than looked up.
 #pragma once
 
-#include "zolcs/ccsexport.h"
 #include "zolcs/mapping/windowlut.h"
 
 #include <algorithm>
@@ -23,7 +22,7 @@ struct LevelRamp {
 
     /// The ramp that gives what fillLevels gives for a table of so many entries, and its last entry for all values
     /// beyond. Nothing for windows that are more than 65535 values wide or that begin further than that from 0.
-    ZOLWEBCS_API static std::optional<LevelRamp> of(const Window& window, std::size_t entries);
+    static std::optional<LevelRamp> of(const Window& window, std::size_t entries);
 
     [[nodiscard]] unsigned char operator()(std::uint16_t value) const {
         const auto position = static_cast<std::uint64_t>(std::clamp(value + up - down, 0, int{last}));
@@ -34,7 +33,7 @@ struct LevelRamp {
 
 /// Maps that many pixels of four channels to three levels and a 0; false, with nothing done, where the processor looks
 /// levels up as fast. `bypassCache` is for more pixels than the cache is worth filling with.
-ZOLWEBCS_API bool fillLevelRamp(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels,
-                                std::size_t pixels, bool bypassCache);
+bool fillLevelRamp(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels, std::size_t pixels,
+                   bool bypassCache);
 
 }  // namespace zolcs::mapping

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "zolcs/parallel.h"
 #include "zolcs/resample/spanoperations.h"
+#include "zolcs/support/parallel.h"
 #include "zolipp/zolipp.h"
 
 namespace zolcs::mapping {

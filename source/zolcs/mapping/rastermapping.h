@@ -4,7 +4,7 @@
 #include "zolcs/ccsimage.h"
 #include "zolcs/mapping/greyramp.h"
 #include "zolcs/mapping/storedtable.h"
-#include "zolcs/resample/pixelrules.h"
+#include "zolcs/rules/pixelrules.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,6 @@
 // The copy of a look-up table that a host hands to a value map, and where the maps take their memory from.
 #pragma once
 
-#include "zolcs/ccsexport.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,7 +22,7 @@ struct MemorySources {
 };
 
 /// The sources in use.
-ZOLWEBCS_API MemorySources& memorySources();
+MemorySources& memorySources();
 
 struct FreeTable {
     void operator()(void* memory) const { std::free(memory); }

@@ -5,7 +5,7 @@
 
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/mapping/storedtable.h"
-#include "zolcs/portablemath.h"
+#include "zolcs/support/portablemath.h"
 
 #include <algorithm>
 #include <array>

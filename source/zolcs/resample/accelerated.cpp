@@ -2,9 +2,9 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimageutils.h"
-#include "zolcs/imagelock.h"
-#include "zolcs/resample/imageview.h"
-#include "zolcs/viewturn.h"
+#include "zolcs/pixels/imagelock.h"
+#include "zolcs/pixels/imageview.h"
+#include "zolcs/view/viewturn.h"
 
 #include <algorithm>
 #include <cmath>

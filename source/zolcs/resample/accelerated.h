@@ -94,7 +94,7 @@ struct AcceleratedCall {
 
 /// Fills the destination: the background, then the view by the member's primitives. 255, or 0 when nothing was drawn.
 template <typename Sample>
-ZOLWEBCS_API int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call);
+int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call);
 
 /// A member's whole call; `prepare()` sets the transformation's sizes.
 template <typename Sample, typename Prepare>

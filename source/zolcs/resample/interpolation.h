@@ -4,10 +4,10 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/resample/member.h"
-#include "zolcs/resample/oblique.h"
+#include "zolcs/resample/oblique/oblique.h"
 #include "zolcs/resample/resample.h"
-#include "zolcs/resample/separable.h"
 #include "zolcs/resample/stopflag.h"
+#include "zolcs/resample/upright/separable.h"
 
 #include <cstdint>
 #include <limits>

@@ -4,8 +4,8 @@
 // are called for single pixels by the plain loop and may be taken apart by a faster filler.
 #pragma once
 
-#include "zolcs/resample/imageview.h"
-#include "zolcs/resample/stepping.h"
+#include "zolcs/pixels/imageview.h"
+#include "zolcs/view/stepping.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #include "zolcs/resample/member.h"
 
-#include "zolcs/pixelsize.h"
+#include "zolcs/pixels/pixelsize.h"
 
 #include "zolcs/ccsmap.h"
-#include "zolcs/resample/imageview.h"
+#include "zolcs/pixels/imageview.h"
 
 #include <algorithm>
 

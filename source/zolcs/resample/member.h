@@ -3,9 +3,9 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimage.h"
-#include "zolcs/imagelock.h"
+#include "zolcs/pixels/imagelock.h"
 #include "zolcs/resample/memberreports.h"
-#include "zolcs/resample/stepping.h"
+#include "zolcs/view/stepping.h"
 
 #include <cstdint>
 #include <vector>

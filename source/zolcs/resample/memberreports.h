@@ -1,7 +1,7 @@
 // What every resampling member may have to report, with its own name and line numbers.
 #pragma once
 
-#include "zolcs/report.h"
+#include "zolcs/support/report.h"
 
 #include <cstddef>
 #include <initializer_list>

@@ -10,11 +10,11 @@
 // rows and, for quarter turns, columns of the display.
 #pragma once
 
-#include "zolcs/resample/imageview.h"
+#include "zolcs/pixels/imageview.h"
 #include "zolcs/resample/kernels.h"
-#include "zolcs/resample/pixelrules.h"
 #include "zolcs/resample/spanoperations.h"
-#include "zolcs/resample/stepping.h"
+#include "zolcs/rules/pixelrules.h"
+#include "zolcs/view/stepping.h"
 
 #include <algorithm>
 #include <concepts>

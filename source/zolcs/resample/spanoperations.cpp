@@ -2,7 +2,7 @@
 
 #include "platform/vectorchoice.h"
 #include "zolcs/resample/spanvectors.h"
-#include "zolcs/resample/stepping.h"
+#include "zolcs/view/stepping.h"
 
 #include <algorithm>
 #include <bit>

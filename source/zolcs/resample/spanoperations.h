@@ -1,7 +1,6 @@
 // The innermost operations of the fast fillers, in the variants that the processor offers.
 #pragma once
 
-#include "zolcs/ccsexport.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -51,34 +50,34 @@ struct SpanOperations {
     void (*transpose32)(const std::uint32_t* tile, const TileShape& shape, std::uint32_t* out);
 
     /// The variant for this processor, or the one that a test has chosen.
-    ZOLWEBCS_API static const SpanOperations& chosen();
+    static const SpanOperations& chosen();
 
     /// True when a test wants the plain loops, without any of these.
-    ZOLWEBCS_API static bool isPlain();
+    static bool isPlain();
 
     /// True when the processor's own variants are to be used, where there are some; what else has variants goes by it.
     static bool usesVectors();
 
     /// Names of the variants that run here: "plain" and "portable", then the processor's own.
-    ZOLWEBCS_API static std::vector<std::string> variants();
+    static std::vector<std::string> variants();
 
     /// Makes every later call use a variant; an empty name goes back to the best one. False for an unknown name.
     /// For tests: no call may be running.
-    ZOLWEBCS_API static bool choose(const std::string& variant);
+    static bool choose(const std::string& variant);
 };
 
 /// out[i] = table[source[offsets[i]]] for a table of 65536 entries.
-ZOLWEBCS_API void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count,
-                             const std::uint32_t* table, std::uint32_t* out);
+void lookUpSpan(const std::uint16_t* source, const std::int32_t* offsets, int count, const std::uint32_t* table,
+                std::uint32_t* out);
 
 /// out[i] = source[offsets[i]].
-ZOLWEBCS_API void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
+void copySpan(const std::uint32_t* source, const std::int32_t* offsets, int count, std::uint32_t* out);
 
 /// Fills pixels without taking them into the cache: for many that nobody reads soon.
 void fillPastCache(std::uint32_t* out, std::size_t count, std::uint32_t colour);
 
 /// Tells the processor that a line will be read soon; from its second or third cache line on it finds out itself.
-ZOLWEBCS_API void prefetchStart(const void* data);
+void prefetchStart(const void* data);
 
 /// Tells the processor that the source pixels `ahead` behind some of those at `offsets` will be read soon. They may lie
 /// beyond the source.

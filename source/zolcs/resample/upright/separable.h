@@ -1,0 +1,395 @@
+// The fast filler of interpolation in upright views.
+//
+// There a pixel's horizontal position depends on its column alone and its vertical one on its row alone. So the
+// columns' offsets and weights are tabulated once a call, source rows are filtered across once and kept for the next
+// display rows, and what remains is to weigh filtered rows down.
+#pragma once
+
+#include "zolcs/resample/bicubic/bicubic.h"
+#include "zolcs/resample/bilinear/bilinear.h"
+#include "zolcs/resample/kernels.h"
+#include "zolcs/resample/resample.h"
+#include "zolcs/resample/stopflag.h"
+#include "zolcs/resample/upright/uprightoperations.h"
+#include "zolcs/view/stepping.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+namespace zolcs {
+
+/// Where the pixels of one axis are weighed for a position.
+template <std::size_t Taps, typename Weights>
+struct AxisTaps {
+    std::array<std::int64_t, Taps> pixels;
+    Weights weights;
+};
+
+/// Both axes of a bilinear kernel: two pixels, and the fraction between them.
+template <typename KernelType>
+struct BilinearAxes {
+    using Kernel = KernelType;
+    static constexpr std::size_t taps = 2;
+    static constexpr std::size_t centre = 0;  ///< the tap on which a shifted position falls
+
+    static AxisTaps<taps, std::uint32_t> axis(Fixed16 position, Fixed16 last) {
+        const Fixed16 at = std::clamp<Fixed16>(position - fixed16One / 2, 0, last);
+        const std::int64_t pixel = pixelOf(at);
+        return {{pixel, at < last ? pixel + 1 : pixel}, static_cast<std::uint32_t>(at & 0xFFFF)};
+    }
+    static auto column(const Kernel& kernel, Fixed16 u) { return axis(u, kernel.source().lastU()); }
+    static auto row(const Kernel& kernel, Fixed16 v) { return axis(v, kernel.source().lastV()); }
+    static std::int64_t lastColumn(const Kernel& kernel) { return pixelOf(kernel.source().lastU()); }
+    static std::int64_t lastRow(const Kernel& kernel) { return pixelOf(kernel.source().lastV()); }
+
+    /// The fraction between the pixels at `offset` and behind it.
+    static std::int32_t fraction(const AxisTaps<taps, std::uint32_t>& column, std::int64_t offset) {
+        return column.pixels[0] > offset ? fixed16One : static_cast<std::int32_t>(column.weights & blendFraction);
+    }
+};
+
+/// Both axes of a cubic kernel: four pixels, the outermost ones of the image repeated, and their weights.
+template <typename KernelType>
+struct CubicAxes {
+    using Kernel = KernelType;
+    static constexpr std::size_t taps = 4;
+    static constexpr std::size_t centre = 1;
+
+    static AxisTaps<taps, const CubicWeights&> axis(const Kernel& kernel, Fixed16 position, std::int64_t last) {
+        const Fixed16 at = position - fixed16One / 2;
+        std::array<std::int64_t, taps> pixels;
+        std::int64_t pixel = pixelOf(at) - 1;
+        for (std::int64_t& tap : pixels) tap = std::clamp<std::int64_t>(pixel++, 0, last);
+        return {pixels, kernel.source().weightsFor(at)};
+    }
+    static auto column(const Kernel& kernel, Fixed16 u) { return axis(kernel, u, kernel.source().lastColumn()); }
+    static auto row(const Kernel& kernel, Fixed16 v) { return axis(kernel, v, kernel.source().lastRow()); }
+    static std::int64_t lastColumn(const Kernel& kernel) { return kernel.source().lastColumn(); }
+    static std::int64_t lastRow(const Kernel& kernel) { return kernel.source().lastRow(); }
+
+    static constexpr int weightsPerColumn = 4;
+    /// A pixel that is repeated gets the sum of its weights.
+    static void tabulate(const AxisTaps<taps, const CubicWeights&>& column, std::int64_t offset, std::int16_t* weights,
+                         std::int16_t* remainders) {
+        CubicWeights sums{};
+        for (std::size_t i = 0; i < taps; ++i) {
+            sums[static_cast<std::size_t>(column.pixels[i] - offset)] += column.weights[i];
+        }
+        for (std::size_t i = 0; i < taps; ++i) {
+            weights[i] = static_cast<std::int16_t>(sums[i] >> 2);
+            remainders[i] = static_cast<std::int16_t>(sums[i] & 3);
+        }
+    }
+};
+
+struct BilinearGrey12Lines : BilinearAxes<BilinearGrey> {
+    using Sample = std::int16_t;
+    static constexpr int samplesPerPixel = 1;
+    static constexpr int weightsPerColumn = 2;
+    static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
+                         std::int16_t* /*remainders*/) {
+        const std::int32_t half = fraction(column, offset) / 2;
+        weights[0] = static_cast<std::int16_t>(half - 0x8000);
+        weights[1] = static_cast<std::int16_t>(-half);
+    }
+    static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV & 0x0FFF; }
+    static auto across(const LineOperations& operations) { return operations.bilinearGrey12Across; }
+    static auto down(const LineOperations& operations) { return operations.bilinearGrey12Down; }
+};
+
+struct BilinearGrey16Lines : BilinearAxes<BilinearGrey> {
+    using Sample = std::int32_t;
+    static constexpr int samplesPerPixel = 1;
+    static constexpr int weightsPerColumn = 2;
+    static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
+                         std::int16_t* /*remainders*/) {
+        const std::int32_t whole = fraction(column, offset);
+        weights[0] = static_cast<std::int16_t>(whole & 0xFFFF);
+        weights[1] = static_cast<std::int16_t>(whole >> 16);
+    }
+    static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV; }
+    static auto across(const LineOperations& operations) { return operations.bilinearGrey16Across; }
+    static auto down(const LineOperations& operations) { return operations.bilinearGrey16Down; }
+};
+
+struct BilinearRgbLines : BilinearAxes<BilinearRgb> {
+    using Sample = std::uint32_t;
+    static constexpr int samplesPerPixel = 1;
+    static constexpr int weightsPerColumn = 4;
+    static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
+                         std::int16_t* /*remainders*/) {
+        std::fill_n(weights, weightsPerColumn, static_cast<std::int16_t>(-fraction(column, offset) / 2));
+    }
+    static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV & blendFraction; }
+    static auto across(const LineOperations& operations) { return operations.bilinearRgbAcross; }
+    static auto down(const LineOperations& operations) { return operations.bilinearRgbDown; }
+};
+
+struct CubicGrey12Lines : CubicAxes<CubicGrey> {
+    using Sample = std::int16_t;
+    static constexpr int samplesPerPixel = 1;
+    static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
+    static auto across(const LineOperations& operations) { return operations.cubicGrey12Across; }
+    static auto down(const LineOperations& operations) { return operations.cubicGrey12Down; }
+};
+
+struct CubicGrey16Lines : CubicAxes<CubicGrey> {
+    using Sample = std::int32_t;
+    static constexpr int samplesPerPixel = 1;
+    static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
+    static auto across(const LineOperations& operations) { return operations.cubicGrey16Across; }
+    static auto down(const LineOperations& operations) { return operations.cubicGrey16Down; }
+};
+
+struct CubicRgbLines : CubicAxes<CubicRgb> {
+    using Sample = std::int16_t;
+    static constexpr int samplesPerPixel = 4;
+    static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
+    static auto across(const LineOperations& operations) { return operations.cubicRgbAcross; }
+    static auto down(const LineOperations& operations) { return operations.cubicRgbDown; }
+};
+
+/// What the columns of a display are made of, and of some more up to the end of a block.
+template <typename Lines>
+class SeparableColumns {
+public:
+    void tabulate(const typename Lines::Kernel& kernel, const Stepping& stepping) {
+        const auto width = static_cast<std::size_t>(stepping.width);
+        const std::size_t blocks = width / StopFlag::block + 1;
+        offsets_.assign(blocks * StopFlag::block, 0);
+        centres_.assign(size(), 0);
+        weights_.assign(size() * Lines::weightsPerColumn, 0);
+        remainders_.assign(weights_.size(), 0);
+        const std::int64_t lastOffset = Lines::lastColumn(kernel) - (std::int64_t{Lines::taps} - 1);
+        Fixed16 u = stepping.startU;
+        for (std::size_t x = 0; x < width; ++x, u += stepping.stepXu) {
+            const auto column = Lines::column(kernel, u);
+            const std::int64_t offset = std::min(column.pixels[0], lastOffset);
+            const std::size_t weight = x * Lines::weightsPerColumn;
+            offsets_[x] = static_cast<std::int32_t>(offset);
+            centres_[x] = static_cast<std::int32_t>(column.pixels[Lines::centre]);
+            Lines::tabulate(column, offset, &weights_[weight], &remainders_[weight]);
+        }
+        if (width > 0) std::fill(offsets_.begin() + stepping.width, offsets_.end(), offsets_[width - 1]);
+        if constexpr (sizeof(typename Lines::Kernel::Pixel) == 2) group(Lines::lastColumn(kernel));
+    }
+
+    [[nodiscard]] std::size_t size() const { return offsets_.size(); }
+
+    /// The taps from a block's first column on.
+    [[nodiscard]] ColumnTaps from(int x) const {
+        const std::ptrdiff_t weight = static_cast<std::ptrdiff_t>(x) * Lines::weightsPerColumn;
+        ColumnTaps taps{
+            offsets_.data() + x, weights_.data() + weight, remainders_.data() + weight, false, nullptr, nullptr};
+        if (!groups_.empty()) {
+            taps.isGrouped = true;
+            taps.groups = groups_.data() + x / groupColumns;
+            taps.groupBytes = groupBytes_.data() + static_cast<std::ptrdiff_t>(x) * bytesPerColumn;
+        }
+        return taps;
+    }
+
+    /// The source columns on which shifted positions fall, from a display column on.
+    [[nodiscard]] const std::int32_t* centres(int x) const { return centres_.data() + x; }
+
+private:
+    static constexpr int groupPixels = 8;
+    static constexpr int groupColumns = groupPixels / static_cast<int>(Lines::taps);
+    static constexpr int bytesPerColumn = 2 * static_cast<int>(Lines::taps);
+
+    /// Groups neighbouring columns, unless some lie too far apart.
+    void group(std::int64_t lastColumn) {
+        groups_.clear();
+        groupBytes_.clear();
+        const std::int64_t lastGroup = lastColumn - (groupPixels - 1);
+        if (lastGroup < 0) return;
+        groups_.reserve(size() / groupColumns);
+        groupBytes_.reserve(size() * bytesPerColumn);
+        for (auto first = offsets_.begin(); first != offsets_.end(); first += groupColumns) {
+            const auto [least, most] = std::minmax_element(first, first + groupColumns);
+            const std::int32_t begin = static_cast<std::int32_t>(std::min<std::int64_t>(*least, lastGroup));
+            if (*most - begin > groupPixels - static_cast<int>(Lines::taps)) {
+                groups_.clear();
+                return;
+            }
+            groups_.push_back(begin);
+            for (auto column = first; column != first + groupColumns; ++column) {
+                for (int byte = 0; byte < bytesPerColumn; ++byte) {
+                    groupBytes_.push_back(static_cast<std::uint8_t>(2 * (*column - begin) + byte));
+                }
+            }
+        }
+    }
+
+    std::vector<std::int32_t> offsets_;
+    std::vector<std::int32_t> centres_;
+    std::vector<std::int16_t> weights_;
+    std::vector<std::int16_t> remainders_;
+    std::vector<std::int32_t> groups_;  ///< empty when columns cannot be grouped
+    std::vector<std::uint8_t> groupBytes_;
+};
+
+/// Equals PlainFiller<Lines::Kernel, Convert> bit for bit, in separable views.
+template <typename Lines, typename Convert>
+class SeparableFiller {
+public:
+    using Kernel = typename Lines::Kernel;
+    using Pixel = typename Kernel::Pixel;
+    using Sample = typename Lines::Sample;
+
+    SeparableFiller(const Kernel& kernel, const Convert& convert, StopFlag stop)
+        : kernel_(kernel), convert_(convert), stop_(stop), operations_(LineOperations::chosen()) {}
+
+    void prepare(const Stepping& stepping) {
+        columns_.tabulate(kernel_, stepping);
+        // Weighing down takes whole blocks, too, but from the first column on that is asked for.
+        const std::size_t filteredColumns = columns_.size() + StopFlag::block;
+        for (FilteredRow& row : rows_) row.samples.resize(filteredColumns * Lines::samplesPerPixel);
+        values_.resize(columns_.size());
+        const auto rowsForward = static_cast<std::int64_t>(std::clamp<Fixed16>(pixelOf(stepping.stepYv), -1000, 1000));
+        nextRow_ =
+            stepping.stepYv < 0 ? std::min<std::int64_t>(rowsForward, -1) : std::max<std::int64_t>(rowsForward, 1);
+        expect({});
+    }
+
+    void expect(ColumnRange columns) {
+        if (columns == expected_) return;
+        expected_ = columns;
+        filteredBegin_ = columns.begin - columns.begin % StopFlag::block;
+        for (FilteredRow& row : rows_) row.number = -1;
+    }
+
+    template <typename Out>
+    bool fill(const SourceLine& line, ColumnRange columns, Out* out) {
+        const auto taps = Lines::row(kernel_, line.v);
+        std::array<const Sample*, Lines::taps> rows;
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            const Sample* samples = filtered(taps.pixels[i]);
+            if (samples == nullptr) return false;
+            rows[i] = samples + (columns.begin - filteredBegin_) * Lines::samplesPerPixel;
+        }
+        const auto down = [&](Pixel* values) {
+            const int count = columns.end - columns.begin;
+            return Lines::down(operations_)(rows, Lines::rowWeights(taps.weights), count, values, stop_);
+        };
+        if constexpr (std::is_same_v<Convert, Copy<Pixel>>) {
+            if (keptBits() == 0) return down(out);
+        }
+        return down(values_.data()) && finish(taps.pixels[Lines::centre], columns, out);
+    }
+
+private:
+    /// A source row that has been filtered across, from the block of the first expected column on.
+    struct FilteredRow {
+        std::int64_t number = -1;
+        std::vector<Sample> samples;
+    };
+
+    [[nodiscard]] std::uint32_t keptBits() const {
+        if constexpr (std::is_same_v<Pixel, std::uint16_t>) {
+            return static_cast<std::uint32_t>(kernel_.keptBits());
+        } else {
+            return 0;
+        }
+    }
+
+    /// The samples of a source row; null when stopped. The rows that one position weighs have different places.
+    const Sample* filtered(std::int64_t number) {
+        FilteredRow& row = rows_[static_cast<std::size_t>(number) % Lines::taps];
+        if (row.number != number) {
+            row.number = -1;
+            const ImageView<const Pixel>& pixels = kernel_.source().pixels();
+            const std::int64_t next = std::clamp<std::int64_t>(number + nextRow_, 0, Lines::lastRow(kernel_));
+            if (!Lines::across(operations_)(pixels.line(number), pixels.line(next), columns_.from(filteredBegin_),
+                                            expected_.end - filteredBegin_, row.samples.data(), stop_)) {
+                return nullptr;
+            }
+            row.number = number;
+        }
+        return row.samples.data();
+    }
+
+    /// Makes display pixels of the values.
+    template <typename Out>
+    bool finish(std::int64_t centreRow, ColumnRange columns, Out* out) const {
+        const Pixel* values = values_.data();
+        const int count = columns.end - columns.begin;
+        if (keptBits() == 0) {
+            if constexpr (std::is_same_v<Convert, GreyTable>) {
+                return lookUpLine(values, count, convert_.entries, out, stop_);
+            } else {
+                return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
+            }
+        }
+        const Pixel* centres = kernel_.source().pixels().line(centreRow);
+        const std::int32_t* offsets = columns_.centres(columns.begin);
+        return forBlocks(count, [&](int i) {
+            out[i] = convert_(static_cast<Pixel>(values[i] | (centres[offsets[i]] & keptBits())));
+        });
+    }
+
+    /// Calls pixel(i) for i below `count`; whole blocks have a constant length, which compilers unroll.
+    template <typename PerPixel>
+    bool forBlocks(int count, const PerPixel& pixel) const {
+        int begin = 0;
+        for (; begin + StopFlag::block <= count; begin += StopFlag::block) {
+            if (stop_.isRaised()) return false;
+            for (int i = 0; i < StopFlag::block; ++i) pixel(begin + i);
+        }
+        if (begin < count && stop_.isRaised()) return false;
+        for (; begin < count; ++begin) pixel(begin);
+        return true;
+    }
+
+    const Kernel& kernel_;
+    const Convert& convert_;
+    StopFlag stop_;
+    const LineOperations& operations_;
+    SeparableColumns<Lines> columns_;
+    std::vector<Pixel> values_;
+    std::array<FilteredRow, Lines::taps> rows_;
+    ColumnRange expected_;
+    int filteredBegin_ = 0;     ///< the first column of filtered rows, where a block begins
+    std::int64_t nextRow_ = 1;  ///< source rows from one filtered row to the next
+};
+
+/// True for upright views and quarter turns of sources that are wide enough for every kernel.
+inline bool isSeparable(const Stepping& stepping) {
+    return (stepping.isUpright() || stepping.isQuarterTurn()) && pixelOf(stepping.limitU) >= 4;
+}
+
+/// Gives `draw` the separable filler of a kernel.
+template <typename Lines, typename Kernel, typename Convert, typename Draw>
+bool withLines(const Kernel& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
+    SeparableFiller<Lines, Convert> filler(kernel, convert, stop);
+    return draw(filler);
+}
+
+inline constexpr std::int32_t twelveBitMask = 0x0FFF;
+
+template <typename Convert, typename Draw>
+bool withSeparable(const BilinearGrey& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
+    return kernel.mask() == twelveBitMask ? withLines<BilinearGrey12Lines>(kernel, convert, stop, draw)
+                                          : withLines<BilinearGrey16Lines>(kernel, convert, stop, draw);
+}
+
+template <typename Convert, typename Draw>
+bool withSeparable(const CubicGrey& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
+    return kernel.mask() == twelveBitMask ? withLines<CubicGrey12Lines>(kernel, convert, stop, draw)
+                                          : withLines<CubicGrey16Lines>(kernel, convert, stop, draw);
+}
+
+template <typename Convert, typename Draw>
+bool withSeparable(const BilinearRgb& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
+    return withLines<BilinearRgbLines>(kernel, convert, stop, draw);
+}
+
+template <typename Convert, typename Draw>
+bool withSeparable(const CubicRgb& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
+    return withLines<CubicRgbLines>(kernel, convert, stop, draw);
+}
+
+}  // namespace zolcs

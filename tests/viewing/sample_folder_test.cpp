@@ -1,0 +1,141 @@
+// Every file of the sample folder: shown, or refused with the words that are expected.
+#include "support/test_data.h"
+#include "viewing/dicom/dicom_input.h"
+#include "viewing/display/render.h"
+#include "viewing/input.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace {
+
+using namespace viewing;
+
+/// The start of the refusal; files that are not listed are shown.
+const std::map<std::string, std::string> refusals{
+    {"chrKoreanMulti", "contains no image (it is a ComputedRadiographyImageStorage)"},
+    {"MR_truncated", "is truncated, or is not a DICOM file"},
+};
+
+std::string expectedRefusal(const std::filesystem::path& path) {
+    const std::string name = path.stem().string();
+    if (name.find("gsps") != std::string::npos)
+        return "contains no image (it is a GrayscaleSoftcopyPresentationStateStorage)";
+    if (path.parent_path().filename() == "palettes") return "contains no image (it is a ColorPaletteStorage)";
+    const auto found = refusals.find(name);
+    return found == refusals.end() ? "" : found->second;
+}
+
+TEST(SampleFolder, EveryFileIsShownOrRefusedAsExpected) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    int shown = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() != ".dcm") continue;
+        const std::string expected = expectedRefusal(entry.path());
+        std::string refusal;
+        try {
+            const StoredImage image = loadInput(entry.path().string(), {});
+            RenderOptions options;
+            options.size = Size{200, 160};
+            std::vector<std::string> notes;
+            const Picture picture = render(image, options, notes);
+            EXPECT_GT(std::count_if(picture.pixels.begin(), picture.pixels.end(),
+                                    [](std::uint32_t pixel) { return pixel != 0; }),
+                      100)
+                << entry.path();
+            ++shown;
+        } catch (const Refusal& refused) {
+            refusal = refused.what();
+        }
+        EXPECT_EQ(refusal.substr(0, expected.size()), expected) << entry.path();
+        EXPECT_EQ(refusal.empty(), expected.empty()) << entry.path() << ": " << refusal;
+    }
+    EXPECT_GT(shown, 45);
+}
+
+TEST(SampleFolder, OneImageInSixEncodingsIsOneImage) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    const StoredImage base = loadInput((folder / "syntax/MR_small.dcm").string(), {});
+    for (const char* name : {"implicit", "bigendian", "RLE", "jpeg_ls_lossless", "jp2klossless"}) {
+        const StoredImage other =
+            loadInput((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string(), {});
+        EXPECT_EQ(other.samples, base.samples) << name;
+        EXPECT_EQ(other.window, base.window) << name;
+    }
+}
+
+Picture showSample(const std::filesystem::path& path, const LoadOptions& load = {}, const RenderOptions& options = {}) {
+    std::vector<std::string> notes;
+    return render(loadInput(path.string(), load), options, notes);
+}
+
+TEST(SampleFolder, ThreeTablesMakeACleanRampOfTheScrambledImage) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    LoadOptions tables;
+    tables.modalityFile = tables.voiFile = tables.presentationFile = (folder / "xlut_p03_gsps.dcm").string();
+    const Picture picture = showSample(folder / "xlut_image.dcm", tables);
+    // A ramp of all greys above one of sixteen steps. The last row is not scrambled, and no part of them.
+    for (int y = 0; y < 511; ++y) {
+        for (int x = 0; x < 512; ++x) {
+            const int grey = y < 256 ? x / 2 : x / 32 * 17;
+            ASSERT_EQ(picture.at(x, y), static_cast<std::uint32_t>(grey) * 0x010101U) << x << ',' << y;
+        }
+    }
+}
+
+TEST(SampleFolder, EveryDeepValueIsMonotonicUnderEveryWindow) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    const std::filesystem::path chart = folder / "derived/chart_16bit_every_value.dcm";
+    const StoredImage image = DicomFile(chart.string()).image();
+    std::vector<std::size_t> byValue(65536);
+    for (std::size_t i = 0; i < image.samples.size(); ++i) byValue[image.samples[i]] = i;
+    for (const Window window : {Window{32768.0, 65536.0},
+                                {1.0, 1.0},
+                                {40000.5, 3.0},
+                                {9999.0, 20001.0},
+                                {65535.0, 2.0},
+                                {-100.0, 1000.0},
+                                {70000.0, 9000.0}}) {
+        RenderOptions options;
+        options.window = window;
+        const Picture picture = showSample(chart, {}, options);
+        for (std::size_t value = 1; value < byValue.size(); ++value)
+            ASSERT_LE(picture.pixels[byValue[value - 1]], picture.pixels[byValue[value]])
+                << window.centre << '/' << window.width << " at " << value;
+    }
+}
+
+TEST(SampleFolder, PalettesOfBothDepthsAreOnePicture) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    EXPECT_EQ(showSample(folder / "testpattern_palette_8bitlut.dcm").pixels,
+              showSample(folder / "testpattern_palette_16bitlut.dcm").pixels);
+}
+
+TEST(SampleFolder, EveryFrameIsThere) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    const std::filesystem::path film = folder / "us_ybr422_jpeg_30fr.dcm";
+    LoadOptions load;
+    const Picture first = showSample(film);
+    load.frame = 30;
+    EXPECT_NE(showSample(film, load).pixels, first.pixels);
+    load.frame = 31;
+    EXPECT_THROW(loadInput(film.string(), load), Refusal);
+}
+
+TEST(SampleFolder, EveryStoredValueHasItsLevel) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    const StoredImage image = DicomFile((folder / "derived/chart_12bit_every_value.dcm").string()).image();
+    std::vector<int> count(4096);
+    for (const std::uint16_t sample : image.samples) ++count[sample];
+    EXPECT_EQ(count, std::vector<int>(4096, 1));
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#include "viewing/dicom/sample_conversion.h"
+
+#include <algorithm>
+
+namespace viewing {
+
+std::uint16_t PixelFormat::valueBits() const {
+    return static_cast<std::uint16_t>(((1U << bitsStored) - 1U) << (highBit + 1 - bitsStored));
+}
+
+int PixelFormat::value(std::uint16_t word) const {
+    const int value = (word & valueBits()) >> (highBit + 1 - bitsStored);
+    const int sign = 1 << (bitsStored - 1);
+    return isSigned ? (value ^ sign) - sign : value;
+}
+
+namespace {
+
+bool isPadding(const std::optional<PaddingRange>& range, int value) { return range && range->contains(value); }
+
+struct Extremes {
+    int low = 0;
+    int high = 0;
+};
+
+/// Of the values that are not padding; both 0 when there is none.
+Extremes findExtremes(std::span<const std::uint16_t> words, const PixelFormat& format,
+                      const std::optional<PaddingRange>& padding) {
+    Extremes found;
+    bool first = true;
+    for (const std::uint16_t word : words) {
+        const int value = format.value(word);
+        if (isPadding(padding, value)) continue;
+        found.low = first ? value : std::min(found.low, value);
+        found.high = first ? value : std::max(found.high, value);
+        first = false;
+    }
+    return found;
+}
+
+}  // namespace
+
+void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
+                    std::optional<PaddingRange> padding, std::uint16_t embeddedBits) {
+    const Extremes extremes = findExtremes(words, format, padding);
+    const int range = extremes.high - extremes.low;
+    // Up to 12 bits the levels do not depend on the pixels, so that pictures of one series compare level by level.
+    image.levels = format.bitsStored > 12 && range >= rasterLevels ? deepLevels : rasterLevels;
+    if (format.bitsStored > 12 && image.levels == rasterLevels) {
+        image.lowest = extremes.low;
+    } else {
+        image.lowest = format.isSigned ? -(1 << (format.bitsStored - 1)) : 0;
+    }
+    image.minLevel = std::max(extremes.low - image.lowest, 0);
+    image.maxLevel = std::max(extremes.high - image.lowest, 0);
+
+    if (padding) image.padding = BitPlane(image.width, image.height);
+    image.samples.resize(words.size());
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const int value = format.value(words[i]);
+        if (isPadding(padding, value)) image.padding.setBit(i);
+        // Padding may lie outside the levels; its own are never shown.
+        const int level = std::clamp(value - image.lowest, 0, image.levels - 1);
+        image.samples[i] = static_cast<std::uint16_t>(level | (words[i] & embeddedBits));
+    }
+}
+
+OverlayPlane extractPlane(std::span<const std::uint16_t> words, int bit, int width, int height) {
+    OverlayPlane plane{{0, 0}, BitPlane(width, height), PlaneKind::Graphics};
+    for (std::size_t i = 0; i < words.size(); ++i)
+        if (((words[i] >> bit) & 1) != 0) plane.bits.setBit(i);
+    return plane;
+}
+
+}  // namespace viewing

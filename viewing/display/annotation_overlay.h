@@ -1,0 +1,38 @@
+// Annotations as the library's overlays.
+#pragma once
+
+#include "viewing/annotations/annotations.h"
+#include "zolcs/ccs2dtrafo.h"
+#include "zolcs/ccsgroup.h"
+
+#include <string>
+#include <vector>
+
+namespace viewing {
+
+/// The library's modes of drawing that make a difference here.
+inline constexpr int screenMode = 1;
+inline constexpr int printerMode = 2;
+
+/// What annotations are drawn on.
+struct Canvas {
+    CCs2dTrafo& view;            ///< image to picture
+    double imageRatioYx = 1.0;   ///< height of an image pixel divided by its width
+    double pictureAspect = 1.0;  ///< width of the picture divided by its height, as they are seen
+};
+
+/// A group with one overlay for each annotation, each in its own colour. Owns the strings that the texts refer to.
+class AnnotationOverlay {
+public:
+    AnnotationOverlay(const std::vector<Annotation>& annotations, const Canvas& canvas);
+
+    [[nodiscard]] CCsGroup* group() { return &group_; }
+
+private:
+    void add(const Annotation& annotation, const Canvas& canvas);
+
+    std::vector<std::wstring> texts_;
+    CCsGroup group_;
+};
+
+}  // namespace viewing

@@ -1,0 +1,20 @@
+// The library's grey maps, set up for an image.
+#pragma once
+
+#include "viewing/display/grey_transform.h"
+#include "zolcs/ccscolorman.h"
+#include "zolcs/ccsmap.h"
+
+#include <memory>
+
+namespace viewing {
+
+/// A map for rasters of the transform's levels, without a palette yet. Every level gets a grey that is off by at most
+/// one from what the transform defines: by the map's own window where that comes as near, and through its non-linear
+/// table where not.
+std::unique_ptr<IGreyMap> makeGreyMap(const GreyTransform& transform);
+
+/// True when the lowest level of a map is brighter than the highest one.
+bool fallsFromWhite(IGreyMap& map, int levels);
+
+}  // namespace viewing

@@ -1,0 +1,185 @@
+#include "viewing/display/resampling.h"
+
+#include "viewing/display/image_pixels.h"
+#include "viewing/display/report_log.h"
+#include "zolcs/ccs2dtrafo.h"
+#include "zolcs/ccsbicubic.h"
+#include "zolcs/ccsbilinear.h"
+#include "zolcs/ccsframe.h"
+#include "zolcs/ccsmap.h"
+#include "zolcs/ccsnearest.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace viewing {
+
+namespace {
+
+/// As the resampler writes background: a blue of 1 is no grey.
+constexpr unsigned char marker = 1;
+
+constexpr int done = 255;
+
+void mapInto(RasterSetup& setup, CCsRaster& raster, CCsImage& display, IGreyMap& map, unsigned char* padding) {
+    const RECT all{0, 0, raster.getWidth(), raster.getHeight()};
+    if (map.mapRaster(raster, display, all, true, padding, nullptr) != done)
+        throw Refusal("the values could not be mapped");
+    ReportLog::check();
+    // Mapping never takes the first pixel for padding.
+    if (padding != nullptr && setup.firstPixelIsPadding()) *ImagePixels<std::uint32_t>(display).row(0) = 0;
+}
+
+/// One value for each pixel of the frame: whether the resampler took it for background.
+std::vector<bool> findBackground(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view) {
+    // Without a map all pixels are black or have a shutter's grey, whatever the colours of the palette.
+    CCsNearest().nearestGrey12IndexMap(raster, frame, view, nullptr, nullptr, marker);
+    ReportLog::check();
+    std::vector<bool> out;
+    ImagePixels<std::uint32_t>(frame).forEach([&out](std::uint32_t pixel) { out.push_back(pixel == marker); });
+    return out;
+}
+
+void fillBackground(CCsFrame& frame, const std::vector<bool>& background, int grey) {
+    auto isBackground = background.begin();
+    ImagePixels<std::uint32_t>(frame).forEach([&](std::uint32_t& pixel) {
+        if (*isBackground++) pixel = static_cast<std::uint32_t>(backgroundPixel(grey));
+    });
+}
+
+/// The resampler writes its background byte into the blue of a pixel and gives the same one to padding, which must stay
+/// black. So black is the only background that it is asked for; another grey goes where a run without padding finds
+/// background, which is the same place for every interpolation.
+void resampleByLoops(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map,
+                     const RenderOptions& options) {
+    CCsRaster& raster = setup.raster();
+    std::vector<bool> outside;
+    if (options.background != 0) outside = findBackground(raster, frame, view);
+    switch (options.interpolation) {
+        case Interpolation::Nearest:
+            CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
+            break;
+        case Interpolation::Bilinear:
+            setup.countAsDeep();
+            CCsBilinear().bilinearGrey12IndexMap(raster, frame, view, &map, false, setup.padding(), 0);
+            break;
+        case Interpolation::Bicubic:
+            CCsBicubic().bicubicGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
+            break;
+    }
+    ReportLog::check();
+    if (options.background != 0) fillBackground(frame, outside, options.background);
+}
+
+int accelerateGrey(CCsRaster& values, CCsRaster& picture, CCs2dTrafo& view, Interpolation interpolation) {
+    switch (interpolation) {
+        case Interpolation::Nearest:
+            return CCsNearest().nearestIPPGrey12Grey12(values, picture, view, 0);
+        case Interpolation::Bilinear:
+            return CCsBilinear().bilinearIPPGrey12Grey12(values, picture, view, 0);
+        default:
+            return CCsBicubic().bicubicIPPGrey12Grey12(values, picture, view, 0);
+    }
+}
+
+/// The levels are drawn with so much added that no overshoot of the cubic comes near the background's 0, and mapped
+/// afterwards. False, with nothing reported, when the primitives cannot draw the view.
+bool resampleByPrimitives(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map,
+                          const RenderOptions& options) {
+    static constexpr int lift = rasterLevels;
+    CCsRaster& raster = setup.raster();
+    CCsRaster values(raster.getWidth(), raster.getHeight(), CCS_GREY16, raster.getRatioYx(), true, false);
+    const ImagePixels<std::uint16_t> lifted(values);
+    const ImagePixels<std::uint16_t> stored(raster);
+    for (int y = 0; y < raster.getHeight(); ++y) {
+        std::transform(stored.row(y), stored.row(y) + raster.getWidth(), lifted.row(y), [](std::uint16_t sample) {
+            return static_cast<std::uint16_t>((sample & (rasterLevels - 1)) + lift);
+        });
+    }
+    CCsRaster picture(frame.getWidth(), frame.getHeight(), CCS_GREY12, frame.getRatioYx(), true, false);
+    if (accelerateGrey(values, picture, view, options.interpolation) != done) {
+        ReportLog::forget();
+        return false;
+    }
+    std::vector<bool> outside;
+    ImagePixels<std::uint16_t>(picture).forEach([&outside](std::uint16_t& value) {
+        outside.push_back(value == 0);
+        value = static_cast<std::uint16_t>(std::clamp(int{value}, lift, lift + rasterLevels - 1) - lift);
+    });
+    mapInto(setup, picture, frame, map, nullptr);
+    fillBackground(frame, outside, options.background);
+    return true;
+}
+
+int accelerateColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const RenderOptions& options) {
+    const auto background = static_cast<unsigned char>(options.background);
+    switch (options.interpolation) {
+        case Interpolation::Nearest:
+            return CCsNearest().nearestIPPRgb8Rgb8(raster, frame, view, background);
+        case Interpolation::Bilinear:
+            return CCsBilinear().bilinearIPPRgb8Rgb8(raster, frame, view, background);
+        default:
+            return CCsBicubic().bicubicIPPRgb8Rgb8(raster, frame, view, background);
+    }
+}
+
+void noteNotAccelerated(std::vector<std::string>& notes) {
+    notes.emplace_back("cannot be drawn by the image primitives in this view; drawn without them");
+}
+
+}  // namespace
+
+bool mapsFirst(RasterSetup& setup, const RenderOptions& options) {
+    const CCsRaster& raster = setup.raster();
+    if (raster.getType() == CCS_GREY16) return true;
+    return options.accelerated && (raster.isShutter() || raster.isNonEmbeddedOverlayPresent() ||
+                                   raster.isEmbeddedOverlayPresent() || setup.padding() != nullptr);
+}
+
+std::unique_ptr<CCsRaster> mapWhole(RasterSetup& setup, IGreyMap& map) {
+    CCsRaster& raster = setup.raster();
+    auto shown =
+        std::make_unique<CCsRaster>(raster.getWidth(), raster.getHeight(), CCS_RGB8, raster.getRatioYx(), true, false);
+    if (raster.getType() == CCS_GREY16) {
+        mapInto(setup, raster, *shown, map, setup.padding());
+    } else {
+        // Pixel for pixel, so that shutters, planes and padding follow the rules of every other picture.
+        CCs2dTrafo same;
+        CCsNearest().nearestGrey12IndexMap(raster, *shown, same, &map, setup.padding(), 0);
+        ReportLog::check();
+    }
+    return shown;
+}
+
+void resampleGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map, const RenderOptions& options,
+                  std::vector<std::string>& notes) {
+    if (options.accelerated) {
+        if (resampleByPrimitives(setup, frame, view, map, options)) return;
+        noteNotAccelerated(notes);
+    }
+    resampleByLoops(setup, frame, view, map, options);
+}
+
+void resampleColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const RenderOptions& options,
+                     std::vector<std::string>& notes) {
+    if (options.accelerated) {
+        if (accelerateColours(raster, frame, view, options) == done) return;
+        ReportLog::forget();
+        noteNotAccelerated(notes);
+    }
+    const unsigned long background = backgroundPixel(options.background);
+    switch (options.interpolation) {
+        case Interpolation::Nearest:
+            CCsNearest().nearestRgb8Rgb8(raster, frame, view, background);
+            break;
+        case Interpolation::Bilinear:
+            CCsBilinear().bilinearRgb8Rgb8(raster, frame, view, background, false);
+            break;
+        case Interpolation::Bicubic:
+            CCsBicubic().bicubicRgb8Rgb8(raster, frame, view, background);
+            break;
+    }
+    ReportLog::check();
+}
+
+}  // namespace viewing
