@@ -13,6 +13,9 @@ die() {
     exit 1
 }
 
+# minutes SECONDS: as minutes and seconds, mm:ss.
+minutes() { printf '%02d:%02d' $(($1 / 60)) $(($1 % 60)); }
+
 # Demo and test share one build tree, so that the test framework is needed to configure it.
 build_packages=(g++ cmake ninja-build ccache pkg-config libcairo2-dev libpango1.0-dev libfontconfig-dev libboost-dev
     libhwy-dev libdcmtk-dev libcli11-dev libpng-dev nlohmann-json3-dev libopenjp2-7-dev libgtest-dev libgmock-dev
@@ -36,13 +39,14 @@ need_packages() {
     say "Installing: ${missing[*]}"
     [ "$(id -u)" -eq 0 ] || die "these packages are missing and only root can install them: ${missing[*]}"
     export DEBIAN_FRONTEND=noninteractive
-    local log
+    local log begin=$SECONDS
     log=$(mktemp)
     if ! { apt-get -q update && apt-get -q install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
         tail -n 15 "$log" >&2
         die "the packages could not be installed (no network, or a package source is missing); see the lines above"
     fi
     rm -f "$log"
+    printf 'Installed in %s.\n' "$(minutes $((SECONDS - begin)))"
 }
 
 # build PRESET [TARGET...]: configures when needed and builds; progress on the terminal.
