@@ -51,10 +51,10 @@ foreach(document IN LISTS documents)
       string(APPEND missing "\n  ${name}: no ${path}")
     endif()
   endforeach()
-  string(REGEX MATCHALL "`(source|viewing|apps|examples|tests|fuzz|bench|docs|scripts|cmake)/[A-Za-z0-9_./-]*" paths
+  string(REGEX MATCHALL "`(source|viewing|apps|examples|tests|fuzz|bench|docs|scripts|cmake)/[A-Za-z0-9_./-]*`" paths
     "${text}")
   foreach(path IN LISTS paths)
-    string(SUBSTRING "${path}" 1 -1 path)
+    string(REPLACE "`" "" path "${path}")
     if(NOT EXISTS "${PROJECT}/${path}")
       string(APPEND missing "\n  ${name}: no ${path}")
     endif()
