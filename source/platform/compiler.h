@@ -9,16 +9,6 @@
 #define ZOL_IMPORT __attribute__((visibility("default")))
 #endif
 
-#if defined(_MSC_VER) && !defined(__clang__)
-#define ZOL_RESTRICT __restrict
-#define ZOL_ALWAYS_INLINE __forceinline
-#define ZOL_NOINLINE __declspec(noinline)
-#else
-#define ZOL_RESTRICT __restrict__
-#define ZOL_ALWAYS_INLINE inline __attribute__((always_inline))
-#define ZOL_NOINLINE __attribute__((noinline))
-#endif
-
 #if defined(_MSC_VER) && !defined(__clang__) && (defined(_M_IX86) || defined(_M_X64))
 #include <intrin.h>
 #endif

@@ -152,13 +152,13 @@ int CCs2dTrafo::getOperations(double& angle, int& mirrored, double& scale, doubl
     ty = f;
     const double determinant = d * a - b * c;
     if (nearZero(determinant, smallestDeterminant)) {
-        return zolcs::fail(singularMatrix, zolcs::truncated(determinant), 0);
+        return zolcs::fail(singularMatrix, zolcs::truncated(determinant), CCS_FAILED);
     }
     mirrored = determinant < 0.0 ? 1 : 0;
     scale = std::sqrt(mirrored != 0 ? -determinant : determinant);
     angle = zolcs::portable::acos((mirrored != 0 ? -a : a) / scale) * 180.0 / pi;
     if (mirrored != 0 ? c < 0.0 : c > 0.0) angle = 360.0 - angle;
-    return 255;
+    return CCS_DONE;
 }
 
 /// What getOperations finds; a singular matrix counts as upright, not mirrored and of scale 1.
@@ -252,13 +252,13 @@ int CCs2dTrafo::getImgToDsp(double& a, double& b, double& c, double& d, double& 
     d = imgToDsp[3];
     e = imgToDsp[4];
     f = imgToDsp[5];
-    return 255;
+    return CCS_DONE;
 }
 
 int CCs2dTrafo::getDspScaleFactor(double& factor) {
     adaptTransformation_();
     factor = meanScale_();
-    return 255;
+    return CCS_DONE;
 }
 
 int CCs2dTrafo::getDspScaleFactorXY(double& fx, double& fy) {
@@ -276,7 +276,7 @@ int CCs2dTrafo::getDspScaleFactorXY(double& fx, double& fy) {
         fx = std::fabs(b);
         fy = std::fabs(c);
     }
-    return 255;
+    return CCS_DONE;
 }
 
 int CCs2dTrafo::setDspScaleFactor(double factor) {
@@ -288,7 +288,7 @@ int CCs2dTrafo::setDspScaleFactor(double factor) {
     const double zoom = factor / meanScale_();
     transition = false;
     scale(zoom);
-    return 255;
+    return CCS_DONE;
 }
 
 bool CCs2dTrafo::isAcqisitionSize() {

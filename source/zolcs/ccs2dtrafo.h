@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccsresults.h"
 
 #include <cstdint>
 
@@ -22,7 +23,7 @@ inline constexpr int CCS_VERTICAL = 2;    ///< top and bottom exchange
 ///
 /// Everything is computed in double, without rounding to pixels, and has the same bits on every platform. Sizes,
 /// ratios and factors are taken as they are: a size or ratio of 0 gives infinities or NaN in the pixel matrices, and
-/// nothing worse. Operations that return int return 255 unless told otherwise.
+/// nothing worse. Operations that return int return CCS_DONE (255) unless they say otherwise.
 class ZOLWEBCS_API CCs2dTrafo {
 public:
     /// The identity between two images of one square pixel.
@@ -94,8 +95,8 @@ public:
     /// Turns the view clockwise as it is seen (x to the right, y down), the pan included.
     void rotate(double degrees);
 
-    /// Mirrors the view, the pan included. 255; or 2 for anything but CCS_HORIZONTAL and CCS_VERTICAL, which is
-    /// reported and changes nothing.
+    /// Mirrors the view, the pan included. CCS_DONE; or CCS_INVALID for anything but CCS_HORIZONTAL and
+    /// CCS_VERTICAL, which is reported and changes nothing.
     int mirror(int direction);
 
     void setDspPanFactor(double px, double py);

@@ -10,8 +10,9 @@ constexpr zolcs::ReportSite badDirection{L"Mirroring must be CCS_HORIZONTAL or C
 }  // namespace
 
 int CCs2dTrafo::mirror(int direction) {
-    if (direction != CCS_HORIZONTAL && direction != CCS_VERTICAL) return zolcs::fail(badDirection, direction, 2);
+    if (direction != CCS_HORIZONTAL && direction != CCS_VERTICAL)
+        return zolcs::fail(badDirection, direction, CCS_INVALID);
     for (int i = direction == CCS_HORIZONTAL ? 0 : 1; i < 6; i += 2) userMatrix[i] = -userMatrix[i];
     isValid = 0;
-    return 255;
+    return CCS_DONE;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccsresults.h"
 
 /// A view of 256 display pixels (0x00RRGGBB) that somebody else owns.
 struct CCsColorMapT {

@@ -22,9 +22,6 @@ using zolcs::Rgb24;
 using zolcs::UnsharpSettings;
 using zolcs::UnsharpWorkspace;
 
-constexpr int done = 255;
-constexpr int refused = 0;
-
 constexpr ReportSite siteOf(const wchar_t* message, int line) {
     return {message, L"source\\zolcs\\ccsedgeenhancement", line};
 }
@@ -57,7 +54,10 @@ struct TypeChecks {
 
 /// True when a member may begin; otherwise it has been said why not.
 bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster& src, const CCsRaster& dst, long size) {
-    const auto refuse = [](const ReportSite& site, long number) { return zolcs::fail(site, number, 0) != 0; };
+    const auto refuse = [](const ReportSite& site, long number) {
+        zolcs::fail(site, number, CCS_FAILED);
+        return false;
+    };
     if (!fits.source) return refuse(sites.sourceType, src.getType());
     if (!fits.destination) return refuse(sites.destinationType, dst.getType());
     if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight()) return refuse(sites.size, 0);
@@ -69,16 +69,16 @@ bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster&
 template <typename Sample, typename Filter>
 int runFilter(const MemberSites& sites, CCsRaster& src, CCsRaster& dst, const Filter& filter) {
     const UnsharpWorkspace<Sample> workspace(src.getWidth());
-    if (!workspace.isAllocated()) return zolcs::fail(sites.memory, 0, refused);
+    if (!workspace.isAllocated()) return zolcs::fail(sites.memory, 0, CCS_FAILED);
     try {
         const zolcs::ImagePairLock lock(src, dst);
-        if (lock.source() == nullptr || lock.destination() == nullptr) return zolcs::fail(sites.memory, 0, refused);
+        if (lock.source() == nullptr || lock.destination() == nullptr) return zolcs::fail(sites.memory, 0, CCS_FAILED);
         filter(lock.source(), lock.destination(), workspace);
     } catch (...) {
         // Deliberately a success: the host has always shown what was filtered so far.
         MorvaLog(L"zolcs - E", L"Exception: unknown");
     }
-    return done;
+    return CCS_DONE;
 }
 
 /// A box beyond any image and a strength beyond 32 bits are as good as the nearest that fit.
@@ -148,8 +148,8 @@ int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, lo
     const auto isGrey = [](const CCsRaster& raster) {
         return raster.getType() == CCS_GREY12 || raster.getType() == CCS_GREY16;
     };
-    if (!mayBegin(greySites, {isGrey(src), isGrey(dst)}, src, dst, size)) return refused;
-    if (bits < 0) return zolcs::fail(greyBits, bits, refused);
+    if (!mayBegin(greySites, {isGrey(src), isGrey(dst)}, src, dst, size)) return CCS_FAILED;
+    if (bits < 0) return zolcs::fail(greyBits, bits, CCS_FAILED);
     constexpr int mostBits = 30;  // the mask is a positive number of 32 bits
     const auto mask =
         static_cast<std::int32_t>((std::uint32_t{2} << static_cast<unsigned>(std::min(bits, mostBits))) - 1);
@@ -165,7 +165,7 @@ int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, lo
 int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long size, long strength) {
     const bool threeBytes = src.getType() == CCS_RGB24;
     const TypeChecks fits{threeBytes || src.getType() == CCS_RGB8, dst.getType() == CCS_RGB8};
-    if (!mayBegin(colourSites, fits, src, dst, size)) return refused;
+    if (!mayBegin(colourSites, fits, src, dst, size)) return CCS_FAILED;
     const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
                                    std::numeric_limits<std::uint16_t>::max()};
     return runFilter<std::uint8_t>(

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccsresults.h"
 
 class CCsRaster;
 
@@ -11,9 +12,10 @@ class CCsRaster;
 /// would pass the image (size / 2 pixels along each side), and everywhere when it is larger than the image, pixels are
 /// copied.
 ///
-/// Refused with a report (module "source\zolcs\ccsedgeenhancement") and the result 0, the destination untouched: types
-/// that a member does not take (number: the type), rasters of different size (0), a box edge below 1 (the edge), and
-/// exhausted memory (0), which is also that of a raster without pixel memory. Otherwise the result is 255.
+/// Refused with a report (module "source\zolcs\ccsedgeenhancement") and the result CCS_FAILED (0), the destination
+/// untouched: types that a member does not take (number: the type), rasters of different size (0), a box edge below 1
+/// (the edge), and exhausted memory (0), which is also that of a raster without pixel memory. Otherwise the result is
+/// CCS_DONE (255).
 ///
 /// An exception while filtering is logged ("zolcs - E", "Exception: unknown") and deliberately gives 255 as well; the
 /// destination may then be partly filtered. Both rasters are unlocked on every path. Source and destination must be

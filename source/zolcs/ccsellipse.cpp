@@ -4,6 +4,7 @@
 #include "zolcs/ccsgroup.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/drawing/modes.h"
 #include "zolcs/drawing/placement.h"
 #include "zolcs/support/clone.h"
 #include "zolcs/support/conversion.h"
@@ -241,7 +242,7 @@ void CCsEllipse::dspToImg(CCs2dTrafo* trafo) {
 }
 
 void CCsEllipse::imgToDsp(CCs2dTrafo* trafo) {
-    outputBounds_({trafo, nullptr, zolcs::textMode});  // that mode always goes by the image coordinates
+    outputBounds_({trafo, nullptr, CCS_MODE_BURN_IN});  // that mode always goes by the image coordinates
 }
 
 /// The display rectangle as it was before it was rounded to whole pixels.
@@ -250,13 +251,18 @@ OutputBounds CCsEllipse::exactDisplay_() const {
             {displayRect.x2 + roundedOff.x2, displayRect.y2 + roundedOff.y2}};
 }
 
-/// Left top and right bottom in output coordinates; nothing where the ellipse has no place there. On the screen and in
-/// mode 4 the display rectangle keeps in step.
+/// Left top and right bottom in output coordinates; nothing where the ellipse has no place there. On the screen and
+/// where it is burnt in, the display rectangle keeps in step.
 std::optional<zolcs::OutputBounds> CCsEllipse::outputBounds_(const zolcs::Placement& placement) {
     if (angular) {
-        if (!zolcs::isRenderMode(placement.mode) || placement.image == nullptr) return std::nullopt;
-        const OutputBounds bounds = boundsOf(displayedAxes_(*placement.image));
-        if (!zolcs::isForPrinter(placement.mode)) displayRect = rounded(bounds);
+        std::array<OutputPoint, 4> axes;
+        for (std::size_t i = 0; i < axes.size(); ++i) {
+            const auto end = zolcs::placeImagePoint(placement, {axisPoints[i].x, axisPoints[i].y});
+            if (!end) return std::nullopt;
+            axes[i] = *end;
+        }
+        const OutputBounds bounds = boundsOf(axes);
+        if (zolcs::keepsDisplayInStep(placement.mode)) displayRect = rounded(bounds);
         return bounds;
     }
     CCsPoint first = displayRect.getLeftTop();
@@ -289,7 +295,7 @@ void CCsEllipse::render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigne
 void CCsEllipse::renderEllipse(CCs2dTrafo* trafo, const RECT& rect, unsigned long color, HDC dc, int mode) {
     if (!renderable) return;
     const auto lineColor = static_cast<COLORREF>(color);
-    const zolcs::Pen pen(CreatePen(PS_SOLID, mode == zolcs::printerMode ? 10 : 1, lineColor));
+    const zolcs::Pen pen(CreatePen(PS_SOLID, zolcs::ellipsePenWidth(mode), lineColor));
     const zolcs::Brush fill(filled ? CreateSolidBrush(fillColor != 0 ? fillColor : lineColor) : nullptr);
     const zolcs::Brush handles(CreateSolidBrush(lineColor));
 

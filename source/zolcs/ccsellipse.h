@@ -59,8 +59,8 @@ public:
 
     using CCsOverlay::render;
     /// Draws the ellipse in `color`, filled if so set, and its handles while selected. Width, height and offsets have
-    /// no effect. Nothing is drawn while not renderable, in other modes than 1 to 4, and where the transformation that
-    /// the mode needs is null.
+    /// no effect. Nothing is drawn while not renderable, for a mode that is no render mode, and where the
+    /// transformation that the mode needs is null.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
 

@@ -3,6 +3,7 @@
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsoverlay.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/drawing/modes.h"
 #include "zolcs/pixels/imagelock.h"
 #include "zolcs/support/conversion.h"
 #include "zolcs/support/report.h"
@@ -46,11 +47,7 @@ constexpr ReportSite dibRefused{L"CreateDIBSection failed", module, 821};
 
 static_assert(sizeof(BITMAPINFO) == 44, "a header and one colour entry");
 
-constexpr unsigned long white = 0xFFFFFF;
 constexpr unsigned long yellow = 0x00FFFF;
-
-/// Whether the mode is that of a printer, where text is white.
-bool isPrinter(int mode) { return mode == 2; }
 
 double aspectOf(HDC dc) {
     return static_cast<double>(GetDeviceCaps(dc, ASPECTX)) / static_cast<double>(GetDeviceCaps(dc, ASPECTY));
@@ -154,7 +151,7 @@ CCsFrame::CCsFrame(int width, int height) {
 
 CCsFrame::CCsFrame(HWND window, int width, int height, int x, int y) : CCsFrame() {
     // A constructor that delegates has made an object, whose destructor cleans up.
-    if (CCsFrame::init(window, width, height, x, y) == 0) throw int{0};
+    if (CCsFrame::init(window, width, height, x, y) == CCS_FAILED) throw int{CCS_FAILED};
 }
 
 CCsFrame::CCsFrame(const CCsFrame& other) : CCsFrame(other.width, other.height) {
@@ -210,16 +207,16 @@ void CCsFrame::prepareInit_(HWND window) {
 /// What every init that knows its aspect ratio ends with.
 int CCsFrame::finishInit_(int newWidth, int newHeight, int newX, int newY, const ReportSite& failure) {
     valid_ = 1;
-    if (setSize(newWidth, newHeight, newX, newY) == 255) return 255;
+    if (setSize(newWidth, newHeight, newX, newY) == CCS_DONE) return CCS_DONE;
     valid_ = 0;
-    return fail(failure, 0, 0);
+    return fail(failure, 0, CCS_FAILED);
 }
 
 int CCsFrame::init(HWND window, int newWidth, int newHeight, int newX, int newY) {
     prepareInit_(window);
     {
         const zolcs::WindowDC dc(window);
-        if (!dc) return fail(windowWithoutDc, 0, 0);
+        if (!dc) return fail(windowWithoutDc, 0, CCS_FAILED);
         ratioYx = aspectOf(dc.get());
     }
     return finishInit_(newWidth, newHeight, newX, newY, windowWithoutPixels);
@@ -227,7 +224,7 @@ int CCsFrame::init(HWND window, int newWidth, int newHeight, int newX, int newY)
 
 int CCsFrame::init(HDC dc) {
     prepareInit_(nullptr);
-    if (dc == nullptr) return fail(deviceWithoutDc, 0, 0);
+    if (dc == nullptr) return fail(deviceWithoutDc, 0, CCS_FAILED);
     ratioYx = aspectOf(dc);
     return finishInit_(width, height, x, y, deviceWithoutPixels);
 }
@@ -239,10 +236,10 @@ int CCsFrame::init() {
 }
 
 int CCsFrame::setSize(int newWidth, int newHeight, int newX, int newY) {
-    if (valid_ != 1) return fail(setSizeNotInitialised, 0, 2);
+    if (valid_ != 1) return fail(setSizeNotInitialised, 0, CCS_INVALID);
     if (wbitmapinfoPtr_ == nullptr) {
         wbitmapinfoPtr_ = new (std::nothrow) BITMAPINFO{};
-        if (wbitmapinfoPtr_ == nullptr) return 0;
+        if (wbitmapinfoPtr_ == nullptr) return CCS_FAILED;
         fillHeader(wbitmapinfoPtr_->bmiHeader, 32);
     }
     if (newWidth != -1) {
@@ -263,16 +260,16 @@ int CCsFrame::setSize(int newWidth, int newHeight, int newX, int newY) {
     wbitmapinfoPtr_->bmiHeader.biWidth = pitch;
     wbitmapinfoPtr_->bmiHeader.biHeight = static_cast<LONG>(-std::int64_t{height});
     wbitmapinfoPtr_->bmiHeader.biSizeImage = bytes;
-    if (pixels < 0 || pixels > std::numeric_limits<DWORD>::max() / 4) return 0;  // no memory for that many
+    if (pixels < 0 || pixels > std::numeric_limits<DWORD>::max() / 4) return CCS_FAILED;  // no memory for that many
     mMemBuffer = ZolMemMappedManager::getIntance()->allocateMemoryOnlyOnMap(bytes);
-    if (mMemBuffer == nullptr) return 0;
+    if (mMemBuffer == nullptr) return CCS_FAILED;
 
     const bool made = createBitmap_();
     if (mMemBuffer->getMapHandle() == nullptr) mMemBuffer->setHeapBuffer(origin);
-    if (made) return 255;
+    if (made) return CCS_DONE;
     delete wbitmapinfoPtr_;
     wbitmapinfoPtr_ = nullptr;
-    return fail(bitmapRefused, 0, 0);
+    return fail(bitmapRefused, 0, CCS_FAILED);
 }
 
 /// Makes the bitmap on the buffer's mapping, or with memory of its own where there is none, and takes its bits.
@@ -301,20 +298,20 @@ int CCsFrame::invalidate(int areaWidth, int areaHeight, int left, int top) {
     const RECT area{left, top, saturated(std::int64_t{left} + areaWidth), saturated(std::int64_t{top} + areaHeight)};
     // To the system no window would mean all windows.
     const BOOL done = hwnd != nullptr ? InvalidateRect(hwnd, &area, FALSE) : FALSE;
-    return done != FALSE ? 255 : fail(invalidateFailed, done, 0);
+    return done != FALSE ? CCS_DONE : fail(invalidateFailed, done, CCS_FAILED);
 }
 
 int CCsFrame::print(HDC dc, RECT area, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo,
                     unsigned long color, unsigned long textColor, int pageWidth, int pageHeight, int left, int top,
                     HFONT font, int mode) {
-    if (valid_ != 1) return fail(printNotInitialised, 0, 2);
-    if (pageWidth < 1 || pageHeight < 1) return 255;
+    if (valid_ != 1) return fail(printNotInitialised, 0, CCS_INVALID);
+    if (pageWidth < 1 || pageHeight < 1) return CCS_DONE;
     Placement place = placeOnPage(*this, dc, pageWidth, pageHeight, left, top);
-    if (SetStretchBltMode(dc, COLORONCOLOR) == 0) return fail(printStretchMode, 0, 0);
+    if (SetStretchBltMode(dc, COLORONCOLOR) == 0) return fail(printStretchMode, 0, CCS_FAILED);
     // Deliberately without the unlock that would end this access.
-    if (!stretch(dc, place, *this, getOrigin(), wbitmapinfoPtr_)) return fail(printStretch, -1, 0);
+    if (!stretch(dc, place, *this, getOrigin(), wbitmapinfoPtr_)) return fail(printStretch, -1, CCS_FAILED);
 
-    if (trafo == nullptr) return 255;
+    if (trafo == nullptr) return CCS_DONE;
     CCs2dTrafo pageTrafo = onPage(*trafo, place);
     const int areaWidth = saturated(std::int64_t{area.right} - area.left);
     const int areaHeight = saturated(std::int64_t{area.bottom} - area.top);
@@ -323,38 +320,38 @@ int CCsFrame::print(HDC dc, RECT area, CCsOverlay* overlay, CCsOverlay* textOver
     }
     if (textOverlay != nullptr) {
         const zolcs::SelectGuard selected(dc, font);
-        textOverlay->render(&pageTrafo, &place.frameTrafo, isPrinter(mode) ? white : textColor, dc, mode, areaWidth,
+        textOverlay->render(&pageTrafo, &place.frameTrafo, zolcs::textColor(mode, textColor), dc, mode, areaWidth,
                             areaHeight, area.left, area.top);
     }
-    return 255;
+    return CCS_DONE;
 }
 
 int CCsFrame::printColor(HDC dc, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo, unsigned long color,
                          int pageWidth, int pageHeight, int left, int top, HFONT font, int mode) {
-    if (valid_ != 1) return fail(printColorNotInitialised, 0, 2);
-    if (pageWidth < 1 || pageHeight < 1) return 255;
+    if (valid_ != 1) return fail(printColorNotInitialised, 0, CCS_INVALID);
+    if (pageWidth < 1 || pageHeight < 1) return CCS_DONE;
     Placement place = placeOnPage(*this, dc, pageWidth, pageHeight, left, top);
-    if (SetStretchBltMode(dc, COLORONCOLOR) == 0) return fail(printColorStretchMode, 0, 0);
+    if (SetStretchBltMode(dc, COLORONCOLOR) == 0) return fail(printColorStretchMode, 0, CCS_FAILED);
     {
         const auto copy = rotatedCopy(*this);
-        if (wbitmapinfoPtr_ == nullptr) return fail(printColorHeader, 0, 0);
+        if (wbitmapinfoPtr_ == nullptr) return fail(printColorHeader, 0, CCS_FAILED);
         wbitmapinfoPtr_->bmiHeader.biBitCount = 24;
         const bool printed = stretch(dc, place, *this, copy.get(), wbitmapinfoPtr_);
         wbitmapinfoPtr_->bmiHeader.biBitCount = 32;
-        if (!printed) return fail(printColorStretch, -1, 0);
+        if (!printed) return fail(printColorStretch, -1, CCS_FAILED);
     }
 
-    if (trafo == nullptr) return 255;
+    if (trafo == nullptr) return CCS_DONE;
     CCs2dTrafo pageTrafo = onPage(*trafo, place);
     if (overlay != nullptr) {
         overlay->render(&pageTrafo, &place.frameTrafo, color, dc, mode, place.width, place.height, 0, 0);
     }
     if (textOverlay != nullptr && font != nullptr) {
         const zolcs::SelectGuard selected(dc, font);
-        textOverlay->render(&pageTrafo, &place.frameTrafo, isPrinter(mode) ? white : yellow, dc, mode, place.width,
+        textOverlay->render(&pageTrafo, &place.frameTrafo, zolcs::textColor(mode, yellow), dc, mode, place.width,
                             place.height, 0, 0);
     }
-    return 255;
+    return CCS_DONE;
 }
 
 int CCsFrame::MakeDIB(BITMAPINFO*& result, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo,
@@ -362,19 +359,19 @@ int CCsFrame::MakeDIB(BITMAPINFO*& result, CCsOverlay* overlay, CCsOverlay* text
                       unsigned long color, unsigned long textColor) {
     result = allocateDib(dibWidth, dibHeight, thirtyTwoBit ? 32 : 24);
     // GDI would take a negative height for a bitmap with its top line first.
-    if (result == nullptr || dibHeight < 1) return fail(dibRefused, 0, 0);
+    if (result == nullptr || dibHeight < 1) return fail(dibRefused, 0, CCS_FAILED);
     void* bits = nullptr;
     const zolcs::Bitmap bitmap(CreateDIBSection(nullptr, result, DIB_RGB_COLORS, &bits, nullptr, 0));
-    if (!bitmap) return fail(dibRefused, 0, 0);
+    if (!bitmap) return fail(dibRefused, 0, CCS_FAILED);
 
     const zolcs::MemoryDC memory(nullptr);
     const zolcs::SelectGuard selectedFont(memory.get(), selectFont);
     const zolcs::SelectGuard selectedBitmap(memory.get(), bitmap.get());
     print(memory.get(), RECT{0, 0, dibWidth, dibHeight}, overlay, textOverlay, trafo, color, textColor, dibWidth,
-          dibHeight, 0, 0, textFont, 3);
+          dibHeight, 0, 0, textFont, CCS_MODE_BITMAP_PRINTER);
     GdiFlush();
     // Deliberately three bytes a pixel, whatever the bitmap has.
     std::memcpy(reinterpret_cast<unsigned char*>(result) + sizeof(BITMAPINFO), bits,
                 static_cast<std::size_t>(dibWidth) * static_cast<std::size_t>(dibHeight) * 3);
-    return 255;
+    return CCS_DONE;
 }

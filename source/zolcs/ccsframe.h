@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsimage.h"
+#include "zolcs/ccsrendermodes.h"
 
 class CCs2dTrafo;
 class CCsOverlay;
@@ -12,8 +13,8 @@ struct ReportSite;
 ///
 /// Resampling writes the pixels; paint and print draw overlays on top and bring the result out. A frame is not valid
 /// until an init succeeds; setSize, paint, print and printColor refuse to work before that: they report
-/// "Initialization of frame object not performed" and return 2. Else operations return 255, or 0 after a failure, which
-/// is reported. The GUI thread's only.
+/// "Initialization of frame object not performed" and return CCS_INVALID. Otherwise
+/// operations return CCS_DONE (255), or CCS_FAILED (0) after a failure, which is reported. For the GUI thread only.
 ///
 /// Positions are client coordinates; right and bottom edges are exclusive. Lines are getPitch() pixels apart: the width
 /// rounded up to a multiple of four.
@@ -60,7 +61,7 @@ public:
     ///
     /// The main overlay is drawn in `color` with the font of `dc`, only when it is not transformable and there is a
     /// transformation; then the text overlay in `textColor` with `font`, only when both are given; then the extra
-    /// overlay in `textColor`. All with mode 1, the size of the area and an identity as output transformation.
+    /// overlay in `textColor`. All with CCS_MODE_SCREEN, the size of the area and an identity as output transformation.
     ///
     /// 255; or 0, reported with the result as number, when the copy fails or there are no pixels.
     virtual int paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned long color, int areaWidth,
@@ -75,8 +76,8 @@ public:
     /// Stretches the frame over the page, pageWidth by pageHeight device units at (left, top), as large as it gets with
     /// its larger extent in the larger extent there, then draws the overlays with `mode`. Without a transformation no
     /// overlay is drawn. Overlays are told the area as size and offsets, so that texts lie lower by its top: a page
-    /// whose area begins at 0 has them in their place. Text is drawn with `font`, where it is given, in white in mode 2
-    /// and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
+    /// whose area begins at 0 has them in their place. Text is drawn with `font`, where it is given, in white for
+    /// CCS_MODE_PRINTER and in `textColor` otherwise. A width or height below 1 is a success, without any drawing.
     ///
     /// 255; or 0 when the stretch mode cannot be set (reported with the result as number) or no line can be brought out
     /// (reported with -1). Leaves the pixels locked once more.
@@ -86,7 +87,7 @@ public:
 
     /// As print, through a copy of 24 bits a pixel whose channels are deliberately rotated: blue gets green, green gets
     /// red, red gets blue. Overlays are told the size of the printed frame and no offsets; text is drawn only where a
-    /// font is given, in white in mode 2 and in 0x00FFFF otherwise.
+    /// font is given, in white for CCS_MODE_PRINTER and in 0x00FFFF otherwise.
     virtual int printColor(HDC dc, CCsOverlay* overlay, CCsOverlay* textOverlay, CCs2dTrafo* trafo, unsigned long color,
                            int pageWidth, int pageHeight, int left, int top, HFONT font, int mode);
 
@@ -104,10 +105,10 @@ public:
     /// it.
     void unmapBitmap();
 
-    /// Prints the frame and the overlays with mode 3 into a bitmap of dibWidth by dibHeight pixels, bottom line first,
-    /// with 32 or 24 bits a pixel, behind a BITMAPINFO in one block. `selectFont`, where it is given, is the font that
-    /// overlays find selected. `result` is set in any case and belongs to the caller, who frees it with
-    /// delete[] reinterpret_cast<unsigned char*>(result).
+    /// Prints the frame and the overlays with CCS_MODE_BITMAP_PRINTER into a bitmap of dibWidth by dibHeight pixels,
+    /// bottom line first, with 32 or 24 bits a pixel, behind a BITMAPINFO in one block. `selectFont`, where it is
+    /// given, is the font that overlays find selected. `result` is set in any case and belongs to the caller, who frees
+    /// it with delete[] reinterpret_cast<unsigned char*>(result).
     ///
     /// Deliberately only the first dibWidth * dibHeight * 3 bytes of the pixels are brought over, also of 32-bit ones;
     /// the rest is 0.

@@ -34,10 +34,10 @@ Range clip(std::int64_t frameStart, std::int64_t frameLength, std::int64_t start
 int CCsFrame::paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned long color, int areaWidth, int areaHeight,
                     int left, int top, CCsOverlay* textOverlay, unsigned long textColor, HFONT font,
                     CCsOverlay* extraOverlay) {
-    if (valid_ != 1) return zolcs::fail(notInitialised, 0, 2);
+    if (valid_ != 1) return zolcs::fail(notInitialised, 0, CCS_INVALID);
     const Range across = clip(x, width, left != -1 ? left : x, areaWidth != -1 ? areaWidth : width);
     const Range down = clip(y, height, top != -1 ? top : y, areaHeight != -1 ? areaHeight : height);
-    if (across.empty() || down.empty()) return 255;
+    if (across.empty() || down.empty()) return CCS_DONE;
 
     BOOL copied = FALSE;
     {
@@ -48,7 +48,8 @@ int CCsFrame::paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned lon
             const zolcs::SelectGuard fontOfDc(memory.get(), GetCurrentObject(dc, OBJ_FONT));
             CCs2dTrafo identity;
             const auto render = [&](CCsOverlay& drawn, unsigned long drawnColor) {
-                drawn.render(trafo, &identity, drawnColor, memory.get(), 1, across.length(), down.length(), 0, 0);
+                drawn.render(trafo, &identity, drawnColor, memory.get(), CCS_MODE_SCREEN, across.length(),
+                             down.length(), 0, 0);
             };
             if (overlay != nullptr && overlay->isTransformable() == 0 && trafo != nullptr) {
                 render(*overlay, color);
@@ -65,5 +66,5 @@ int CCsFrame::paint(HDC dc, CCsOverlay* overlay, CCs2dTrafo* trafo, unsigned lon
         }
     }
     unmapBitmap();
-    return copied != FALSE ? 255 : zolcs::fail(copyFailed, copied, 0);
+    return copied != FALSE ? CCS_DONE : zolcs::fail(copyFailed, copied, CCS_FAILED);
 }

@@ -22,9 +22,6 @@ constexpr zolcs::ReportSite shiftIndexed{L"raster type not allowed", module, 327
 constexpr zolcs::ReportSite shiftType{L"Unknown raster type", module, 459};
 constexpr zolcs::ReportSite elemSizeType{L"Unknown image type", module, 495};
 
-constexpr int done = 255;
-constexpr int refused = 0;
-
 // Lines of an image's memory: `count` of them from line `first` on, `stride` bytes apart.
 struct Lines {
     unsigned char* memory;
@@ -120,26 +117,26 @@ int CCsImage::padding(int value, int multiple) {
 }
 
 int CCsImage::clear() {
-    if (mMemBuffer == nullptr) return refused;
-    if (type < CCS_INDEX8 || type > CCS_RGB8) return zolcs::fail(clearType, type, refused);
+    if (mMemBuffer == nullptr) return CCS_FAILED;
+    if (type < CCS_INDEX8 || type > CCS_RGB8) return zolcs::fail(clearType, type, CCS_FAILED);
     const zolcs::ImageLock lock(*this);
-    if (lock.origin() == nullptr) return refused;
+    if (lock.origin() == nullptr) return CCS_FAILED;
     const std::int64_t pixels = wholePixels(pitch, height);
     const Lines all{lock.origin(), mMemBuffer->getSize(), 1, 0, 1};
     forEachLine(all, pixels, static_cast<std::size_t>(zolcs::pixelSize(type)),
                 [this](unsigned char* line, std::size_t count) {
                     std::memset(line, 0, count * static_cast<std::size_t>(zolcs::pixelSize(type)));
                 });
-    return done;
+    return CCS_DONE;
 }
 
 int CCsImage::fill(long value) {
-    if (mMemBuffer == nullptr) return refused;
+    if (mMemBuffer == nullptr) return CCS_FAILED;
     const zolcs::ImageLock lock(*this);
     const int size = zolcs::pixelSize(type);
     const bool grey = size == 1 || size == 2;
-    if (!grey) return zolcs::fail(greyFillType, type, refused);
-    if (lock.origin() == nullptr) return refused;
+    if (!grey) return zolcs::fail(greyFillType, type, CCS_FAILED);
+    if (lock.origin() == nullptr) return CCS_FAILED;
     const auto v = static_cast<std::uint32_t>(value);
     // Out-of-range values are not clamped: their upper bits run into the neighbouring pixels of the word.
     const std::uint32_t word = size == 1 ? ((v << 8U | v) << 8U | v) << 8U | v : v << 16U | v;
@@ -147,14 +144,14 @@ int CCsImage::fill(long value) {
     const Lines lines{lock.origin(), mMemBuffer->getSize(), static_cast<std::int64_t>(pitch) * size, 0, height};
     forEachLine(lines, width / pixelsOfWord, sizeof word,
                 [word](unsigned char* line, std::size_t count) { repeat(line, count, word); });
-    return done;
+    return CCS_DONE;
 }
 
 int CCsImage::fill(long red, long green, long blue) {
-    if (mMemBuffer == nullptr) return refused;
+    if (mMemBuffer == nullptr) return CCS_FAILED;
     const zolcs::ImageLock lock(*this);
-    if (type != CCS_RGB12 && type != CCS_RGB8) return zolcs::fail(colourFillType, type, refused);
-    if (lock.origin() == nullptr) return refused;
+    if (type != CCS_RGB12 && type != CCS_RGB8) return zolcs::fail(colourFillType, type, CCS_FAILED);
+    if (lock.origin() == nullptr) return CCS_FAILED;
     const int size = zolcs::pixelSize(type);
     const Lines lines{lock.origin(), mMemBuffer->getSize(), static_cast<std::int64_t>(pitch) * size, 0, height};
     if (type == CCS_RGB12) {
@@ -170,21 +167,21 @@ int CCsImage::fill(long red, long green, long blue) {
         forEachLine(lines, width, sizeof pixel,
                     [pixel](unsigned char* line, std::size_t count) { repeat(line, count, pixel); });
     }
-    return done;
+    return CCS_DONE;
 }
 
 void CCsImage::shiftRight(int bits) {
     if (mMemBuffer == nullptr) {
-        zolcs::fail(shiftNoBuffer, 0, refused);
+        zolcs::fail(shiftNoBuffer, 0, CCS_FAILED);
         return;
     }
     const int size = zolcs::pixelSize(type);
     if (size == 0 || type == CCS_RGB24) {
-        zolcs::fail(shiftType, type, refused);
+        zolcs::fail(shiftType, type, CCS_FAILED);
         return;
     }
     if (type == CCS_INDEX8) {
-        zolcs::fail(shiftIndexed, type, refused);
+        zolcs::fail(shiftIndexed, type, CCS_FAILED);
         return;
     }
     const zolcs::ImageLock lock(*this);

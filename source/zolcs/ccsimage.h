@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccsresults.h"
 #include "zolmemmap/zolmemmap.h"
 
 /// Image type codes, as they travel through the interfaces.

@@ -75,12 +75,13 @@ public:
 
     using CCsOverlay::render;
     /// Draws the shadow and the outline, with handles while selected, or the filled area; as a smooth curve or an
-    /// ellipse when the line is one. On the screen and in mode 3 the pen is one pixel wide and of `color`, on a printer
-    /// a sixtieth of an inch and white, in mode 4 about a tenth of the text's height and yellow; an area is filled with
-    /// its own colour, which on the screen and in mode 3 shows as a mid grey, or like the pen where it has none. Width,
-    /// height and offsets have no effect. Nothing is drawn while not renderable, without vertices, in other
-    /// modes than 1 to 4 (normalised lines apart), and where the transformation that the mode needs is null. The device
-    /// context keeps its pen, brush and background mode.
+    /// ellipse when the line is one. The pen is one pixel wide and of `color` on the screen and for
+    /// CCS_MODE_BITMAP_PRINTER, a sixtieth of an inch wide and white on a printer, and yellow and about a tenth of the
+    /// text's height wide where it is burnt in. An area is filled with its own colour, which shows as a mid grey on the
+    /// screen and for CCS_MODE_BITMAP_PRINTER, or like the pen where it has none. Width, height and offsets have no
+    /// effect. Nothing is drawn while not renderable, without vertices, for a mode that is no render mode (normalised
+    /// lines apart), and where the transformation that the mode needs is null. The device context keeps its pen, brush
+    /// and background mode.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
 
@@ -92,7 +93,7 @@ public:
     /// or one whose edges are out of order, holds nothing yet and is replaced.
     void getSize(RECT& rect) override;
 
-    /// Stores the flag: the shadow in mode 4 is nearly black then, and drawn twice.
+    /// Stores the flag: a shadow that is burnt in is nearly black then, and drawn twice.
     void setDicomPrintFlag(bool on) override;
 
     /// Draws the ellipse that touches the sides of the rectangle of four vertices (in order around it) in their middle,

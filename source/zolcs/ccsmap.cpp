@@ -120,7 +120,7 @@ CCsRgb12Map::CCsRgb12Map(const CCsRgb12Map& other) : ColourMap(other) { makeStal
 
 IMap* CCsRgb12Map::clone() { return zolcs::cloneOf(*this); }
 
-int CCsRgb12Map::mapRasterSeparate(CCsImage& /*src*/, CCsImage& /*dst*/) { return 255; }
+int CCsRgb12Map::mapRasterSeparate(CCsImage& /*src*/, CCsImage& /*dst*/) { return CCS_DONE; }
 
 CCsRgb8Map::CCsRgb8Map() : ColourMap(rgb8) {}
 
@@ -141,16 +141,16 @@ bool CCsRgb8Map::buildChannels() {
 
 int CCsRgb8Map::mapRasterSeparate(CCsImage& src, CCsImage& dst) {
     CSingleLock lock(&channelLock_, TRUE);
-    if (!acceptImages(src, dst, separateImages) || !buildChannels()) return 0;
+    if (!acceptImages(src, dst, separateImages) || !buildChannels()) return CCS_FAILED;
     const zolcs::ImagePairLock images(src, dst);
-    if (!acceptMemory(images, separateImages)) return 0;
+    if (!acceptMemory(images, separateImages)) return CCS_FAILED;
     for (LONG y = 0; y < src.getHeight(); ++y) {
         // The channels are red, green and blue; the pixels' bytes are the other way round.
         zolcs::mapping::mapSpan(zolcs::mapping::channelsAt<Channel>(images.source(), src, 0, y),
                                 zolcs::mapping::channelsAt<Channel>(images.destination(), dst, 0, y), src.getWidth(),
                                 channels_[2].levels, channels_[1].levels, channels_[0].levels);
     }
-    return 255;
+    return CCS_DONE;
 }
 
 IMap* MapFactory::CreateMap(MapType type) {

@@ -2,6 +2,7 @@
 
 #include "zolcs/ccscolorman.h"
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccsresults.h"
 
 #include <utility>
 
@@ -11,10 +12,10 @@ class CCsRaster;
 
 /// Turns stored values into display values.
 ///
-/// Reached through its virtual table only: the order of the operations is part of the contract. Results are 255 (done),
-/// 0 (refused input) and 1 (a missing table or exhausted memory), unless an operation says otherwise; what is refused
-/// has been reported through CCsError and leaves the map as it was. Setters are not locked: do not reconfigure a map
-/// while another thread maps through it.
+/// Reached through its virtual table only: the order of the operations is part of the contract. Results are
+/// CCS_DONE (255), CCS_FAILED (0: refused input) and CCS_MISSING (1: a missing table or exhausted memory), unless an
+/// operation says otherwise; what is refused has been reported through CCsError and leaves the map as it was. Setters
+/// are not locked: do not reconfigure a map while another thread maps through it.
 class ZOLWEBCS_API IMap {
 public:
     IMap() = default;
@@ -41,9 +42,9 @@ public:
     /// in one thing, that the 12-bit map shows a stored 65535 as the last entry of its memory, which no setting
     /// reaches. `trafo` (may be null) says where the presentation value goes. Both images are locked for the call.
     ///
-    /// Grey maps: 255, or 2 after a refusal (another type or size, no table, no pixel memory, exhausted memory), which
-    /// leaves the destination as it was, unless memory runs out while rows are being mapped. One call at a time runs
-    /// per map; its rows run on several threads.
+    /// Grey maps: CCS_DONE, or CCS_INVALID (2) after a refusal (another type or size, no table, no pixel memory,
+    /// exhausted memory), which leaves the destination as it was, unless memory runs out while rows are being mapped.
+    /// One call at a time runs per map; its rows run on several threads.
     ///
     /// Colour maps take every channel of a pixel through the table (a 12-bit channel of 4096 and above takes the last
     /// entry) and set the fourth byte to 0. They map the pixels of `segment` that lie, with a circular shutter, between

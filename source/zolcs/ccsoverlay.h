@@ -2,6 +2,7 @@
 
 #include "zolcs/ccsexport.h"
 #include "zolcs/ccsgeometry.h"
+#include "zolcs/ccsrendermodes.h"
 
 #include <cstdint>
 
@@ -19,7 +20,7 @@ enum CCsImageTextFontType : int { Plain = 0, Large = 1, LargerBold = 2, Bold = 3
 /// invalid input. Painting thread only. Positions in picking and moving are display pixels; the concrete classes keep
 /// their geometry in image coordinates too.
 ///
-/// Render modes: 1 screen, 2 printer, 3 printer through a frame's bitmap, 4 text-proportional, as for burning in.
+/// A render mode, one of the constants of ccsrendermodes.h, says what an overlay is drawn for.
 class ZOLWEBCS_API CCsOverlay {
 public:
     CCsOverlay() = default;

@@ -33,10 +33,6 @@ constexpr zolcs::ReportSite copyType{L"Unknown raster type", module, 221};
 constexpr zolcs::ReportSite sizeType{L"Unknown raster type", module, 394};
 constexpr zolcs::ReportSite sizeInvalid{L"Constructor is invalid", module, 401};
 
-constexpr int done = 255;
-constexpr int outOfMemory = 1;
-constexpr int refused = 0;
-
 // How a type's lines are padded, and which line of this module reports that its memory is exhausted.
 struct TypeRule {
     int type;
@@ -61,7 +57,6 @@ constexpr zolcs::DibReports colourDib{{memoryFailed, module, 577},
 
 // The colour that grey maps take for ink when they merge graphics.
 constexpr unsigned long greyInk = 0xFFFF;
-constexpr int burnInMode = 4;
 
 using Bytes = std::unique_ptr<unsigned char[]>;
 
@@ -103,7 +98,7 @@ ZolMemMappedBuffer* allocate(std::int64_t total, std::int64_t guard, bool mapped
 CCsRaster::CCsRaster(int width, int height, int type, double ratioYx, bool mapMemory, bool deferAllocation)
     : mapMemory(mapMemory), deferAllocation(deferAllocation) {
     const int result = setSize(width, height, type, ratioYx, mapMemory);
-    if (result != done) {
+    if (result != CCS_DONE) {
         valid = 0;
         throw int(result);
     }
@@ -141,7 +136,7 @@ CCsRaster::CCsRaster(const CCsRaster& other)
     pitch = other.pitch;
     ratioYx = other.ratioYx;
     const int result = allocateLike(other);
-    if (result != done) {
+    if (result != CCS_DONE) {
         valid = 0;
         throw int(result);
     }
@@ -161,16 +156,16 @@ int CCsRaster::allocateLike(const CCsRaster& other) {
     // The host's layout is kept (its lines need not be padded), with room for a line and a pixel beyond the image.
     const std::int64_t guard = bytesOf(static_cast<std::int64_t>(pitch) + 1, zolcs::pixelSize(type));
     mMemBuffer = allocate(guard + static_cast<std::int64_t>(other.mMemBuffer->getSize()), guard, false);
-    if (mMemBuffer == nullptr) return outOfMemory;
+    if (mMemBuffer == nullptr) return CCS_MISSING;
     if (type == CCS_INDEX8) origin = mMemBuffer->lock();
-    return done;
+    return CCS_DONE;
 }
 
 void CCsRaster::copyPixels(const CCsRaster& other) {
     if (mMemBuffer == nullptr || other.mMemBuffer == nullptr) return;
     const int size = zolcs::pixelSize(type);
     if (size == 0) {
-        zolcs::fail(copyType, type, refused);
+        zolcs::fail(copyType, type, CCS_FAILED);
         return;
     }
     const std::int64_t lines = type == CCS_RGB24 ? height : static_cast<std::int64_t>(height) + 1;
@@ -188,14 +183,14 @@ unsigned char* CCsRaster::getOrigin() {
 }
 
 int CCsRaster::setSize(int newWidth, int newHeight, int newType, double newRatioYx, bool newMapMemory) {
-    if (valid != 1) return zolcs::fail(sizeInvalid, 0, refused);
+    if (valid != 1) return zolcs::fail(sizeInvalid, 0, CCS_FAILED);
     width = newWidth;
     height = newHeight;
     if (newType != -1) type = newType;
     setAspectRatio(newRatioYx);
     mapMemory = newMapMemory;
     const int result = replaceBuffer();
-    sized = result == done;
+    sized = result == CCS_DONE;
     return result;
 }
 
@@ -205,9 +200,9 @@ int CCsRaster::replaceBuffer() {
     origin = nullptr;
     externalBuffer = 0;
     const TypeRule* const rule = ruleOf(type);
-    if (rule == nullptr) return zolcs::fail(sizeType, type, refused);
+    if (rule == nullptr) return zolcs::fail(sizeType, type, CCS_FAILED);
     pitch = padding(width, rule->pitchMultiple);
-    if (deferAllocation) return done;
+    if (deferAllocation) return CCS_DONE;
     const int size = zolcs::pixelSize(type);
     // A negative size, or a width so large that its padded pitch does not fit, is memory that nobody has.
     const bool possible = width >= 0 && height >= 0 && pitch % rule->pitchMultiple == 0;
@@ -217,9 +212,9 @@ int CCsRaster::replaceBuffer() {
         const std::int64_t line = pitch;
         mMemBuffer = allocate(bytesOf((std::int64_t{height} + 1) * line + 1, size), bytesOf(line + 1, size), mapMemory);
     }
-    if (mMemBuffer == nullptr) return zolcs::fail(rule->memory, 0, outOfMemory);
+    if (mMemBuffer == nullptr) return zolcs::fail(rule->memory, 0, CCS_MISSING);
     origin = mMemBuffer->lock();
-    return done;
+    return CCS_DONE;
 }
 
 void CCsRaster::setAspectRatio(double newRatioYx) {
@@ -385,48 +380,48 @@ int CCsRaster::makeDib(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* tra
     const BITMAPINFOHEADER header = dibHeader(pitch, height);
     const std::int64_t pixels = static_cast<std::int64_t>(pitch) * height;
     const std::int64_t bytes = bytesOf(pixels, zolcs::pixelSize(CCS_RGB8)) + std::int64_t{sizeof header};
-    if (bytes > mostBytes) return zolcs::fail(reports.memory, 0, outOfMemory);
+    if (bytes > mostBytes) return zolcs::fail(reports.memory, 0, CCS_MISSING);
     Bytes block(new (std::nothrow) unsigned char[static_cast<std::size_t>(bytes)]);
-    if (block == nullptr) return zolcs::fail(reports.memory, 0, outOfMemory);
+    if (block == nullptr) return zolcs::fail(reports.memory, 0, CCS_MISSING);
     std::memcpy(block.get(), &header, sizeof header);
     auto* const info = reinterpret_cast<BITMAPINFO*>(block.get());
 
     void* bits = nullptr;
     const zolcs::Bitmap section(CreateDIBSection(nullptr, info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    if (!section || bits == nullptr) return zolcs::fail(reports.section, 0, refused);
+    if (!section || bits == nullptr) return zolcs::fail(reports.section, 0, CCS_FAILED);
     const zolcs::MemoryDC dc(nullptr);
     const zolcs::SelectGuard selectedSection(dc.get(), section.get());
-    if (!selectedSection) return zolcs::fail(reports.deviceContext, 0, refused);
+    if (!selectedSection) return zolcs::fail(reports.deviceContext, 0, CCS_FAILED);
     const zolcs::SelectGuard selectedFont(dc.get(), font);
     print_(dc.get(), overlay, color, trafo);
     GdiFlush();
     std::memcpy(block.get() + sizeof header, bits, static_cast<std::size_t>(bytes) - sizeof header);
     block.release();
     result = info;
-    return done;
+    return CCS_DONE;
 }
 
 int CCsRaster::burnInOverlay(IMap& map, CCsOverlay* overlay, unsigned int planeMask, CCs2dTrafo* trafo, HFONT font,
                              int mergeMode, bool mergeFlag) {
     BITMAPINFO* bitmap = nullptr;
     const int result = MakeDIBGrey12_(bitmap, overlay, trafo, font);
-    if (result != done) return result;
+    if (result != CCS_DONE) return result;
     const Bytes owner(reinterpret_cast<unsigned char*>(bitmap));
     map.mergeDIBtoData(*this, bitmap, planeMask, mergeMode, mergeFlag);
-    return done;
+    return CCS_DONE;
 }
 
 int CCsRaster::burnInOverlay(IMap& map, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color) {
     BITMAPINFO* bitmap = nullptr;
     const int result = MakeDIBRgb8_(bitmap, overlay, trafo, font, color);
-    if (result != done) return result;
+    if (result != CCS_DONE) return result;
     const Bytes owner(reinterpret_cast<unsigned char*>(bitmap));
     map.mergeDIBtoData(*this, bitmap, 0, 0, false);
-    return done;
+    return CCS_DONE;
 }
 
 int CCsRaster::print_(HDC dc, CCsOverlay* overlay, unsigned long color, CCs2dTrafo* trafo) {
     PatBlt(dc, 0, 0, pitch, height, BLACKNESS);
-    if (overlay != nullptr) overlay->render(trafo, nullptr, color, dc, burnInMode, 0, 0, 0, 0);
-    return done;
+    if (overlay != nullptr) overlay->render(trafo, nullptr, color, dc, CCS_MODE_BURN_IN, 0, 0, 0, 0);
+    return CCS_DONE;
 }

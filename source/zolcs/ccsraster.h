@@ -117,9 +117,9 @@ public:
 
     // Graphics that become pixels.
 
-    /// Draws an overlay (none when null) in render mode 4 on black, with `font` selected unless it is null, into a new
-    /// 32-bit top-down bitmap of pitch x height pixels: a 40-byte header with the pixels right behind it. The grey form
-    /// draws in the colour 0xFFFF.
+    /// Draws an overlay (none when null) with CCS_MODE_BURN_IN on black, with `font` selected unless it is null, into a
+    /// new 32-bit top-down bitmap of pitch x height pixels: a 40-byte header with the pixels right behind it. The grey
+    /// form draws in the colour 0xFFFF.
     ///
     /// 255: `result` is the caller's, who frees it with delete[] on unsigned char*. 1 when memory is exhausted, 0 when
     /// GDI refuses; both are reported and leave `result` null.

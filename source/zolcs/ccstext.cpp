@@ -3,6 +3,7 @@
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/drawing/modes.h"
 #include "zolcs/drawing/placement.h"
 #include "zolcs/support/clone.h"
 #include "zolcs/support/conversion.h"
@@ -150,28 +151,8 @@ void CCsText::getNormEndPts(double& x, double& y) const {
 
 std::optional<OutputPoint> CCsText::place_(const zolcs::Placement& placement) {
     if (normalised) return zolcs::placeNormalised(placement, {normalisedX, normalisedY});
-    const auto through = [](CCs2dTrafo* trafo, OutputPoint anchor) {
-        return trafo != nullptr ? std::optional(zolcs::mapped(*trafo, anchor)) : std::nullopt;
-    };
-    const OutputPoint display{static_cast<double>(displayX), static_cast<double>(displayY)};
-    const OutputPoint image{imageX, imageY};
     const bool displayCounts = transformable == 0 || displayAuthoritative != 0;
-    switch (placement.mode) {
-        case zolcs::screenMode: {
-            if (displayCounts) return display;
-            const auto position = through(placement.image, image);
-            imgToDsp(placement.image);
-            // Truncated like the stored integers, but good beyond their range, too.
-            return position ? std::optional(OutputPoint{std::trunc(position->x), std::trunc(position->y)}) : position;
-        }
-        case zolcs::printerMode:
-        case zolcs::bitmapPrinterMode:
-            return displayCounts ? through(placement.output, display) : through(placement.image, image);
-        case zolcs::textMode:
-            return through(placement.image, image);
-        default:
-            return std::nullopt;
-    }
+    return zolcs::place(placement, displayCounts, zolcs::Anchor{displayX, displayY, {imageX, imageY}});
 }
 
 bool CCsText::transformToOutput(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, double& x, double& y, int mode) {
@@ -204,7 +185,7 @@ void CCsText::write_(const Scene& scene, OutputPoint position) const {
     const int y = truncated(position.y);
     SetBkMode(scene.dc, TRANSPARENT);
     if (shadow != 0) {
-        const bool wide = scene.mode == zolcs::textMode && dicomPrintFlag;
+        const bool wide = zolcs::hasWideShadow(scene.mode, dicomPrintFlag);
         SetTextColor(scene.dc, RGB(0, 0, 0));
         if (wide) SetTextColor(scene.dc, zolcs::shadowColor(scene.mode, dicomPrintFlag));
         for (std::size_t i = wide ? 0 : haloPositions.size() - innerRing; i < haloPositions.size(); ++i) {
@@ -216,7 +197,8 @@ void CCsText::write_(const Scene& scene, OutputPoint position) const {
 }
 
 void CCsText::draw_(const Scene& scene, CCsImageTextFont::CCsImageTextFontType fontType, bool wantsFont) {
-    if (!renderable || text == nullptr || (scene.mode == zolcs::textMode && transformable == 0)) return;
+    if (!renderable || text == nullptr) return;
+    if (transformable == 0 && !zolcs::drawsFixedTexts(scene.mode)) return;
     const auto position = place_({scene.imageTrafo, scene.outputTrafo, scene.mode});
     if (!position) return;
     {

@@ -51,9 +51,9 @@ public:
 
     /// Draws halo and text; texts that are not transformable in a font of the host's face and width where it has set
     /// both, all others in the font that is selected. `offsetY` is added to the position; offsetX deliberately not, and
-    /// width and height have no effect. Nothing is drawn while not renderable, in mode 4 while not transformable, in
-    /// other modes than 1 to 4 (normalised texts apart), and where the transformation that the mode needs is null.
-    /// Leaves the background mode transparent and its own text colour in `dc`.
+    /// width and height have no effect. Nothing is drawn while not renderable, into an image while not transformable,
+    /// for a mode that is no render mode (normalised texts apart), and where the transformation that the mode needs is
+    /// null. Leaves the background mode transparent and its own text colour in `dc`.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
 
@@ -64,7 +64,7 @@ public:
     /// Deliberately overwrites: left and top are the display anchor, right and bottom 0.
     void getSize(RECT& rect) override;
 
-    /// Stores the flag: the halo in mode 4 is two pixels wide and nearly black then.
+    /// Stores the flag: a halo that is burnt in is two pixels wide and nearly black then.
     void setDicomPrintFlag(bool on) override;
 
     virtual void setTransformable(int on);

@@ -1,4 +1,7 @@
-// The subset of GDI and USER that the library draws with, under Win32's own names, widths and values.
+// The subset of GDI and USER that the library and its hosts draw with, under Win32's own names, widths and values.
+//
+// The library and zolview call two thirds of it. The rest is for hosts, which draw on the same device contexts before
+// and after the library does: each group says what they need it for.
 //
 // Types have Win32's widths on every platform: LONG, DWORD, COLORREF and BOOL are 32 bits wide. WCHAR is wchar_t, so
 // strings are UTF-32 here and UTF-16 on Windows. Handles are checked: a call that is given a null, deleted or wrong
@@ -58,7 +61,6 @@ struct HBRUSH__;
 struct HFONT__;
 struct HRGN__;
 struct HWND__;
-struct HPALETTE__;
 // NOLINTEND(bugprone-reserved-identifier)
 
 using HANDLE = void*;
@@ -70,7 +72,6 @@ using HBRUSH = HBRUSH__*;
 using HFONT = HFONT__*;
 using HRGN = HRGN__*;
 using HWND = HWND__*;
-using HPALETTE = HPALETTE__*;
 
 // NOLINTBEGIN(performance-no-int-to-ptr,misc-misplaced-const): values that stand for no object.
 /// What file-mapping calls take for "no file: memory only".
@@ -266,14 +267,11 @@ inline constexpr DWORD BI_BITFIELDS = 3;
 inline constexpr UINT DIB_RGB_COLORS = 0;
 inline constexpr UINT DIB_PAL_COLORS = 1;
 
-// Kinds of objects, as GetObjectType and GetCurrentObject name them.
+// Kinds of objects that GetCurrentObject takes.
 inline constexpr UINT OBJ_PEN = 1;
 inline constexpr UINT OBJ_BRUSH = 2;
-inline constexpr UINT OBJ_DC = 3;
 inline constexpr UINT OBJ_FONT = 6;
 inline constexpr UINT OBJ_BITMAP = 7;
-inline constexpr UINT OBJ_REGION = 8;
-inline constexpr UINT OBJ_MEMDC = 10;
 
 inline constexpr int WHITE_BRUSH = 0;
 inline constexpr int LTGRAY_BRUSH = 1;
@@ -356,10 +354,6 @@ inline constexpr int MM_ANISOTROPIC = 8;
 inline constexpr DWORD MWT_IDENTITY = 1;
 inline constexpr DWORD MWT_LEFTMULTIPLY = 2;
 inline constexpr DWORD MWT_RIGHTMULTIPLY = 3;
-
-inline constexpr UINT TA_LEFT = 0;
-inline constexpr UINT TA_TOP = 0;
-inline constexpr UINT TA_NOUPDATECP = 0;
 
 inline constexpr int FW_DONTCARE = 0;
 inline constexpr int FW_NORMAL = 400;
@@ -464,6 +458,10 @@ ZOLGDI_API unsigned int ZolGdiObjectCount();
 
 // ---------------------------------------------------------------------------------------------------- device contexts
 
+// Overlays are drawn on the host's own device context, and texts leave their colour and background mode there: hosts
+// read what is in force with the Get calls and put it back. World transformations, mapping modes and origins let a host
+// that prints lay out several images on one page.
+
 /// A device context in memory with the metrics of `dc` (null: of the screen) and a bitmap of one pixel, on which
 /// nothing can be drawn.
 ZOLGDI_API HDC CreateCompatibleDC(HDC dc);
@@ -504,6 +502,8 @@ ZOLGDI_API BOOL GetWindowOrgEx(HDC dc, LPPOINT origin);
 ZOLGDI_API BOOL SetViewportExtEx(HDC dc, int x, int y, LPSIZE previous);
 ZOLGDI_API BOOL SetWindowExtEx(HDC dc, int x, int y, LPSIZE previous);
 
+// Clipping keeps a host's drawing within the area to be painted again, and away from other parts of its window.
+
 ZOLGDI_API int SelectClipRgn(HDC dc, HRGN region);
 ZOLGDI_API int IntersectClipRect(HDC dc, int left, int top, int right, int bottom);
 ZOLGDI_API int GetClipBox(HDC dc, LPRECT box);  ///< in logical coordinates; its top is the upper edge's
@@ -512,7 +512,7 @@ ZOLGDI_API int GetClipBox(HDC dc, LPRECT box);  ///< in logical coordinates; its
 
 // Between DIBs of 32 bits, SRCCOPY copies all four bytes of a pixel. A pixel of 24 bits that is copied to one of 32
 // bits brings 0 as the fourth byte, and so does everything that draws with a pen, a brush or a text colour; BLACKNESS
-// writes 0 to all four bytes and WHITENESS 255.
+// writes 0 to all four bytes and WHITENESS 255. StretchBlt is for hosts that show a frame's bitmap enlarged.
 
 ZOLGDI_API BOOL BitBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY, DWORD rop);
 ZOLGDI_API BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
@@ -542,6 +542,9 @@ ZOLGDI_API BOOL Ellipse(HDC dc, int left, int top, int right, int bottom);
 // Between BeginPath and EndPath the calls above and TextOutW draw nothing: their outlines become the device context's
 // path, in the transformation of the time of the call. What draws the path consumes it and fails where there is none.
 // Copies of pixels and painted regions take no part: they are drawn at once. SaveDC does not keep a path.
+//
+// The library fills smooth outlines as paths, zolview draws the halos of letters with them, and hosts draw their own
+// overlays in the same way, with closed figures and without an outline, too.
 
 /// Discards a complete path; within a bracket it changes nothing.
 ZOLGDI_API BOOL BeginPath(HDC dc);
@@ -555,6 +558,9 @@ ZOLGDI_API BOOL FillPath(HDC dc);
 ZOLGDI_API BOOL StrokeAndFillPath(HDC dc);
 
 // ---------------------------------------------------------------------------------------------------- regions
+
+// The library paints handles as regions. Hosts collect the areas to be painted again in them (see CCsRegion), ask which
+// part of a window a pointer is in, and fill the rest of a window, where no image is, with a brush of their own.
 
 ZOLGDI_API HRGN CreateRectRgn(int left, int top, int right, int bottom);
 ZOLGDI_API HRGN CreateRectRgnIndirect(const RECT* rect);
@@ -611,6 +617,8 @@ public:
     virtual int dpi() { return 96; }
 };
 
+// Handles of windows come from the host here. It asks with IsWindow whether one that it has kept is still good.
+
 /// The handle by which calls know the host's window, which must live until the handle is destroyed. Null on failure.
 ZOLGDI_API HWND ZolCreateHostWindow(ZolHostWindow* window);
 /// Device contexts of the window draw nothing from now on; they are still to be released. FALSE for a wrong handle.
@@ -642,5 +650,6 @@ ZOLGDI_API int StartPage(HDC dc);
 ZOLGDI_API int EndPage(HDC dc);
 /// Completes the file; SP_ERROR when it could not be written in full.
 ZOLGDI_API int EndDoc(HDC dc);
-/// Ends the document and removes the file. A device context that is deleted before EndDoc does the same.
+/// For hosts whose user cancels: ends the document and removes the file. A device context that is deleted before EndDoc
+/// does the same.
 ZOLGDI_API int AbortDoc(HDC dc);

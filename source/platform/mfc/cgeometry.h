@@ -26,8 +26,6 @@ public:
     constexpr CSize(SIZE size) : tagSIZE(size) {}
     explicit constexpr CSize(POINT point) : tagSIZE{point.x, point.y} {}
 
-    void SetSize(int width, int height) { *this = CSize(width, height); }
-
     friend constexpr bool operator==(const CSize& a, const CSize& b) { return a.cx == b.cx && a.cy == b.cy; }
     CSize& operator+=(SIZE other) { return *this = *this + other; }
     CSize& operator-=(SIZE other) { return *this = *this - other; }
@@ -46,10 +44,7 @@ public:
     constexpr CPoint(POINT point) : tagPOINT(point) {}
     explicit constexpr CPoint(SIZE size) : tagPOINT{size.cx, size.cy} {}
 
-    void SetPoint(int newX, int newY) { *this = CPoint(newX, newY); }
     void Offset(int dx, int dy) { *this += CSize(dx, dy); }
-    void Offset(POINT distance) { *this += CSize(distance); }
-    void Offset(SIZE distance) { *this += distance; }
 
     friend constexpr bool operator==(const CPoint& a, const CPoint& b) { return a.x == b.x && a.y == b.y; }
     CPoint& operator+=(SIZE distance) { return *this = *this + distance; }
@@ -107,14 +102,9 @@ public:
     void SetRect(int newLeft, int newTop, int newRight, int newBottom) {
         *this = CRect(newLeft, newTop, newRight, newBottom);
     }
-    void SetRect(POINT topLeft, POINT bottomRight) { *this = CRect(topLeft, bottomRight); }
     void SetRectEmpty() { *this = CRect(); }
-    void CopyRect(LPCRECT source) { *this = CRect(source); }
-    [[nodiscard]] BOOL EqualRect(LPCRECT other) const { return *this == CRect(other) ? TRUE : FALSE; }
 
     void InflateRect(int dx, int dy) { InflateRect(dx, dy, dx, dy); }
-    void InflateRect(SIZE size) { InflateRect(size.cx, size.cy); }
-    void InflateRect(LPCRECT edges) { InflateRect(edges->left, edges->top, edges->right, edges->bottom); }
     void InflateRect(int dLeft, int dTop, int dRight, int dBottom) {
         left = zolmfc::subtract(left, dLeft);
         top = zolmfc::subtract(top, dTop);
@@ -122,8 +112,6 @@ public:
         bottom = zolmfc::add(bottom, dBottom);
     }
     void DeflateRect(int dx, int dy) { DeflateRect(dx, dy, dx, dy); }
-    void DeflateRect(SIZE size) { DeflateRect(size.cx, size.cy); }
-    void DeflateRect(LPCRECT edges) { DeflateRect(edges->left, edges->top, edges->right, edges->bottom); }
     void DeflateRect(int dLeft, int dTop, int dRight, int dBottom) {
         left = zolmfc::add(left, dLeft);
         top = zolmfc::add(top, dTop);
@@ -132,9 +120,6 @@ public:
     }
     void OffsetRect(int dx, int dy) { *this = CRect(TopLeft() + CSize(dx, dy), BottomRight() + CSize(dx, dy)); }
     void OffsetRect(POINT distance) { OffsetRect(distance.x, distance.y); }
-    void OffsetRect(SIZE distance) { OffsetRect(distance.cx, distance.cy); }
-    void MoveToXY(int x, int y) { *this = CRect(CPoint(x, y), Size()); }
-    void MoveToXY(POINT position) { MoveToXY(position.x, position.y); }
 
     /// Exchanges edges that are out of order.
     void NormalizeRect() {

@@ -211,7 +211,6 @@ public:
     CStringW() = default;
     CStringW(const wchar_t* text) : text_(text != nullptr ? text : L"") {}
     CStringW(const wchar_t* text, int length) : text_(text, static_cast<std::size_t>(length)) {}
-    explicit CStringW(wchar_t character, int count = 1) : text_(static_cast<std::size_t>(count), character) {}
 
     CStringW& operator=(const wchar_t* text) { return *this = CStringW(text); }
 
@@ -234,8 +233,6 @@ public:
         text_ += character;
         return *this;
     }
-    void Append(const wchar_t* other) { *this += other; }
-    void AppendChar(wchar_t character) { *this += character; }
 
     friend CStringW operator+(CStringW left, const CStringW& right) { return left += right; }
     friend CStringW operator+(CStringW left, const wchar_t* right) { return left += right; }
@@ -264,7 +261,6 @@ public:
         if (start < 0 || start > GetLength()) return -1;
         return index(text_.find(character, static_cast<std::size_t>(start)));
     }
-    [[nodiscard]] int ReverseFind(wchar_t character) const { return index(text_.rfind(character)); }
 
     /// Parts of the string; counts and positions beyond it are cut.
     [[nodiscard]] CStringW Left(int count) const { return Mid(0, count); }
@@ -284,10 +280,6 @@ public:
     template <typename... Arguments>
     void Format(const wchar_t* format, const Arguments&... arguments) {
         text_ = formatted(format, arguments...);
-    }
-    template <typename... Arguments>
-    void AppendFormat(const wchar_t* format, const Arguments&... arguments) {
-        text_ += formatted(format, arguments...);
     }
 
 private:

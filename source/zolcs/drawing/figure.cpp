@@ -2,47 +2,15 @@
 
 #include "zolcs/ccsgroup.h"
 #include "zolcs/drawing/gdiscope.h"
+#include "zolcs/drawing/modes.h"
 #include "zolcs/support/conversion.h"
-
-#include <cstdint>
 
 namespace zolcs {
 
 namespace {
 
-constexpr COLORREF midGrey = 0x808080;
-constexpr COLORREF yellow = 0x00FFFF;
-constexpr COLORREF white = 0xFFFFFF;
-
-struct Look {
-    int width = 0;
-    COLORREF pen = 0;
-    COLORREF brush = 0;
-};
-
-bool hasFillColor(const FigureStyle& style) { return style.filled && style.fillColor != 0; }
-
-// Ten pixels at 600 dpi, the same length at other resolutions.
-int printerPenWidth(HDC dc) { return saturated(std::int64_t{GetDeviceCaps(dc, LOGPIXELSY)} * 10 / 600); }
-
-// A tenth of the height of the text beside it.
-int textPenWidth(HDC dc) {
-    TEXTMETRICW metrics{};
-    GetTextMetricsW(dc, &metrics);
-    return truncated(metrics.tmHeight / 10.0 + 1.5);
-}
-
-Look lookOf(HDC dc, const FigureStyle& style) {
-    const bool fills = hasFillColor(style);
-    switch (style.mode) {
-        case printerMode:
-            return {printerPenWidth(dc), white, fills ? style.fillColor : white};
-        case textMode:
-            return {textPenWidth(dc), yellow, fills ? style.fillColor : yellow};
-        default:
-            return {0, style.color, fills ? midGrey : style.color};
-    }
-}
+/// The figure's own fill colour, or 0.
+COLORREF ownFillColor(const FigureStyle& style) { return style.filled ? style.fillColor : 0; }
 
 /// Gaps of dotted lines show what lies below; the mode before comes back.
 class TransparentGaps {
@@ -66,24 +34,24 @@ void drawHandles(HDC dc, const std::vector<OutputPoint>& vertices, int offset) {
 }
 
 void drawShadow(HDC dc, const FigureStyle& style, const Outline& outline, const std::vector<OutputPoint>& vertices) {
-    const int offset = style.mode == printerMode ? 10 : 1;
+    const int offset = shadowOffset(style.mode);
     drawOutline(dc, outline, offset);
-    if (style.mode == textMode && style.dicomPrint) drawOutline(dc, outline, offset + 1);
+    if (hasWideShadow(style.mode, style.dicomPrint)) drawOutline(dc, outline, offset + 1);
     if (style.selected) drawHandles(dc, vertices, 1);
 }
 
 }  // namespace
 
 void drawFigure(HDC dc, const FigureStyle& style, const Outline& outline, const std::vector<OutputPoint>& vertices) {
-    const Look look = lookOf(dc, style);
-    const Pen mainPen(CreatePen(style.penStyle, look.width, look.pen));
+    const FigureColors look = figureColors(dc, style.mode, style.color, ownFillColor(style));
+    const Pen mainPen(CreatePen(style.penStyle, look.penWidth, look.pen));
     const Brush mainBrush(CreateSolidBrush(look.brush));
-    const Pen shadowPen(CreatePen(style.penStyle, look.width, shadowColor(style.mode, style.dicomPrint)));
+    const Pen shadowPen(CreatePen(style.penStyle, look.penWidth, shadowColor(style.mode, style.dicomPrint)));
     const Brush shadowBrush(CreateSolidBrush(RGB(0, 0, 0)));
 
     // Deliberate: a figure with a fill colour of its own leaves the shadow, if it has one, to the caller's pen and
     // brush.
-    const bool callersShadow = hasFillColor(style);
+    const bool callersShadow = ownFillColor(style) != 0;
     SelectGuard pen(dc, callersShadow ? nullptr : shadowPen.get());
     SelectGuard brush(dc, callersShadow ? nullptr : shadowBrush.get());
     const TransparentGaps gaps(dc, style.penStyle == PS_DOT);

@@ -1,7 +1,7 @@
-// How figures made of vertices look: pens, brushes, shadows and selection handles, the same for every kind of outline.
+// Drawing of figures made of vertices, the same for every kind of outline.
 #pragma once
 
-#include "zolcs/drawing/modes.h"
+#include "zolcs/ccsrendermodes.h"
 #include "zolcs/drawing/outline.h"
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct FigureStyle {
     /// Filled figures of more than three vertices are areas; those with fewer are drawn as outlines.
     [[nodiscard]] bool isArea(std::size_t vertexCount) const { return filled && vertexCount > 3; }
 
-    int mode = screenMode;
+    int mode = CCS_MODE_SCREEN;
     COLORREF color = 0;  ///< of the outline on the screen
     int penStyle = 0;
     bool filled = false;
@@ -23,8 +23,8 @@ struct FigureStyle {
     bool dicomPrint = false;  ///< shadow in nearly black
 };
 
-/// Draws a figure: an area without shadow and handles; or the outline's shadow, the outline, and while selected the
-/// shadow and the square of a handle at every vertex. Leaves pen, brush and background mode of `dc` as they were.
+/// Draws a figure: an area without shadow and handles; or the outline's shadow, the outline and, while selected, a
+/// handle with its shadow at every vertex. Restores pen, brush and background mode of `dc`.
 void drawFigure(HDC dc, const FigureStyle& style, const Outline& outline, const std::vector<OutputPoint>& vertices);
 
 }  // namespace zolcs

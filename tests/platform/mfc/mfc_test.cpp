@@ -32,7 +32,6 @@ TEST(CStringWTest, HoldsAndCopiesText) {
     EXPECT_TRUE(copy.IsEmpty());
     EXPECT_TRUE(CStringW(static_cast<const wchar_t*>(nullptr)).IsEmpty());
     EXPECT_STREQ(CStringW(L"abcdef", 3).GetString(), L"abc");
-    EXPECT_STREQ(CStringW(L'x', 3).GetString(), L"xxx");
 }
 
 TEST(CStringWTest, Joins) {
@@ -45,11 +44,10 @@ TEST(CStringWTest, Joins) {
     CStringW c(a);
     c += b;
     c += L'!';
-    c.Append(L"?");
-    c.AppendChar(L'.');
-    EXPECT_STREQ(c.GetString(), L"ab!?.");
+    c += L"?";
+    EXPECT_STREQ(c.GetString(), L"ab!?");
     c += c;
-    EXPECT_STREQ(c.GetString(), L"ab!?.ab!?.");
+    EXPECT_STREQ(c.GetString(), L"ab!?ab!?");
 }
 
 TEST(CStringWTest, Compares) {
@@ -79,7 +77,6 @@ TEST(CStringWTest, FindsAndCuts) {
     EXPECT_EQ(path.Find(L"zol", 8), -1);
     EXPECT_EQ(path.Find(L"zol", 99), -1);
     EXPECT_EQ(path.Find(L'z', -1), -1);
-    EXPECT_EQ(path.ReverseFind(L'\\'), 12);
     EXPECT_STREQ(path.Left(6).GetString(), L"source");
     EXPECT_STREQ(path.Left(99).GetString(), path.GetString());
     EXPECT_STREQ(path.Right(4).GetString(), L"file");
@@ -148,8 +145,6 @@ TEST(CStringWTest, FormatsPartsOfItself) {
     CStringW text(L"x");
     text.Format(L"<%s>", text);
     EXPECT_STREQ(text.GetString(), L"<x>");
-    text.AppendFormat(L"%d", 1);
-    EXPECT_STREQ(text.GetString(), L"<x>1");
 }
 
 // ------------------------------------------------------------------------------------------------ geometry
@@ -168,10 +163,8 @@ TEST(CPointTest, AddsAndSubtracts) {
     EXPECT_TRUE(CPoint(1, 1) + CSize(2, 3) == CPoint(3, 4));
     EXPECT_TRUE(CPoint(1, 1) - CSize(2, 3) == CPoint(-1, -2));
     EXPECT_TRUE(-CPoint(1, -2) == CPoint(-1, 2));
-    p.SetPoint(9, 8);
-    EXPECT_EQ(p.x, 9);
     const POINT plain = p;
-    EXPECT_EQ(plain.y, 8);
+    EXPECT_EQ(plain.y, 4);
     EXPECT_TRUE(p == plain);
     EXPECT_TRUE(plain == p);
     EXPECT_TRUE(CPoint() == CPoint(0, 0));
@@ -186,8 +179,6 @@ TEST(CSizeTest, AddsAndSubtracts) {
     EXPECT_TRUE(s + CSize(1, 2) == CSize(3, 4));
     EXPECT_TRUE(s - CSize(1, 2) == CSize(1, 0));
     EXPECT_TRUE(-s == CSize(-2, -2));
-    s.SetSize(5, 6);
-    EXPECT_EQ(s.cy, 6);
 }
 
 TEST(CRectTest, HasEdgesAndExtents) {
@@ -276,18 +267,13 @@ TEST(CRectTest, MovesAndGrows) {
     EXPECT_TRUE(r == CRect(0, 0, 8, 10));
     r.DeflateRect(1, 2, 3, 4);
     EXPECT_TRUE(r == CRect(1, 2, 5, 6));
-    r.MoveToXY(0, 0);
-    EXPECT_TRUE(r == CRect(0, 0, 4, 4));
-    r += CPoint(1, 1);
-    r -= CSize(0, 1);
+    r += CPoint(0, 1);
+    r -= CSize(0, 3);
     EXPECT_TRUE(r == CRect(1, 0, 5, 4));
     EXPECT_TRUE(r + CSize(1, 1) == CRect(2, 1, 6, 5));
     EXPECT_TRUE(r - CPoint(1, 0) == CRect(0, 0, 4, 4));
     r.SetRectEmpty();
     EXPECT_TRUE(r.IsRectNull());
-    const CRect source(1, 2, 3, 4);
-    r.CopyRect(source);
-    EXPECT_TRUE(r.EqualRect(source));
     EXPECT_TRUE(r != CRect(1, 2, 3, 5));
 }
 
