@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
@@ -29,7 +30,8 @@ public:
         engine_.seed(seed_);
     }
     ~Random() {
-        if (::testing::Test::HasFailure()) ::testing::Test::RecordProperty("seed", std::to_string(seed_));
+        if (::testing::Test::HasFailure())
+            std::printf("seed %llu; ZOL_TEST_SEED runs with it again\n", static_cast<unsigned long long>(seed_));
     }
     Random(const Random&) = delete;
     Random& operator=(const Random&) = delete;

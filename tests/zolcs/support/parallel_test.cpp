@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <mutex>
 #include <set>
 #include <stdexcept>
@@ -68,20 +67,15 @@ TEST(ParallelRows, FewRowsStayOnTheCallersThread) {
     EXPECT_EQ(worker, std::this_thread::get_id());
 }
 
-// A band that waits for a second one to start sees it only when both run at the same time.
+// The first band ends only when a second one has begun. (Bands that ran one after the other would wait for ever.)
 TEST(ParallelRows, BandsRunAtTheSameTime) {
     if (bandsOf(0, 1000, 1).size() < 2) GTEST_SKIP() << "one processor";
     std::atomic<int> started{0};
-    std::atomic<bool> met{false};
     zolcs::parallelRows(0, 1000, [&](int, int) {
         ++started;
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!met && std::chrono::steady_clock::now() < patience) {
-            if (started >= 2) met = true;
-            std::this_thread::yield();
-        }
+        while (started < 2) std::this_thread::yield();
     });
-    EXPECT_TRUE(met);
+    EXPECT_GE(started, 2);
 }
 
 TEST(ParallelRows, WhatABandThrowsReachesTheCallerAfterAllBands) {
