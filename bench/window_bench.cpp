@@ -81,7 +81,7 @@ public:
         cvSource_ =
             cv::Mat(sourceHeight, sourceWidth, CV_16U, stored, static_cast<std::size_t>(source_.getPitch()) * 2);
         cvScreen_.create(frameHeight, frameWidth, CV_8UC4);
-        if (frame_.init() != 255) throw std::runtime_error("no frame");
+        if (frame_.init() != CCS_DONE) throw std::runtime_error("no frame");
     }
 
     void ours(bool smooth, double zoom) {
@@ -94,7 +94,7 @@ public:
         } else {
             CCsNearest().nearestGrey12IndexMap(source_, frame_, trafo, map_.get(), nullptr, 0);
         }
-        if (frame_.paint(screen_.dc(), nullptr, &trafo, 0, -1, -1, -1, -1, nullptr, 0, nullptr, nullptr) != 255) {
+        if (frame_.paint(screen_.dc(), nullptr, &trafo, 0, -1, -1, -1, -1, nullptr, 0, nullptr, nullptr) != CCS_DONE) {
             throw std::runtime_error("the frame cannot be painted");
         }
     }

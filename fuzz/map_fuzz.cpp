@@ -78,7 +78,7 @@ void ask(zolfuzz::Bytes& in, IGreyMap& map) {
     unsigned short* values = nullptr;
     unsigned first = 0;
     unsigned count = 0;
-    if (map.getWindowedNonLinearLut(&values, &first, &count, in.ConsumeBool()) == 255) {
+    if (map.getWindowedNonLinearLut(&values, &first, &count, in.ConsumeBool()) == CCS_DONE) {
         // The address sanitizer watches whether what is handed out can be read to its end.
         const std::vector<unsigned short> read(values, values + count);
         map.setNonLinearLut(read.data(), first, static_cast<int>(count), in.ConsumeBool());

@@ -104,7 +104,7 @@ bool View::print(HDC dc, int pageWidth, int pageHeight) {
     const int result = frame_.print(dc, all, &annotations_, nullptr, &trafo_, annotationColour, 0, pageWidth,
                                     pageHeight, 0, 0, nullptr, 3);
     frame_.unlock();  // printing leaves the pixels locked once more
-    return result == 255;
+    return result == CCS_DONE;
 }
 
 POINT View::annotationStart() {

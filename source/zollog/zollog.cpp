@@ -1,14 +1,12 @@
 #include "zollog/zollog.h"
 
+#include "platform/unicode.h"
+
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <mutex>
-#include <type_traits>
 
 namespace {
-
-constexpr std::uint32_t replacement = 0xFFFD;
 
 struct LogState {
     // Recursive, because a sink may itself log or install another sink.
@@ -22,22 +20,7 @@ LogState& logState() {
     return state;
 }
 
-bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-std::uint32_t unitOf(wchar_t character) { return static_cast<std::make_unsigned_t<wchar_t>>(character); }
-
-// The code point at `text`, which moves behind it. Wide characters are UTF-16 or UTF-32 by platform; surrogates without
-// their partner and values beyond Unicode read as the replacement character.
-std::uint32_t nextCodePoint(const wchar_t*& text) {
-    const std::uint32_t unit = unitOf(*text++);
-    if (isHighSurrogate(unit) && isLowSurrogate(unitOf(*text))) {
-        const std::uint32_t low = unitOf(*text++);
-        return 0x10000 + ((unit - 0xD800) << 10U) + (low - 0xDC00);
-    }
-    return isHighSurrogate(unit) || isLowSurrogate(unit) || unit > 0x10FFFF ? replacement : unit;
-}
-
-// Collects a line in place: what has to say that memory is exhausted must not ask for any.
+/// Collects a line in place: what has to say that memory is exhausted must not ask for any.
 class StandardErrorLine {
 public:
     StandardErrorLine() = default;
@@ -49,37 +32,19 @@ public:
         std::fflush(stderr);
     }
 
-    void putCodePoint(std::uint32_t code) {
-        if (code < 0x80) {
-            put(code);
-        } else if (code < 0x800) {
-            put(0xC0U | (code >> 6U));
-            putTail(code);
-        } else if (code < 0x10000) {
-            put(0xE0U | (code >> 12U));
-            putTail(code >> 6U);
-            putTail(code);
-        } else {
-            put(0xF0U | (code >> 18U));
-            putTail(code >> 12U);
-            putTail(code >> 6U);
-            putTail(code);
-        }
-    }
-
-    // Control characters become blanks, so that one call stays one line.
+    /// Control characters become blanks, so that one call stays one line.
     void putText(const wchar_t* text) {
         while (*text != L'\0') {
-            const std::uint32_t code = nextCodePoint(text);
-            putCodePoint(code < 0x20 || code == 0x7F ? ' ' : code);
+            const char32_t code = zolplatform::takeFirst(text);
+            zolplatform::encodeUtf8(code < 0x20 || code == 0x7F ? U' ' : code,
+                                    [this](unsigned char byte) { put(byte); });
         }
     }
 
 private:
-    void putTail(std::uint32_t bits) { put(0x80U | (bits & 0x3FU)); }
-    void put(std::uint32_t byte) {
+    void put(unsigned char byte) {
         if (used_ == sizeof bytes_) write();
-        bytes_[used_++] = static_cast<unsigned char>(byte);
+        bytes_[used_++] = byte;
     }
     void write() {
         std::fwrite(bytes_, 1, used_, stderr);

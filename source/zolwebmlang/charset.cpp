@@ -1,5 +1,7 @@
 #include "zolwebmlang/charset.h"
 
+#include "platform/unicode.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -88,23 +90,16 @@ bool needsGlyph(char32_t c) {
     const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
     const bool format = (c >= 0x200B && c <= 0x200F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x206F) ||
                         (c >= 0xFE00 && c <= 0xFE0F) || c == 0xFEFF;
-    const bool noCharacter = (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF || (c & 0xFFFE) == 0xFFFE;
+    const bool noCharacter = !zolplatform::isCharacter(c) || (c & 0xFFFE) == 0xFFFE;
     return !control && !format && !noCharacter;
 }
-
-bool isHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool isLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 }  // namespace
 
 std::u32string visibleCharacters(const wchar_t* text) {
     std::u32string visible;
     while (*text != L'\0') {
-        auto character = static_cast<char32_t>(*text++);
-        if (isHighSurrogate(character) && isLowSurrogate(static_cast<char32_t>(*text))) {
-            const auto low = static_cast<char32_t>(*text++);
-            character = 0x10000 + ((character - 0xD800) << 10U) + (low - 0xDC00);
-        }
+        const char32_t character = zolplatform::takeFirst(text);
         if (needsGlyph(character)) visible += character;
     }
     return visible;

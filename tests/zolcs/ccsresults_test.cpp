@@ -1,6 +1,6 @@
 // The numbers behind the names of results and render modes: hosts have them compiled in.
-#include "zolcs/ccsrendermodes.h"
 #include "zolcs/ccsresults.h"
+#include "zolcs/ccsrendermodes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,14 @@
 #include "platform/gdi/area.h"
 
+#include "platform/saturate.h"
+
 #include <algorithm>
-#include <limits>
 
 namespace zolgdi {
 
 namespace {
+
+using zolplatform::saturated;
 
 using Edges = std::vector<LONG>;  // left, right, left, right...
 
@@ -60,11 +63,6 @@ bool continues(const std::vector<RECT>& rects, std::size_t lastBand, const Edges
     return true;
 }
 
-LONG clampToLong(std::int64_t value) {
-    return static_cast<LONG>(
-        std::clamp<std::int64_t>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
-}
-
 }  // namespace
 
 Area Area::combine(const Area& first, const Area& second, const Operation& operation) {
@@ -97,8 +95,8 @@ Area Area::intersected(const Area& other) const {
 Area Area::moved(std::int64_t dx, std::int64_t dy) const {
     Area out;
     for (const RECT& rect : rects_) {
-        const RECT at{clampToLong(rect.left + dx), clampToLong(rect.top + dy), clampToLong(rect.right + dx),
-                      clampToLong(rect.bottom + dy)};
+        const RECT at{saturated(rect.left + dx), saturated(rect.top + dy), saturated(rect.right + dx),
+                      saturated(rect.bottom + dy)};
         if (!isEmpty(at)) out.rects_.push_back(at);
     }
     return out;

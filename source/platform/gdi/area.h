@@ -1,19 +1,13 @@
 // Sets of pixels as lists of rectangles.
 #pragma once
 
-#include "platform/gdi/handles.h"
+#include "platform/gdi/rectangle.h"
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 namespace zolgdi {
-
-constexpr bool isEmpty(const RECT& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
-
-constexpr RECT intersection(const RECT& a, const RECT& b) {
-    return {a.left > b.left ? a.left : b.left, a.top > b.top ? a.top : b.top, a.right < b.right ? a.right : b.right,
-            a.bottom < b.bottom ? a.bottom : b.bottom};
-}
 
 /// Disjoint rectangles in bands: sorted by top, then by left; rectangles of one band have the same top and bottom, and
 /// bands do not overlap. Right and bottom are exclusive.
@@ -41,23 +35,6 @@ public:
 
 private:
     std::vector<RECT> rects_;
-};
-
-class Region : public DrawingObject {
-public:
-    explicit Region(Area area) : area_(std::move(area)) {}
-    [[nodiscard]] Area area() const {
-        const std::lock_guard lock(mutex_);
-        return area_;
-    }
-    void set(Area area) {
-        const std::lock_guard lock(mutex_);
-        area_ = std::move(area);
-    }
-
-private:
-    mutable std::mutex mutex_;
-    Area area_;
 };
 
 }  // namespace zolgdi

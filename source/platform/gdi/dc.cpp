@@ -1,5 +1,7 @@
 #include "platform/gdi/dc.h"
 
+#include "platform/gdi/region.h"
+
 #include <algorithm>
 #include <cmath>
 

@@ -21,6 +21,9 @@ Figures surfacesWithin(const Figures& figures, double limit);
 /// Cairo's coordinates end near 2^23: what lies farther away than this is cut off before it gets there.
 inline constexpr double cairoLimit = 1 << 21;
 
+/// Farthest coordinates on pixel memory: products of two distances then fit 64 bits with room to spare.
+inline constexpr double rasterLimit = 1 << 27;
+
 /// A rectangle's corners in the order in which GDI draws outlines: counterclockwise from the top right one.
 using Corners = std::array<PointD, 4>;
 

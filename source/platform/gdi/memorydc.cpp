@@ -1,6 +1,6 @@
 // Memory device contexts: drawing on bitmaps.
 #include "platform/gdi/dc.h"
-#include "platform/gdi/raster.h"
+#include "platform/gdi/rastercanvas.h"
 
 namespace zolgdi {
 

@@ -1,7 +1,7 @@
 // Bitmaps, pens, brushes and fonts.
 #pragma once
 
-#include "platform/gdi/mapping.h"
+#include "platform/gdi/filemapping.h"
 
 #include <cstdlib>
 

@@ -1,21 +1,11 @@
-// Text calls, and text on pixel memory.
+// Calls that draw and measure text.
 #include "platform/gdi/dc.h"
-#include "platform/gdi/mask.h"
-#include "platform/gdi/raster.h"
 #include "platform/gdi/textlayout.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace zolgdi {
-
-void RasterCanvas::text(const Area& clip, const TextRun& run) {
-    const TextLine& line = TextLine::shaped(*run.font, run.dpi, false, run.text);
-    const Affine placement = line.placed(run.transform);
-    if (run.opaque) fill(clip, {line.cell(placement)}, ALTERNATE, run.background);
-    const RECT extent = line.extent(placement);
-    paintCoverage(pixels_, clip, extent, run.color, [&](cairo_t* cairo) { line.draw(cairo, placement); });
-}
 
 namespace {
 

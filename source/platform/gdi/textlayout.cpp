@@ -1,5 +1,7 @@
 #include "platform/gdi/textlayout.h"
 
+#include "platform/unicode.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -7,28 +9,6 @@
 namespace zolgdi {
 
 namespace {
-
-void appendUtf8(std::string& out, std::uint32_t code) {
-    constexpr std::uint32_t replacement = 0xFFFD;
-    if (code > 0x10FFFFU || (code >= 0xD800U && code <= 0xDFFFU)) code = replacement;
-    if (code < 0x20U || code == 0x7FU) code = 0x20U;  // a line has no line breaks and no tabs
-    const auto tail = [&](unsigned int shift) { out += static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
-    if (code < 0x80U) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800U) {
-        out += static_cast<char>(0xC0U | (code >> 6U));
-        tail(0);
-    } else if (code < 0x10000U) {
-        out += static_cast<char>(0xE0U | (code >> 12U));
-        tail(6);
-        tail(0);
-    } else {
-        out += static_cast<char>(0xF0U | (code >> 18U));
-        tail(12);
-        tail(6);
-        tail(0);
-    }
-}
 
 /// Font maps belong to a thread. Pango's own one for the main thread would never be given back.
 PangoFontMap* fontMap() {
@@ -79,7 +59,11 @@ double limited(LONG size) { return std::min(std::fabs(static_cast<double>(size))
 
 std::string toUtf8(std::wstring_view text) {
     std::string out;
-    for (const wchar_t c : text) appendUtf8(out, static_cast<std::uint32_t>(c));
+    for (const wchar_t unit : text) {
+        const char32_t code = zolplatform::unitOf(unit);
+        const bool control = code < 0x20 || code == 0x7F;
+        zolplatform::appendUtf8(out, control ? U' ' : code);
+    }
     return out;
 }
 
@@ -176,16 +160,9 @@ RECT TextLine::extent(const Affine& placement) const {
     const double right = (ink.x + ink.width) * font_.stretch() / PANGO_SCALE + margin;
     const double top = font_.ascent() + static_cast<double>(ink.y) / PANGO_SCALE - margin;
     const double bottom = font_.ascent() + static_cast<double>(ink.y + ink.height) / PANGO_SCALE + margin;
-    const PointD corners[] = {placement(left, top), placement(right, top), placement(left, bottom),
-                              placement(right, bottom)};
-    PointD low = corners[0];
-    PointD high = corners[0];
-    for (const PointD corner : corners) {
-        low = {std::min(low.x, corner.x), std::min(low.y, corner.y)};
-        high = {std::max(high.x, corner.x), std::max(high.y, corner.y)};
-    }
-    const POINT first = roundToDevice(low);
-    const POINT last = roundToDevice(high);
+    const auto bounds = placement.boundsOf(left, top, right, bottom);
+    const POINT first = roundToDevice(bounds.low);
+    const POINT last = roundToDevice(bounds.high);
     return {first.x - 1, first.y - 1, last.x + 1, last.y + 1};
 }
 

@@ -1,7 +1,8 @@
 // One line of text in a font: its measures, and its glyphs through Pango and Cairo.
 #pragma once
 
-#include "platform/gdi/mask.h"
+#include "platform/gdi/cairoscope.h"
+#include "platform/gdi/canvas.h"
 
 #include <pango/pangocairo.h>
 
@@ -9,6 +10,8 @@
 
 namespace zolgdi {
 
+/// A line in UTF-8, of which every wide character is one: control characters become blanks, since a line has no line
+/// breaks and no tabs.
 std::string toUtf8(std::wstring_view text);
 
 template <typename T>

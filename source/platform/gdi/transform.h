@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/gdi/gdi.h"
+#include "platform/geometry.h"
 
 namespace zolgdi {
 
@@ -33,6 +34,12 @@ struct Affine {
         const Affine back{m22 / determinant, -m12 / determinant, -m21 / determinant, m11 / determinant, 0.0, 0.0};
         const PointD origin = back(-dx, -dy);
         return {back.m11, back.m12, back.m21, back.m22, origin.x, origin.y};
+    }
+    /// Around a rectangle, which may be turned.
+    [[nodiscard]] zolplatform::Bounds<PointD> boundsOf(double left, double top, double right, double bottom) const {
+        const Affine& map = *this;
+        return zolplatform::boundsOf(
+            std::array{map(left, top), map(right, top), map(left, bottom), map(right, bottom)});
     }
     /// Keeps horizontal lines horizontal and vertical ones vertical.
     [[nodiscard]] bool axisAligned() const { return m12 == 0.0 && m21 == 0.0; }

@@ -1,6 +1,6 @@
 // Windows of the host and their device contexts.
 #include "platform/gdi/dc.h"
-#include "platform/gdi/raster.h"
+#include "platform/gdi/rastercanvas.h"
 
 ZolHostWindow::~ZolHostWindow() = default;
 

@@ -3,7 +3,6 @@
 #include "zolcs/support/conversion.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -11,6 +10,9 @@
 namespace zolcs {
 
 namespace {
+
+using Segment = zolplatform::Segment<OutputPoint>;
+using Curve = zolplatform::Curve<OutputPoint>;
 
 POINT toGdi(OutputPoint p) { return {truncated(p.x), truncated(p.y)}; }
 
@@ -20,57 +22,25 @@ std::vector<POINT> toGdi(const std::vector<OutputPoint>& points) {
     return out;
 }
 
-// Beyond 2^53 a double no longer tells one pixel from the next, and an outline has no place to be drawn at. False for
-// NaN and infinities.
-bool hasPlace(OutputPoint p) { return std::fabs(p.x) <= 0x1p53 && std::fabs(p.y) <= 0x1p53; }
+/// Beyond this a double does not distinguish neighbouring pixels, and an outline has no place to be drawn at.
+constexpr double placeLimit = 0x1p53;
 
-bool allDrawable(const std::vector<OutputPoint>& points) {
-    return std::all_of(points.begin(), points.end(), isDrawable);
-}
+bool allDrawable(const std::vector<OutputPoint>& points) { return zolplatform::areWithin(points, outputLimit); }
 
-bool allHavePlaces(const std::vector<OutputPoint>& points) {
-    return std::all_of(points.begin(), points.end(), hasPlace);
-}
+/// False for NaN and infinities.
+bool hasPlace(OutputPoint p) { return zolplatform::isWithin(p, placeLimit); }
+bool allHavePlaces(const std::vector<OutputPoint>& points) { return zolplatform::areWithin(points, placeLimit); }
 
-OutputPoint between(OutputPoint a, OutputPoint b, double t) { return a + (b - a) * t; }
-
-OutputPoint middle(OutputPoint a, OutputPoint b) { return (a + b) * 0.5; }
-
-OutputPoint limited(OutputPoint p) {
-    return {std::clamp(p.x, -outputLimit, outputLimit), std::clamp(p.y, -outputLimit, outputLimit)};
-}
-
-struct Segment {
-    OutputPoint start;
-    OutputPoint end;
-};
-
-// The part of a segment inside GDI's coordinates (Liang and Barsky: the parameters at which it enters and leaves).
-std::optional<Segment> clipped(Segment s) {
-    if (isDrawable(s.start) && isDrawable(s.end)) return s;
-    if (!hasPlace(s.start) || !hasPlace(s.end)) return std::nullopt;
-    const OutputPoint d = s.end - s.start;
-    double enter = 0.0;
-    double leave = 1.0;
-    const auto cut = [&](double step, double room) {  // keeps the parameters t with t * step <= room
-        if (step == 0.0) return room >= 0.0;
-        if (step < 0.0) {
-            enter = std::max(enter, room / step);
-        } else {
-            leave = std::min(leave, room / step);
-        }
-        return enter <= leave;
-    };
-    const bool visible = cut(-d.x, s.start.x + outputLimit) && cut(d.x, outputLimit - s.start.x) &&
-                         cut(-d.y, s.start.y + outputLimit) && cut(d.y, outputLimit - s.start.y);
-    if (!visible) return std::nullopt;
-    return Segment{limited(between(s.start, s.end, enter)), limited(between(s.start, s.end, leave))};
+/// The part of a segment inside GDI's coordinates; nothing for points without a place.
+std::optional<Segment> visiblePart(OutputPoint start, OutputPoint end) {
+    if (!hasPlace(start) || !hasPlace(end)) return std::nullopt;
+    return zolplatform::clipped(Segment{start, end}, outputLimit);
 }
 
 void drawLines(HDC dc, const std::vector<OutputPoint>& points) {
     bool connected = false;  // the current position is where the next segment starts
     for (std::size_t i = 1; i < points.size(); ++i) {
-        const std::optional<Segment> segment = clipped({points[i - 1], points[i]});
+        const std::optional<Segment> segment = visiblePart(points[i - 1], points[i]);
         if (segment) {
             const POINT start = toGdi(segment->start);
             const POINT end = toGdi(segment->end);
@@ -81,69 +51,17 @@ void drawLines(HDC dc, const std::vector<OutputPoint>& points) {
     }
 }
 
-// The part of a polygon on one side of a limit (Sutherland and Hodgman); `inside` is how far a point is within it.
-template <typename Inside>
-std::vector<OutputPoint> cutPolygon(const std::vector<OutputPoint>& points, const Inside& inside) {
-    std::vector<OutputPoint> out;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const OutputPoint from = points[i];
-        const OutputPoint to = points[(i + 1) % points.size()];
-        const double here = inside(from);
-        const double there = inside(to);
-        if (here >= 0.0) out.push_back(from);
-        if ((here >= 0.0) != (there >= 0.0)) out.push_back(between(from, to, here / (here - there)));
-    }
-    return out;
-}
-
 void fillPolygon(HDC dc, std::vector<OutputPoint> points) {
-    if (!allDrawable(points)) {
-        points = cutPolygon(points, [](OutputPoint p) { return outputLimit - p.x; });
-        points = cutPolygon(points, [](OutputPoint p) { return outputLimit + p.x; });
-        points = cutPolygon(points, [](OutputPoint p) { return outputLimit - p.y; });
-        points = cutPolygon(points, [](OutputPoint p) { return outputLimit + p.y; });
-        std::transform(points.begin(), points.end(), points.begin(), limited);
-    }
+    points = zolplatform::clippedPolygon(std::move(points), outputLimit);
     if (points.empty()) return;
     const std::vector<POINT> corners = toGdi(points);
     Polygon(dc, corners.data(), static_cast<int>(corners.size()));
 }
 
-using Piece = std::array<OutputPoint, 4>;
-
-std::pair<Piece, Piece> halves(const Piece& piece) {  // de Casteljau
-    const OutputPoint a = middle(piece[0], piece[1]);
-    const OutputPoint b = middle(piece[1], piece[2]);
-    const OutputPoint c = middle(piece[2], piece[3]);
-    const OutputPoint ab = middle(a, b);
-    const OutputPoint bc = middle(b, c);
-    const OutputPoint top = middle(ab, bc);
-    return {{piece[0], a, ab, top}, {top, bc, c, piece[3]}};
-}
-
-// Whether all of it lies beyond one of GDI's limits: a curve lies within the hull of its control points.
-bool isBeyondLimits(const Piece& p) {
-    const auto [left, right] = std::minmax({p[0].x, p[1].x, p[2].x, p[3].x});
-    const auto [top, bottom] = std::minmax({p[0].y, p[1].y, p[2].y, p[3].y});
-    return left > outputLimit || right < -outputLimit || top > outputLimit || bottom < -outputLimit;
-}
-
-// The control points are where a straight line would have them, within a quarter of a pixel.
-bool isStraight(const Piece& p) {
-    const auto off = [](OutputPoint control, OutputPoint onLine) {
-        return std::max(std::fabs(control.x - onLine.x), std::fabs(control.y - onLine.y));
-    };
-    return off(p[1], between(p[0], p[3], 1.0 / 3.0)) < 0.25 && off(p[2], between(p[0], p[3], 2.0 / 3.0)) < 0.25;
-}
-
-void flatten(const Piece& piece, int halvings, std::vector<OutputPoint>& out) {
-    if (halvings == 0 || isBeyondLimits(piece) || isStraight(piece)) {
-        out.push_back(piece[3]);
-        return;
-    }
-    const auto [first, second] = halves(piece);
-    flatten(first, halvings - 1, out);
-    flatten(second, halvings - 1, out);
+/// Whether all of it lies beyond one of GDI's limits: a curve lies within the hull of its control points.
+bool isBeyondLimits(const Curve& curve) {
+    const auto [low, high] = zolplatform::boundsOf(curve);
+    return low.x > outputLimit || high.x < -outputLimit || low.y > outputLimit || high.y < -outputLimit;
 }
 
 void drawCurves(HDC dc, const std::vector<OutputPoint>& points) {
@@ -151,12 +69,14 @@ void drawCurves(HDC dc, const std::vector<OutputPoint>& points) {
     PolyBezier(dc, controls.data(), static_cast<DWORD>(controls.size()));
 }
 
-// Short straight lines in place of a curve. What is beyond GDI's limits stays coarse.
+/// Straight lines within a quarter of a pixel of the curves. What is beyond GDI's limits stays coarse.
 std::vector<OutputPoint> flattened(const std::vector<OutputPoint>& points) {
+    constexpr double tolerance = 0.25;
     constexpr int mostHalvings = 40;
     std::vector<OutputPoint> out{points.front()};
     for (std::size_t i = 3; i < points.size(); i += 3) {
-        flatten({points[i - 3], points[i - 2], points[i - 1], points[i]}, mostHalvings, out);
+        const Curve curve{points[i - 3], points[i - 2], points[i - 1], points[i]};
+        zolplatform::appendExactLines(curve, tolerance, mostHalvings, isBeyondLimits, out);
     }
     return out;
 }
@@ -190,19 +110,7 @@ Outline smoothOutline(const std::vector<OutputPoint>& vertices, bool closed) {
 }
 
 Outline ellipseOutline(const std::array<OutputPoint, 4>& corners) {
-    // A quarter of an ellipse as a Bezier piece has its control points at 4/3 (sqrt 2 - 1) of the half axes.
-    constexpr double kappa = 0.55228474983079339840;
-    const OutputPoint centre = (corners[0] + corners[1] + corners[2] + corners[3]) * 0.25;
-    const OutputPoint along = (corners[1] - corners[0] + corners[2] - corners[3]) * 0.25;
-    const OutputPoint across = (corners[3] - corners[0] + corners[2] - corners[1]) * 0.25;
-    const std::array<OutputPoint, 5> axes{along, across, along * -1.0, across * -1.0, along};
-    Outline out{{centre + along}, true};
-    for (std::size_t i = 0; i < 4; ++i) {
-        out.points.push_back(centre + axes[i] + axes[i + 1] * kappa);
-        out.points.push_back(centre + axes[i] * kappa + axes[i + 1]);
-        out.points.push_back(centre + axes[i + 1]);
-    }
-    return out;
+    return {zolplatform::ellipseCurves(corners), true};
 }
 
 void drawOutline(HDC dc, Outline outline, double offset) {

@@ -6,6 +6,7 @@
 // does not name a single pixel.
 #pragma once
 
+#include "platform/geometry.h"
 #include "platform/platform.h"
 
 #include <array>
@@ -27,9 +28,7 @@ constexpr double dot(OutputPoint a, OutputPoint b) { return a.x * b.x + a.y * b.
 inline constexpr double outputLimit = 134217727.0;
 
 /// Whether GDI can be given the point; false for NaN and infinities.
-constexpr bool isDrawable(OutputPoint p) {
-    return p.x >= -outputLimit && p.x <= outputLimit && p.y >= -outputLimit && p.y <= outputLimit;
-}
+constexpr bool isDrawable(OutputPoint p) { return zolplatform::isWithin(p, outputLimit); }
 
 /// Points joined by straight lines; or, when curved, Bezier pieces: a first point, then two control points and an
 /// end point for each piece.

@@ -1,8 +1,10 @@
-#include "platform/gdi/raster.h"
+#include "platform/gdi/pixelcopy.h"
 
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace zolgdi {
 
@@ -191,32 +193,32 @@ void fillRect(const Pixels& to, const RECT& rect, DWORD value) {
 
 }  // namespace
 
-void RasterCanvas::paint(const Area& clip, BYTE rop, COLORREF color) {
-    const bool wide = pixels_.bytes == 4;
+void paintPixels(const Pixels& to, const Area& area, BYTE rop, COLORREF color) {
+    const bool wide = to.bytes == 4;
     const bool solid = rop == copyPattern || rop == blackness || rop == whiteness;
     const DWORD value = rop == blackness ? 0 : (rop == whiteness ? 0xFFFFFFFFU : pixelOf(color));
-    for (const RECT& rect : clip.rects()) {
+    for (const RECT& rect : area.rects()) {
         if (solid) {
-            wide ? fillRect<4>(pixels_, rect, value) : fillRect<3>(pixels_, rect, value);
+            wide ? fillRect<4>(to, rect, value) : fillRect<3>(to, rect, value);
         } else {
-            wide ? paintRect<4>(pixels_, rect, rop, value) : paintRect<3>(pixels_, rect, rop, value);
+            wide ? paintRect<4>(to, rect, rop, value) : paintRect<3>(to, rect, rop, value);
         }
     }
 }
 
-void RasterCanvas::picture(const Area& clip, const Picture& picture, BYTE rop, COLORREF pattern) {
+void copyPixels(const Pixels& to, const Area& clip, const Picture& picture, BYTE rop, COLORREF pattern) {
     const Area area = clip.intersected(Area(picture.destination));
     if (area.empty()) return;
     Picture from = picture;
     std::vector<BYTE> copy;
-    if (overlap(from.pixels, pixels_)) copy = detach(from);
+    if (overlap(from.pixels, to)) copy = detach(from);
     const DWORD value = pixelOf(pattern);
-    if (pixels_.bytes == 4) {
-        from.pixels.bytes == 4 ? drawPicture<4, 4>(pixels_, area, from, rop, value)
-                               : drawPicture<3, 4>(pixels_, area, from, rop, value);
+    if (to.bytes == 4) {
+        from.pixels.bytes == 4 ? drawPicture<4, 4>(to, area, from, rop, value)
+                               : drawPicture<3, 4>(to, area, from, rop, value);
     } else {
-        from.pixels.bytes == 4 ? drawPicture<4, 3>(pixels_, area, from, rop, value)
-                               : drawPicture<3, 3>(pixels_, area, from, rop, value);
+        from.pixels.bytes == 4 ? drawPicture<4, 3>(to, area, from, rop, value)
+                               : drawPicture<3, 3>(to, area, from, rop, value);
     }
 }
 

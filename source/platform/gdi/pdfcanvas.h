@@ -1,16 +1,20 @@
-// Drawing on pixel memory: exact integer code for all that GDI defines to the pixel.
+// The canvas of printers: a page of a PDF file.
 #pragma once
 
 #include "platform/gdi/canvas.h"
 
+#include <cairo.h>
+
 namespace zolgdi {
 
-class RasterCanvas : public Canvas {
+/// Draws on the page that a Cairo context has begun; one unit of it is a dot of the printer. Shapes and text stay
+/// shapes and text, and pictures keep their own resolution.
+class PdfCanvas : public Canvas {
 public:
-    void setPixels(const Pixels& pixels) { pixels_ = pixels; }
+    /// The context stays the caller's.
+    PdfCanvas(cairo_t* cairo, const RECT& page) : cairo_(cairo), page_(page) {}
 
-    [[nodiscard]] RECT bounds() const override { return {0, 0, pixels_.width, pixels_.height}; }
-    [[nodiscard]] const Pixels* pixels() const override { return &pixels_; }
+    [[nodiscard]] RECT bounds() const override { return page_; }
 
     void paint(const Area& clip, BYTE rop, COLORREF color) override;
     void picture(const Area& clip, const Picture& picture, BYTE rop, COLORREF pattern) override;
@@ -20,7 +24,10 @@ public:
     void text(const Area& clip, const TextRun& run) override;
 
 private:
-    Pixels pixels_;
+    void strokePath(const Figures& figures, COLORREF color);
+
+    cairo_t* cairo_;
+    RECT page_;
 };
 
 }  // namespace zolgdi

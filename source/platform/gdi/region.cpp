@@ -1,4 +1,5 @@
-// Regions and rectangles.
+#include "platform/gdi/region.h"
+
 #include "platform/gdi/dc.h"
 
 #include <algorithm>
@@ -20,16 +21,9 @@ Area deviceArea(const DeviceContext& context, const Area& area) {
     }
     Area out;
     for (const RECT& rect : area.rects()) {
-        const PointD corners[] = {map(rect.left, rect.top), map(rect.right, rect.top), map(rect.left, rect.bottom),
-                                  map(rect.right, rect.bottom)};
-        PointD low = corners[0];
-        PointD high = corners[0];
-        for (const PointD corner : corners) {
-            low = {std::min(low.x, corner.x), std::min(low.y, corner.y)};
-            high = {std::max(high.x, corner.x), std::max(high.y, corner.y)};
-        }
-        const POINT a = roundToDevice(low);
-        const POINT b = roundToDevice(high);
+        const auto bounds = map.boundsOf(rect.left, rect.top, rect.right, rect.bottom);
+        const POINT a = roundToDevice(bounds.low);
+        const POINT b = roundToDevice(bounds.high);
         out = Area::combine(out, Area(RECT{a.x, a.y, b.x, b.y}), [](bool x, bool y) { return x || y; });
     }
     return out;
@@ -133,28 +127,4 @@ BOOL PaintRgn(HDC dc, HRGN region) { return zolgdi::paintRegion(dc, region, null
 BOOL FillRgn(HDC dc, HRGN region, HBRUSH brush) {
     const auto object = find<zolgdi::Brush>(brush);
     return object ? zolgdi::paintRegion(dc, region, object.get()) : FALSE;
-}
-
-BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom) {
-    if (rect == nullptr) return FALSE;
-    *rect = {left, top, right, bottom};
-    return TRUE;
-}
-
-BOOL SetRectEmpty(LPRECT rect) { return SetRect(rect, 0, 0, 0, 0); }
-
-BOOL IsRectEmpty(const RECT* rect) { return rect == nullptr || zolgdi::isEmpty(*rect) ? TRUE : FALSE; }
-
-BOOL PtInRect(const RECT* rect, POINT point) {
-    if (rect == nullptr) return FALSE;
-    return point.x >= rect->left && point.x < rect->right && point.y >= rect->top && point.y < rect->bottom ? TRUE
-                                                                                                            : FALSE;
-}
-
-BOOL IntersectRect(LPRECT out, const RECT* first, const RECT* second) {
-    if (out == nullptr || first == nullptr || second == nullptr) return FALSE;
-    const RECT common = zolgdi::intersection(*first, *second);
-    const bool none = zolgdi::isEmpty(*first) || zolgdi::isEmpty(*second) || zolgdi::isEmpty(common);
-    *out = none ? RECT{0, 0, 0, 0} : common;
-    return none ? FALSE : TRUE;
 }

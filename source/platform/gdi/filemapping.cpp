@@ -1,4 +1,4 @@
-#include "platform/gdi/mapping.h"
+#include "platform/gdi/filemapping.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
