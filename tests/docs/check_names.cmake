@@ -7,11 +7,11 @@ if(count LESS 5)
   message(FATAL_ERROR "only ${count} documents were found below ${PROJECT}")
 endif()
 
-# The text of everything that defines tests: TEST(Suite, Name) in sources, add_test(NAME name ...) in build files.
+# The text of everything that defines tests: TEST(Suite, Name) in sources, ..._test(NAME name ...) in build files.
 file(GLOB_RECURSE definitions "${PROJECT}/tests/*.cpp" "${PROJECT}/tests/*.h" "${PROJECT}/tests/CMakeLists.txt")
 set(defined "")
 foreach(file IN LISTS definitions)
-  file(STRINGS "${file}" lines REGEX "TEST[A-Z_]*\\(|add_test\\(NAME")
+  file(STRINGS "${file}" lines REGEX "TEST[A-Z_]*\\(|_test\\(NAME")
   string(APPEND defined "${lines}")
 endforeach()
 

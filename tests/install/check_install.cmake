@@ -1,14 +1,9 @@
+# Installs the project into a scratch prefix, moves that elsewhere, and builds and runs a small separate project from it.
 # usage: cmake -DWAY=package|pkgconfig -DBUILD=... -DSOURCE=... -DSCRATCH=... -DCXX=... -P check_install.cmake
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "failed (${result}): ${ARGN}\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
-
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 file(REMOVE_RECURSE ${SCRATCH})
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${SCRATCH}/prefix)
+install_into(${SCRATCH}/first)
+file(RENAME ${SCRATCH}/first ${SCRATCH}/prefix)
 
 # Nothing of the private folders may be installed.
 file(GLOB_RECURSE headers RELATIVE ${SCRATCH}/prefix/include ${SCRATCH}/prefix/include/*.h)
@@ -18,25 +13,14 @@ foreach(header IN LISTS headers)
   endif()
 endforeach()
 
+file(GLOB_RECURSE pc ${SCRATCH}/prefix/*/zolwebcs.pc)
+cmake_path(GET pc PARENT_PATH pc_dir)
+cmake_path(GET pc_dir PARENT_PATH lib_dir)
 if(WAY STREQUAL "package")
-  run(${CMAKE_COMMAND} -S ${SOURCE} -B ${SCRATCH}/build -G Ninja -DCMAKE_PREFIX_PATH=${SCRATCH}/prefix
-    -DCMAKE_CXX_COMPILER=${CXX})
-  run(${CMAKE_COMMAND} --build ${SCRATCH}/build)
+  consume_through_cmake(${SCRATCH}/build ${lib_dir}/cmake/zolwebcs -DCMAKE_CXX_COMPILER=${CXX})
   run(${SCRATCH}/build/consumer)
 else()
-  file(GLOB_RECURSE pc ${SCRATCH}/prefix/*/zolwebcs.pc)
-  cmake_path(GET pc PARENT_PATH pc_dir)
-  set(ENV{PKG_CONFIG_PATH} ${pc_dir})
-  # The installed prefix is the scratch one, not the one that the file was configured for.
-  run(pkg-config --define-variable=prefix=${SCRATCH}/prefix --cflags --libs zolwebcs)
-  string(STRIP "${output}" flags)
-  separate_arguments(flags UNIX_COMMAND "${flags}")
-  cmake_path(GET pc_dir PARENT_PATH lib_dir)
-  run(${CXX} -std=c++20 ${SOURCE}/main.cpp -o ${SCRATCH}/consumer ${flags} -Wl,-rpath,${lib_dir}
-    -Wl,-rpath-link,${lib_dir})
-  run(${SCRATCH}/consumer)
+  consume_through_pkgconfig(${SCRATCH}/build/consumer ${pc_dir} ${CXX} -Wl,-rpath,${lib_dir})
+  run(${SCRATCH}/build/consumer)
 endif()
-
-if(NOT output MATCHES "centre 0x808080, corner 0x0")
-  message(FATAL_ERROR "the consumer printed something else:\n${output}")
-endif()
+expect_consumer_output("${output}")

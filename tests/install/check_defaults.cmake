@@ -1,0 +1,21 @@
+# Who builds without our presets gets warnings, not errors: the next compiler warns of more.
+# usage: cmake -DPROJECT=... -DSCRATCH=... -DCXX=... -P check_defaults.cmake
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
+foreach(build IN ITEMS "theirs" "ours -DZOLWEBCS_WERROR=ON")
+  separate_arguments(build UNIX_COMMAND "${build}")
+  list(POP_FRONT build name)
+  file(REMOVE_RECURSE ${SCRATCH}/${name})
+  run(${CMAKE_COMMAND} -S ${PROJECT} -B ${SCRATCH}/${name} -G Ninja -DCMAKE_CXX_COMPILER=${CXX} -DZOLWEBCS_TESTS=OFF
+    -DZOLWEBCS_APPS=OFF ${build})
+  file(READ ${SCRATCH}/${name}/compile_commands.json ${name})
+endforeach()
+if(theirs MATCHES "-Werror" OR NOT theirs MATCHES "-Wall")
+  message(FATAL_ERROR "the default build treats warnings as errors, or has none")
+endif()
+if(NOT ours MATCHES "-Werror")
+  message(FATAL_ERROR "ZOLWEBCS_WERROR does nothing")
+endif()
+file(READ ${PROJECT}/CMakePresets.json presets)
+if(NOT presets MATCHES "\"ZOLWEBCS_WERROR\": \"ON\"")
+  message(FATAL_ERROR "the presets do not treat warnings as errors")
+endif()
