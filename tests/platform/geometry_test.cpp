@@ -1,12 +1,13 @@
 // Cutting, flattening and bounds of outlines in the plane.
 #include "platform/geometry.h"
 
+#include "support/test_data.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <random>
 
 namespace {
 
@@ -100,12 +101,12 @@ TEST(Geometry, SegmentsAreCutAtTheLimit) {
 }
 
 TEST(Geometry, CutSegmentsAreAllThatLiesWithinTheLimit) {
-    std::mt19937 random(20261122);
-    std::uniform_real_distribution<double> coordinate(-12.0, 12.0);
+    zoltest::Random random(20261122);
+    const auto coordinate = [&random] { return random.real(-12.0, 12.0); };
     constexpr double limit = 4.0;
     for (int round = 0; round < 5000; ++round) {
-        const Point start{coordinate(random), coordinate(random)};
-        const Point end{coordinate(random), coordinate(random)};
+        const Point start{coordinate(), coordinate()};
+        const Point end{coordinate(), coordinate()};
         const auto part = zolplatform::clipped(Segment{start, end}, limit);
         for (int i = 0; i <= 50; ++i) {
             const Point p = zolplatform::between(start, end, i / 50.0);
@@ -137,13 +138,12 @@ TEST(Geometry, PolygonsAreCutAtTheLimit) {
 }
 
 TEST(Geometry, CutPolygonsCoverTheSameWithinTheLimit) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> coordinate(-10.0, 10.0);
-    std::uniform_int_distribution<std::size_t> count(3, 7);
+    zoltest::Random random(7);
+    const auto coordinate = [&random] { return random.real(-10.0, 10.0); };
     constexpr double limit = 4.0;
     for (int round = 0; round < 300; ++round) {
-        Points polygon(count(random));
-        for (Point& p : polygon) p = {coordinate(random), coordinate(random)};
+        Points polygon(static_cast<std::size_t>(random.integer(3, 7)));
+        for (Point& p : polygon) p = {coordinate(), coordinate()};
         const Points part = zolplatform::clippedPolygon(polygon, limit);
         EXPECT_TRUE(zolplatform::areWithin(part, limit));
         for (double y = -3.95; y < limit; y += 0.37) {
