@@ -5,8 +5,14 @@
 
 #include <cairo-pdf.h>
 
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <string>
 
@@ -15,6 +21,24 @@ namespace zolgdi {
 namespace {
 
 constexpr double pointsPerInch = 72.0;
+
+/// The moment that the environment variable SOURCE_DATE_EPOCH states, in seconds since 1970, as in
+/// 2026-11-22T06:00:00Z: by it the same pages become the same bytes on every day. Empty where it states none; a
+/// document is then of now.
+std::string statedDate() {
+    const char* stated = std::getenv("SOURCE_DATE_EPOCH");
+    if (stated == nullptr) return {};
+    const char* end = stated + std::strlen(stated);
+    std::int64_t seconds = -1;
+    const auto [rest, error] = std::from_chars(stated, end, seconds);
+    constexpr std::int64_t endOfYear9999 = 253402300799;  // the last moment that a PDF date can say
+    if (error != std::errc() || rest != end || seconds < 0 || seconds > endOfYear9999) return {};
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm date{};
+    std::array<char, sizeof("YYYY-MM-DDThh:mm:ssZ")> text{};
+    if (gmtime_r(&time, &date) == nullptr) return {};
+    return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &date)};
+}
 
 /// The file of a document and what is drawn into it.
 class Document {
@@ -26,6 +50,10 @@ public:
         const double scale = pointsPerInch / capabilities.dpi;
         document->surface_ = cairo_pdf_surface_create_for_stream(
             &Document::write, document.get(), capabilities.width * scale, capabilities.height * scale);
+        const std::string date = statedDate();
+        if (!date.empty()) {
+            cairo_pdf_surface_set_metadata(document->surface_, CAIRO_PDF_METADATA_CREATE_DATE, date.c_str());
+        }
         document->cairo_ = cairo_create(document->surface_);
         cairo_scale(document->cairo_, scale, scale);
         return document;

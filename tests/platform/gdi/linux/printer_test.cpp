@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <random>
+#include <regex>
 #include <sstream>
 
 namespace zoltest {
@@ -185,6 +187,55 @@ TEST_F(PrinterTest, OtherContextsPrintNoDocuments) {
     EXPECT_LE(EndDoc(dc), 0);
     EXPECT_LE(AbortDoc(nullptr), 0);
     EXPECT_TRUE(DeleteDC(dc));
+}
+
+/// SOURCE_DATE_EPOCH while this lives; null: not set.
+class StatedDate {
+public:
+    explicit StatedDate(const char* seconds) {
+        if (const char* before = std::getenv(name)) before_ = before;
+        set(seconds);
+    }
+    ~StatedDate() { set(before_ ? before_->c_str() : nullptr); }
+    StatedDate(const StatedDate&) = delete;
+    StatedDate& operator=(const StatedDate&) = delete;
+
+private:
+    static void set(const char* seconds) { seconds != nullptr ? setenv(name, seconds, 1) : unsetenv(name); }
+
+    static constexpr const char* name = "SOURCE_DATE_EPOCH";
+    std::optional<std::string> before_;
+};
+
+TEST_F(PrinterTest, TheDateCanBeStatedSoThatTheBytesAreTheSameOnEveryDay) {
+    const auto printed = [this](const char* seconds) {
+        const StatedDate date(seconds);
+        printPage(100.0, 100.0, 300, [](HDC dc) {
+            EXPECT_TRUE(LineTo(dc, 500, 500));
+            EXPECT_TRUE(TextOutW(dc, 100, 100, L"page", 4));
+        });
+        std::ifstream in(file(), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    // Some versions of Cairo leave out the D: that marks dates when they are told one.
+    const auto creation = [](const std::string& document) {
+        std::smatch found;
+        const std::regex date(R"(/CreationDate \((?:D:)?(\d{14}\S*)\))");
+        return std::regex_search(document, found, date) ? found[1].str() : std::string();
+    };
+
+    EXPECT_EQ(creation(printed("0")), "19700101000000Z");
+    EXPECT_EQ(creation(printed("1795327445")), "20261122060405Z");
+    EXPECT_EQ(creation(printed("253402300799")), "99991231235959Z");
+    EXPECT_EQ(printed("1795327445"), printed("1795327445"));
+    // What is no such moment is as good as nothing: the document is of now.
+    const std::string year = creation(printed(nullptr)).substr(0, 4);
+    EXPECT_GE(year, "2024");
+    EXPECT_LT(year, "9999");
+    for (const char* wrong : {"", "-1", "yesterday", "12 ", "1.5", "253402300800", "99999999999999999999"}) {
+        EXPECT_GE(creation(printed(wrong)), year) << wrong;
+        EXPECT_LT(creation(printed(wrong)), "9999") << wrong;
+    }
 }
 
 TEST_F(PrinterTest, AFileThatCannotBeMadeFailsAtTheStart) {
