@@ -502,6 +502,28 @@ TEST_F(CCsEdgeEnhancementTest, ExhaustedMemoryIsReported) {
     }
 }
 
+TEST_F(CCsEdgeEnhancementTest, FilteringInPlaceStaysInsideTheMemory) {
+    zoltest::Random random(49);
+    for (const std::string& variant : SpanOperations::variants()) {
+        SpanOperations::choose(variant);
+        for (const bool colour : {false, true}) {
+            for (const long size : {1L, 3L, 8L, 41L, 100L}) {
+                GuardedRaster image(50, 41, colour ? CCS_RGB8 : CCS_GREY12, 53, 1);
+                image.memory.randomise(random);
+                const std::vector<unsigned char> before = image.memory.all();
+                EXPECT_EQ(colour ? enhancement_.edgeEnhancementRGB8(image, image, size, 2)
+                                 : enhancement_.edgeEnhancementGrey12(image, image, size, 2, 11),
+                          255);
+                const auto guard = static_cast<std::ptrdiff_t>(image.memory.guard());
+                const std::vector<unsigned char>& after = image.memory.all();
+                EXPECT_TRUE(std::equal(after.begin(), after.begin() + guard, before.begin())) << variant << size;
+                EXPECT_TRUE(std::equal(after.end() - guard, after.end(), before.end() - guard)) << variant << size;
+                EXPECT_EQ(image.GetMemBuffer()->getLockCount(), 0);
+            }
+        }
+    }
+}
+
 TEST_F(CCsEdgeEnhancementTest, RastersWithoutMemoryAreReported) {
     auto* manager = ZolMemMappedManager::getIntance();
     for (const bool sourceFails : {true, false}) {

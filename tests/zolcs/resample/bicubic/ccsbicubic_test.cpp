@@ -1,6 +1,7 @@
 #include "zolcs/ccsbicubic.h"
 
 #include "support/bicubic_members.h"
+#include "support/new_failure.h"
 #include "support/variants.h"
 #include "zolcs/resample/bicubic/cubicweights.h"
 
@@ -211,6 +212,23 @@ TEST_F(CCsBicubicTest, NothingBesideThePixelsIsRead) {
         EXPECT_EQ(bicubic_.bicubicGrey12Grey12(src, dst, trafo, 7, false, false), 255);
         EXPECT_EQ(grey(dst, 10, 10), 0x101U);
     }
+}
+
+// In a process of its own, in which nobody has built the weights.
+TEST(CCsBicubicDeathTest, WithoutMemoryForTheWeightsTheFirstConstructorThrows1) {
+    if (!zoltest::canFailNothrowNew()) GTEST_SKIP() << "the library's operator new[] cannot be reached here";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const zoltest::NothrowNewLimit limit(1);
+            try {
+                const CCsBicubic bicubic;
+            } catch (int thrown) {
+                std::exit(thrown);
+            }
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(1), "");
 }
 
 // In a process of its own: afterwards nothing can be drawn. What unload does must not free the tables again.

@@ -205,6 +205,37 @@ TEST_F(CCsBilinearTest, TheFourthByteOfAColourIsZero) {
     for (int i = 0; i < 16; ++i) EXPECT_EQ(dst.memory.pixels()[i], i % 4 == 3 ? 0 : 0xFF);
 }
 
+TEST_F(CCsBilinearTest, TheFlagsOfTwoMembersHaveNoEffect) {
+    zoltest::Random random(68);
+    for (const int capability : {0, 1}) {
+        const CapabilityGuard path(capability);
+        for (const double angle : {0.0, 30.0, 90.0}) {
+            CCs2dTrafo trafo;
+            trafo.rotate(angle);
+            GuardedRaster colours(9, 7, CCS_RGB8, 9, 1.0);
+            GuardedRaster greys(9, 7, CCS_GREY12, 9, 1.0);
+            colours.memory.randomise(random);
+            greys.memory.randomise(random);
+            const auto drawn = [&](const auto& call) {
+                GuardedImage dst(20, 20, CCS_RGB8, 20, 1.0);
+                EXPECT_EQ(call(dst), 255);
+                return dst.memory.all();
+            };
+            const auto colour = [&](bool flag) {
+                return drawn(
+                    [&](GuardedImage& dst) { return bilinear_.bilinearRgb8Rgb8(colours, dst, trafo, 7, flag); });
+            };
+            const auto mapped = [&](bool flag) {
+                return drawn([&](GuardedImage& dst) {
+                    return bilinear_.bilinearGrey12IndexMap(greys, dst, trafo, &zoltest::sharedMap(), flag, nullptr, 7);
+                });
+            };
+            EXPECT_TRUE(colour(false) == colour(true)) << angle;
+            EXPECT_TRUE(mapped(false) == mapped(true)) << angle;
+        }
+    }
+}
+
 TEST_F(CCsBilinearTest, NothingBehindTheLastPixelIsRead) {
     // The raster's memory ends with its pixels; the address sanitizer watches.
     for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 3}, std::pair{3, 1}, std::pair{2, 2}}) {
