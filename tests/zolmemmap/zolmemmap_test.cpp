@@ -1,5 +1,9 @@
 #include "zolmemmap/zolmemmap.h"
 
+#if !defined(_WIN32)
+#include "support/file_limit.h"
+#endif
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -150,6 +154,16 @@ TEST_F(ZolMemMap, ALimitBelowWhatIsInUseRefusesEverything) {
     manager().setLimit(std::numeric_limits<std::size_t>::max());
     EXPECT_NE(make(1, 0, false), nullptr);
 }
+
+#if !defined(_WIN32)
+TEST_F(ZolMemMap, AMappingThatCannotBeMadeIsNotReplacedByTheHeap) {
+    const zoltest::FileLimit limit(1000);
+    EXPECT_EQ(make(2000, 0, true), nullptr);
+    EXPECT_EQ(manager().allocateMemoryOnlyOnMap(2000), nullptr);
+    EXPECT_EQ(inUse(), 0U);
+    EXPECT_NE(make(2000, 0, false), nullptr);
+}
+#endif
 
 TEST_F(ZolMemMap, DibMemoryIsOneMappingThatTheHandleShows) {
     const Buffer buffer(manager().allocateMemoryOnlyOnMap(96));

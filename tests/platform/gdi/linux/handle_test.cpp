@@ -50,6 +50,29 @@ TEST_F(HandleTest, SavedStatesKeepWhatTheySelected) {
     EXPECT_EQ(ZolGdiObjectCount(), before - 1);
 }
 
+TEST_F(HandleTest, SavedStatesHoldNoPath) {
+    Device device(8, 8);
+    const auto collectLine = [&](int y) {
+        EXPECT_TRUE(BeginPath(device));
+        EXPECT_TRUE(MoveToEx(device, 0, y, nullptr));
+        EXPECT_TRUE(LineTo(device, 8, y));
+        EXPECT_TRUE(EndPath(device));
+    };
+    SelectObject(device, GetStockObject(WHITE_PEN));
+    collectLine(2);
+    EXPECT_EQ(SaveDC(device), 1);
+    EXPECT_TRUE(StrokePath(device));
+    EXPECT_EQ(device.pixel(3, 2), 0x00FFFFFFU);
+    EXPECT_TRUE(RestoreDC(device, 1));
+    EXPECT_FALSE(StrokePath(device)) << "the path was used up and does not come back";
+
+    EXPECT_EQ(SaveDC(device), 1);
+    collectLine(5);
+    EXPECT_TRUE(RestoreDC(device, 1));
+    EXPECT_TRUE(StrokePath(device)) << "a path that was collected since stays";
+    EXPECT_EQ(device.pixel(3, 5), 0x00FFFFFFU);
+}
+
 TEST_F(HandleTest, AStaleHandleDoesNotNameItsSlotsNextObject) {
     HPEN first = CreatePen(PS_SOLID, 0, 0);
     EXPECT_TRUE(DeleteObject(first));
