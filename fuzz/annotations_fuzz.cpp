@@ -1,6 +1,6 @@
 // A file of annotations with anything in it: drawn over a small picture and burnt into it, or refused.
 #include "viewing/annotations/annotations.h"
-#include "viewing/display/render.h"
+#include "viewing/render.h"
 
 #include <cstdlib>
 #include <string>
@@ -24,18 +24,18 @@ viewing::StoredImage smallImage(bool tall) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Numbers are taken from the end, so that an example file is a good seed.
     zolfuzz::Bytes in(data, size);
-    viewing::RenderOptions options;
-    options.size = viewing::Size{48, 40};
-    options.zoom = in.ConsumeBool() ? 1.0 : in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
-    options.degrees = in.ConsumeBool() ? 0.0 : in.ConsumeFloatingPointInRange(-360.0, 360.0);
-    options.burnIn = in.ConsumeBool();
+    viewing::DisplaySettings settings;
+    settings.size = viewing::Size{48, 40};
+    settings.zoom = in.ConsumeBool() ? 1.0 : in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
+    settings.degrees = in.ConsumeBool() ? 0.0 : in.ConsumeFloatingPointInRange(-360.0, 360.0);
+    settings.burnIn = in.ConsumeBool();
     const bool tall = in.ConsumeBool();
     const unsigned int before = ZolGdiObjectCount();
     try {
-        options.annotations = viewing::parseAnnotations(in.ConsumeRemainingBytesAsString());
-        if (options.annotations.size() > 20) options.annotations.resize(20);
+        settings.annotations = viewing::parseAnnotations(in.ConsumeRemainingBytesAsString());
+        if (settings.annotations.size() > 20) settings.annotations.resize(20);
         std::vector<std::string> notes;
-        static_cast<void>(viewing::render(smallImage(tall), options, notes));
+        static_cast<void>(viewing::render(smallImage(tall), settings, notes));
     } catch (const viewing::Refusal&) {
         // as it should be
     }

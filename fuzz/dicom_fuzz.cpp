@@ -1,7 +1,8 @@
 // A DICOM file with anything in it: read, described and shown, or refused; and its tables and palette for another
 // image.
-#include "viewing/display/render.h"
-#include "viewing/input.h"
+#include "viewing/describe.h"
+#include "viewing/open.h"
+#include "viewing/render.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -28,18 +29,18 @@ private:
     int descriptor_;
 };
 
-viewing::RenderOptions viewOptions(zolfuzz::Bytes& in) {
-    viewing::RenderOptions options;
-    options.size = viewing::Size{in.ConsumeIntegralInRange(1, 90), in.ConsumeIntegralInRange(1, 90)};
-    if (in.ConsumeBool()) options.window = viewing::Window{in.ConsumeFloatingPointInRange(-1e9, 1e9), 400.0};
-    options.flip = in.ConsumeBool() ? viewing::Flip::Horizontal : viewing::Flip::None;
-    options.degrees = in.ConsumeFloatingPointInRange(-720.0, 720.0);
-    options.zoom = in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
-    options.pan.x = in.ConsumeFloatingPointInRange(-viewing::maxPan, viewing::maxPan);
-    options.invert = in.ConsumeBool();
-    options.background = in.ConsumeIntegralInRange(0, 255);
-    if (in.ConsumeBool()) options.palette = viewing::wellKnownPalette("PET");
-    return options;
+viewing::DisplaySettings viewOptions(zolfuzz::Bytes& in) {
+    viewing::DisplaySettings settings;
+    settings.size = viewing::Size{in.ConsumeIntegralInRange(1, 90), in.ConsumeIntegralInRange(1, 90)};
+    if (in.ConsumeBool()) settings.window = viewing::Window{in.ConsumeFloatingPointInRange(-1e9, 1e9), 400.0};
+    settings.flip = in.ConsumeBool() ? viewing::Flip::Horizontal : viewing::Flip::None;
+    settings.degrees = in.ConsumeFloatingPointInRange(-720.0, 720.0);
+    settings.zoom = in.ConsumeFloatingPointInRange(viewing::minZoom, viewing::maxZoom);
+    settings.pan.x = in.ConsumeFloatingPointInRange(-viewing::maxPan, viewing::maxPan);
+    settings.invert = in.ConsumeBool();
+    settings.background = in.ConsumeIntegralInRange(0, 255);
+    if (in.ConsumeBool()) settings.palette = viewing::wellKnownPalette("PET");
+    return settings;
 }
 
 /// Refusals are as good as pictures.
@@ -55,29 +56,29 @@ void attempt(Action action) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Numbers are taken from the end, so that a sample file without its options is a good seed.
+    // Numbers are taken from the end, so that a sample file without its settings is a good seed.
     zolfuzz::Bytes in(data, size);
-    const viewing::RenderOptions options = viewOptions(in);
-    viewing::LoadOptions load;
+    const viewing::DisplaySettings settings = viewOptions(in);
+    viewing::OpenSettings load;
     load.frame = in.ConsumeIntegralInRange(0, 3);
     if (in.ConsumeBool()) load.voi = in.ConsumeIntegralInRange(0, 4);
     const bool lends = in.ConsumeBool();
     const MemoryFile file(in.ConsumeRemainingBytes<std::uint8_t>());
-    const auto show = [](const viewing::StoredImage& image, const viewing::RenderOptions& wanted) {
+    const auto show = [](const viewing::StoredImage& image, const viewing::DisplaySettings& wanted) {
         std::vector<std::string> notes;
         static_cast<void>(viewing::render(image, wanted, notes));
     };
-    attempt([&] { static_cast<void>(viewing::describeInput(file.path())); });
-    attempt([&] { show(viewing::loadInput(file.path(), load), options); });
+    attempt([&] { static_cast<void>(viewing::describe(file.path())); });
+    attempt([&] { show(viewing::openImage(file.path(), load), settings); });
     // Whether or not it is an image, its tables and its palette may serve another one.
     if (!lends) return 0;
-    attempt([&] { show(viewing::loadInput("phantom", {1, {}, file.path(), "", ""}), options); });
-    attempt([&] { show(viewing::loadInput("phantom", {1, load.voi, "", file.path(), ""}), options); });
-    attempt([&] { show(viewing::loadInput("phantom", {1, {}, "", "", file.path()}), options); });
+    attempt([&] { show(viewing::openImage("phantom", {1, {}, file.path(), "", ""}), settings); });
+    attempt([&] { show(viewing::openImage("phantom", {1, load.voi, "", file.path(), ""}), settings); });
+    attempt([&] { show(viewing::openImage("phantom", {1, {}, "", "", file.path()}), settings); });
     attempt([&] {
-        viewing::RenderOptions coloured = options;
-        coloured.palette = viewing::loadPalette(file.path());
-        show(viewing::loadInput("phantom", {}), coloured);
+        viewing::DisplaySettings coloured = settings;
+        coloured.palette = viewing::openPalette(file.path());
+        show(viewing::openImage("phantom", {}), coloured);
     });
     return 0;
 }

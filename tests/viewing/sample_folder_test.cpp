@@ -1,8 +1,8 @@
 // Every file of the sample folder: shown, or refused with the words that are expected.
 #include "support/test_data.h"
-#include "viewing/dicom/dicom_input.h"
-#include "viewing/display/render.h"
-#include "viewing/input.h"
+#include "viewing/dicom/dicom_file.h"
+#include "viewing/render.h"
+#include "viewing/open.h"
 
 #include <gtest/gtest.h>
 
@@ -36,11 +36,11 @@ TEST(SampleFolder, EveryFileIsShownOrRefusedAsExpected) {
         const std::string expected = expectedRefusal(entry.path());
         std::string refusal;
         try {
-            const StoredImage image = loadInput(entry.path().string(), {});
-            RenderOptions options;
-            options.size = Size{200, 160};
+            const StoredImage image = openImage(entry.path().string(), {});
+            DisplaySettings settings;
+            settings.size = Size{200, 160};
             std::vector<std::string> notes;
-            const Picture picture = render(image, options, notes);
+            const Picture picture = render(image, settings, notes);
             EXPECT_GT(std::count_if(picture.pixels.begin(), picture.pixels.end(),
                                     [](std::uint32_t pixel) { return pixel != 0; }),
                       100)
@@ -58,24 +58,24 @@ TEST(SampleFolder, EveryFileIsShownOrRefusedAsExpected) {
 TEST(SampleFolder, OneImageInSixEncodingsIsOneImage) {
     const std::filesystem::path folder = zoltest::sampleFolder();
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
-    const StoredImage base = loadInput((folder / "syntax/MR_small.dcm").string(), {});
+    const StoredImage base = openImage((folder / "syntax/MR_small.dcm").string(), {});
     for (const char* name : {"implicit", "bigendian", "RLE", "jpeg_ls_lossless", "jp2klossless"}) {
         const StoredImage other =
-            loadInput((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string(), {});
+            openImage((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string(), {});
         EXPECT_EQ(other.samples, base.samples) << name;
         EXPECT_EQ(other.window, base.window) << name;
     }
 }
 
-Picture showSample(const std::filesystem::path& path, const LoadOptions& load = {}, const RenderOptions& options = {}) {
+Picture showSample(const std::filesystem::path& path, const OpenSettings& load = {}, const DisplaySettings& settings = {}) {
     std::vector<std::string> notes;
-    return render(loadInput(path.string(), load), options, notes);
+    return render(openImage(path.string(), load), settings, notes);
 }
 
 TEST(SampleFolder, ThreeTablesMakeACleanRampOfTheScrambledImage) {
     const std::filesystem::path folder = zoltest::sampleFolder();
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
-    LoadOptions tables;
+    OpenSettings tables;
     tables.modalityFile = tables.voiFile = tables.presentationFile = (folder / "xlut_p03_gsps.dcm").string();
     const Picture picture = showSample(folder / "xlut_image.dcm", tables);
     // A ramp of all greys above one of sixteen steps. The last row is not scrambled, and no part of them.
@@ -101,9 +101,9 @@ TEST(SampleFolder, EveryDeepValueIsMonotonicUnderEveryWindow) {
                                 {65535.0, 2.0},
                                 {-100.0, 1000.0},
                                 {70000.0, 9000.0}}) {
-        RenderOptions options;
-        options.window = window;
-        const Picture picture = showSample(chart, {}, options);
+        DisplaySettings settings;
+        settings.window = window;
+        const Picture picture = showSample(chart, {}, settings);
         for (std::size_t value = 1; value < byValue.size(); ++value)
             ASSERT_LE(picture.pixels[byValue[value - 1]], picture.pixels[byValue[value]])
                 << window.centre << '/' << window.width << " at " << value;
@@ -121,12 +121,12 @@ TEST(SampleFolder, EveryFrameIsThere) {
     const std::filesystem::path folder = zoltest::sampleFolder();
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
     const std::filesystem::path film = folder / "us_ybr422_jpeg_30fr.dcm";
-    LoadOptions load;
+    OpenSettings load;
     const Picture first = showSample(film);
     load.frame = 30;
     EXPECT_NE(showSample(film, load).pixels, first.pixels);
     load.frame = 31;
-    EXPECT_THROW(loadInput(film.string(), load), Refusal);
+    EXPECT_THROW(openImage(film.string(), load), Refusal);
 }
 
 TEST(SampleFolder, EveryStoredValueHasItsLevel) {

@@ -1,6 +1,6 @@
 #include "viewing/dicom/dicom_attributes.h"
 
-#include "viewing/image/numbers.h"
+#include "viewing/text/numbers.h"
 
 #include <algorithm>
 #include <iterator>

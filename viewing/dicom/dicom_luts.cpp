@@ -1,8 +1,8 @@
 #include "viewing/dicom/dicom_luts.h"
 
 #include "viewing/dicom/segmented_table.h"
-#include "viewing/image/numbers.h"
-#include "viewing/image/windowing.h"
+#include "viewing/image/window.h"
+#include "viewing/text/numbers.h"
 
 #include <algorithm>
 #include <bit>

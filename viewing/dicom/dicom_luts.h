@@ -2,8 +2,8 @@
 #pragma once
 
 #include "viewing/dicom/dicom_attributes.h"
-#include "viewing/image/lut_choice.h"
 #include "viewing/image/stored_image.h"
+#include "viewing/image/voi_choice.h"
 
 #include <optional>
 #include <string>

@@ -45,8 +45,8 @@ void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, co
     const Extremes extremes = findExtremes(words, format, padding);
     const int range = extremes.high - extremes.low;
     // Up to 12 bits the levels do not depend on the pixels, so that pictures of one series compare level by level.
-    image.levels = format.bitsStored > 12 && range >= rasterLevels ? deepLevels : rasterLevels;
-    if (format.bitsStored > 12 && image.levels == rasterLevels) {
+    image.levels = format.bitsStored > 12 && range >= levels12 ? levels16 : levels12;
+    if (format.bitsStored > 12 && image.levels == levels12) {
         image.lowest = extremes.low;
     } else {
         image.lowest = format.isSigned ? -(1 << (format.bitsStored - 1)) : 0;

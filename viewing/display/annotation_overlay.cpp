@@ -1,6 +1,6 @@
 #include "viewing/display/annotation_overlay.h"
 
-#include "viewing/display/fonts.h"
+#include "viewing/display/font.h"
 #include "zolcs/ccsline.h"
 #include "zolcs/ccstext.h"
 

@@ -1,7 +1,7 @@
 #include "viewing/display/colour_map.h"
 
 #include "viewing/display/image_pixels.h"
-#include "viewing/image/windowing.h"
+#include "viewing/display/raster_window.h"
 #include "zolcs/ccsraster.h"
 
 #include <cstdint>

@@ -34,9 +34,7 @@ bool agrees(IGreyMap& map, const GreyTransform& transform) {
 }
 
 /// Only the 12-bit map takes a presentation table as DICOM means it; the 16-bit one looks stored values up in it.
-bool mapPresents(const GreyTransform& transform) {
-    return transform.presentation() && transform.levels() == rasterLevels;
-}
+bool mapPresents(const GreyTransform& transform) { return transform.presentation() && transform.levels() == levels12; }
 
 /// The presentation table in greys.
 void setPresentation(IGreyMap& map, const LookupTable& table) {
@@ -68,7 +66,7 @@ void setTable(IGreyMap& map, const GreyTransform& transform) {
 }  // namespace
 
 std::unique_ptr<IGreyMap> makeGreyMap(const GreyTransform& transform) {
-    const bool deep = transform.levels() == deepLevels;
+    const bool deep = transform.levels() == levels16;
     std::unique_ptr<IMap> created(MapFactory::CreateMap(deep ? MapFactory::Grey16 : MapFactory::Grey12));
     std::unique_ptr<IGreyMap> map(dynamic_cast<IGreyMap*>(created.get()));
     if (map == nullptr) throw Refusal("not enough memory");

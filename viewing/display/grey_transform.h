@@ -1,8 +1,8 @@
 // From levels to grey as DICOM defines it: modality, values of interest, presentation.
 #pragma once
 
+#include "viewing/display/raster_window.h"
 #include "viewing/image/stored_image.h"
-#include "viewing/image/windowing.h"
 
 #include <optional>
 

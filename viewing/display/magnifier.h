@@ -1,7 +1,7 @@
 // A round magnifying glass over a part of the picture.
 #pragma once
 
-#include "viewing/display/render_options.h"
+#include "viewing/display/settings.h"
 #include "zolcs/ccs2dtrafo.h"
 
 class CCsFrame;

@@ -52,7 +52,7 @@ BitPlane hiddenPixels(const StoredImage& image) {
 
 int rasterType(const StoredImage& image) {
     if (image.isColour()) return CCS_RGB8;
-    return image.levels == deepLevels ? CCS_GREY16 : CCS_GREY12;
+    return image.levels == levels16 ? CCS_GREY16 : CCS_GREY12;
 }
 
 /// The pixels of a colour raster under the set bits of a plane, which lies inside it.
@@ -75,16 +75,16 @@ void copyPixels(CCsImage& from, CCsImage& to, Pixel kept) {
 
 }  // namespace
 
-RasterSetup::RasterSetup(const StoredImage& image, const RenderOptions& options)
+RasterSetup::RasterSetup(const StoredImage& image, const DisplaySettings& settings)
     : raster_(image.width, image.height, rasterType(image), image.ratioYx, true, false), padding_(image.padding) {
     if (image.isColour()) {
-        showColours(image, options);
+        showColours(image, settings);
         return;
     }
     copySamples(image);
-    if (options.sharpening) sharpen(*options.sharpening);
-    if (options.shutters) setShutters(image);
-    if (options.overlays) setOverlays(image);
+    if (settings.sharpening) sharpen(*settings.sharpening);
+    if (settings.shutters) setShutters(image);
+    if (settings.overlays) setOverlays(image);
 }
 
 void RasterSetup::copySamples(const StoredImage& image) {
@@ -92,16 +92,16 @@ void RasterSetup::copySamples(const StoredImage& image) {
     ImagePixels<std::uint16_t>(raster_).forEach([&sample](std::uint16_t& pixel) { pixel = *sample++; });
 }
 
-void RasterSetup::showColours(const StoredImage& image, const RenderOptions& options) {
-    mapColours(image, options.window, raster_);
-    if (options.sharpening) sharpen(*options.sharpening);
+void RasterSetup::showColours(const StoredImage& image, const DisplaySettings& settings) {
+    mapColours(image, settings.window, raster_);
+    if (settings.sharpening) sharpen(*settings.sharpening);
     const ImagePixels<std::uint32_t> pixels(raster_);
-    if (options.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
-    if (options.shutters && image.shutters.any()) {
+    if (settings.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
+    if (settings.shutters && image.shutters.any()) {
         const std::uint32_t grey = (image.shutters.presentationValue >> 8) * 0x010101U;
         paintBits(pixels, hiddenPixels(image), {0, 0}, grey);
     }
-    if (!options.overlays) return;
+    if (!settings.overlays) return;
     // The first plane lies on top, as it does on grey images.
     for (auto plane = image.overlays.rbegin(); plane != image.overlays.rend(); ++plane)
         paintBits(pixels, plane->bits, plane->origin, colourOf(plane->kind));

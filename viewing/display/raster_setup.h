@@ -1,7 +1,7 @@
 // A stored image as the library's raster, with all that belongs to it.
 #pragma once
 
-#include "viewing/display/render_options.h"
+#include "viewing/display/settings.h"
 #include "viewing/image/stored_image.h"
 #include "zolcs/ccsraster.h"
 
@@ -19,8 +19,8 @@ inline constexpr unsigned int regionColour = 0x00D0FF;    // cyan
 /// records refer.
 class RasterSetup {
 public:
-    /// Of a colour image, the raster has display colours, in which `options` are already done.
-    RasterSetup(const StoredImage& image, const RenderOptions& options);
+    /// Of a colour image, the raster has display colours, in which `settings` are already done.
+    RasterSetup(const StoredImage& image, const DisplaySettings& settings);
 
     [[nodiscard]] CCsRaster& raster() { return raster_; }
     /// The padding bits, null where there are none.
@@ -34,7 +34,7 @@ public:
 
     /// Interpolating bilinearly, the library counts only a part of the vertical position of 12-bit pixels; they are
     /// taken for 16-bit ones then. Not for rasters with embedded planes.
-    void countAsDeep() { raster_.countAsDeep(); }
+    void takeAsGrey16() { raster_.takeAsGrey16(); }
 
     /// Writes an overlay into the pixels: lines in the highest level and shadows in the lowest, the other way round
     /// when `inverted`, so that lines are white on the screen; in colour images, lines are white. Embedded planes stay
@@ -46,13 +46,13 @@ private:
     class Raster : public CCsRaster {
     public:
         using CCsRaster::CCsRaster;
-        void countAsDeep() { type = CCS_GREY16; }
+        void takeAsGrey16() { type = CCS_GREY16; }
     };
 
     void copySamples(const StoredImage& image);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
-    void showColours(const StoredImage& image, const RenderOptions& options);
+    void showColours(const StoredImage& image, const DisplaySettings& settings);
     void sharpen(const Sharpening& sharpening);
     void burnInGrey(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, HFONT font, bool inverted);
 

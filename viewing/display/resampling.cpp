@@ -51,16 +51,16 @@ void fillBackground(CCsFrame& frame, const std::vector<bool>& background, int gr
 /// black. So black is the only background that it is asked for; another grey goes where a run without padding finds
 /// background, which is the same place for every interpolation.
 void resampleByLoops(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map,
-                     const RenderOptions& options) {
+                     const DisplaySettings& settings) {
     CCsRaster& raster = setup.raster();
     std::vector<bool> outside;
-    if (options.background != 0) outside = findBackground(raster, frame, view);
-    switch (options.interpolation) {
+    if (settings.background != 0) outside = findBackground(raster, frame, view);
+    switch (settings.interpolation) {
         case Interpolation::Nearest:
             CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
             break;
         case Interpolation::Bilinear:
-            setup.countAsDeep();
+            setup.takeAsGrey16();
             CCsBilinear().bilinearGrey12IndexMap(raster, frame, view, &map, false, setup.padding(), 0);
             break;
         case Interpolation::Bicubic:
@@ -68,7 +68,7 @@ void resampleByLoops(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGre
             break;
     }
     ReportLog::check();
-    if (options.background != 0) fillBackground(frame, outside, options.background);
+    if (settings.background != 0) fillBackground(frame, outside, settings.background);
 }
 
 int accelerateGrey(CCsRaster& values, CCsRaster& picture, CCs2dTrafo& view, Interpolation interpolation) {
@@ -85,35 +85,35 @@ int accelerateGrey(CCsRaster& values, CCsRaster& picture, CCs2dTrafo& view, Inte
 /// The levels are drawn with so much added that no overshoot of the cubic comes near the background's 0, and mapped
 /// afterwards. False, with nothing reported, when the primitives cannot draw the view.
 bool resampleByPrimitives(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map,
-                          const RenderOptions& options) {
-    static constexpr int lift = rasterLevels;
+                          const DisplaySettings& settings) {
+    static constexpr int lift = levels12;
     CCsRaster& raster = setup.raster();
     CCsRaster values(raster.getWidth(), raster.getHeight(), CCS_GREY16, raster.getRatioYx(), true, false);
     const ImagePixels<std::uint16_t> lifted(values);
     const ImagePixels<std::uint16_t> stored(raster);
     for (int y = 0; y < raster.getHeight(); ++y) {
         std::transform(stored.row(y), stored.row(y) + raster.getWidth(), lifted.row(y), [](std::uint16_t sample) {
-            return static_cast<std::uint16_t>((sample & (rasterLevels - 1)) + lift);
+            return static_cast<std::uint16_t>((sample & (levels12 - 1)) + lift);
         });
     }
     CCsRaster picture(frame.getWidth(), frame.getHeight(), CCS_GREY12, frame.getRatioYx(), true, false);
-    if (accelerateGrey(values, picture, view, options.interpolation) != done) {
+    if (accelerateGrey(values, picture, view, settings.interpolation) != done) {
         ReportLog::forget();
         return false;
     }
     std::vector<bool> outside;
     ImagePixels<std::uint16_t>(picture).forEach([&outside](std::uint16_t& value) {
         outside.push_back(value == 0);
-        value = static_cast<std::uint16_t>(std::clamp(int{value}, lift, lift + rasterLevels - 1) - lift);
+        value = static_cast<std::uint16_t>(std::clamp(int{value}, lift, lift + levels12 - 1) - lift);
     });
     mapInto(setup, picture, frame, map, nullptr);
-    fillBackground(frame, outside, options.background);
+    fillBackground(frame, outside, settings.background);
     return true;
 }
 
-int accelerateColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const RenderOptions& options) {
-    const auto background = static_cast<unsigned char>(options.background);
-    switch (options.interpolation) {
+int accelerateColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const DisplaySettings& settings) {
+    const auto background = static_cast<unsigned char>(settings.background);
+    switch (settings.interpolation) {
         case Interpolation::Nearest:
             return CCsNearest().nearestIPPRgb8Rgb8(raster, frame, view, background);
         case Interpolation::Bilinear:
@@ -129,11 +129,11 @@ void noteNotAccelerated(std::vector<std::string>& notes) {
 
 }  // namespace
 
-bool mapsFirst(RasterSetup& setup, const RenderOptions& options) {
+bool mapsFirst(RasterSetup& setup, const DisplaySettings& settings) {
     const CCsRaster& raster = setup.raster();
     if (raster.getType() == CCS_GREY16) return true;
-    return options.accelerated && (raster.isShutter() || raster.isNonEmbeddedOverlayPresent() ||
-                                   raster.isEmbeddedOverlayPresent() || setup.padding() != nullptr);
+    return settings.accelerated && (raster.isShutter() || raster.isNonEmbeddedOverlayPresent() ||
+                                    raster.isEmbeddedOverlayPresent() || setup.padding() != nullptr);
 }
 
 std::unique_ptr<CCsRaster> mapWhole(RasterSetup& setup, IGreyMap& map) {
@@ -151,24 +151,24 @@ std::unique_ptr<CCsRaster> mapWhole(RasterSetup& setup, IGreyMap& map) {
     return shown;
 }
 
-void resampleGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map, const RenderOptions& options,
+void resampleGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMap& map, const DisplaySettings& settings,
                   std::vector<std::string>& notes) {
-    if (options.accelerated) {
-        if (resampleByPrimitives(setup, frame, view, map, options)) return;
+    if (settings.accelerated) {
+        if (resampleByPrimitives(setup, frame, view, map, settings)) return;
         noteNotAccelerated(notes);
     }
-    resampleByLoops(setup, frame, view, map, options);
+    resampleByLoops(setup, frame, view, map, settings);
 }
 
-void resampleColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const RenderOptions& options,
+void resampleColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const DisplaySettings& settings,
                      std::vector<std::string>& notes) {
-    if (options.accelerated) {
-        if (accelerateColours(raster, frame, view, options) == done) return;
+    if (settings.accelerated) {
+        if (accelerateColours(raster, frame, view, settings) == done) return;
         ReportLog::forget();
         noteNotAccelerated(notes);
     }
-    const unsigned long background = backgroundPixel(options.background);
-    switch (options.interpolation) {
+    const unsigned long background = backgroundPixel(settings.background);
+    switch (settings.interpolation) {
         case Interpolation::Nearest:
             CCsNearest().nearestRgb8Rgb8(raster, frame, view, background);
             break;

@@ -17,7 +17,7 @@ StoredImage withSeparatePlanes(StoredImage image) {
     for (const PlaneKind kind : {PlaneKind::Graphics, PlaneKind::RegionOfInterest})
         for (const EmbeddedPlane& plane : image.embedded)
             if (plane.kind == kind) image.overlays.push_back(separated(image, plane));
-    for (std::uint16_t& sample : image.samples) sample &= rasterLevels - 1;
+    for (std::uint16_t& sample : image.samples) sample &= levels12 - 1;
     image.embedded.clear();
     return image;
 }

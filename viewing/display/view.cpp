@@ -6,27 +6,27 @@
 
 namespace viewing {
 
-CCs2dTrafo makeView(const CCsImage& image, const CCsImage& frame, const RenderOptions& options) {
+CCs2dTrafo makeView(const CCsImage& image, const CCsImage& frame, const DisplaySettings& settings) {
     CCs2dTrafo view;
     view.setSizes(image, frame);
-    if (options.flip == Flip::Horizontal) view.mirror(CCS_HORIZONTAL);
-    if (options.flip == Flip::Vertical) view.mirror(CCS_VERTICAL);
+    if (settings.flip == Flip::Horizontal) view.mirror(CCS_HORIZONTAL);
+    if (settings.flip == Flip::Vertical) view.mirror(CCS_VERTICAL);
     // x grows right and y down, so that a positive angle turns clockwise on the screen.
-    view.rotate(std::fmod(options.degrees, 360.0));
+    view.rotate(std::fmod(settings.degrees, 360.0));
 
-    if (options.zoom != 1.0) {
+    if (settings.zoom != 1.0) {
         // After a quarter turn the transformation fits the turned image at scale 1 and the upright one at all other
         // scales. A magnification must start from what zoom 1 shows, so the fit is taken out here.
         double fit = 1.0;
         double zoomed = 1.0;
         view.getDspScaleFactor(fit);
         view.setFitIntoSegementMode(false);
-        view.scale2dMatrix(options.zoom);
+        view.scale2dMatrix(settings.zoom);
         view.getDspScaleFactor(zoomed);
-        view.scale2dMatrix(fit * options.zoom / zoomed);
+        view.scale2dMatrix(fit * settings.zoom / zoomed);
     }
 
-    setPan(view, options.pan.x, options.pan.y);
+    setPan(view, settings.pan.x, settings.pan.y);
     return view;
 }
 

@@ -167,7 +167,7 @@ StoredImage makePhantom() {
     image.samples.assign(static_cast<std::size_t>(phantomWidth) * phantomHeight, background);
     image.padding = BitPlane(phantomWidth, phantomHeight);
     image.maxLevel = white;
-    image.voi = {{"", Window{rasterLevels / 2.0, rasterLevels}, WindowFunction::Linear, {}, {}, {}}};
+    image.voi = {{"", Window{levels12 / 2.0, levels12}, WindowFunction::Linear, {}, {}, {}}};
     image.window = image.voi.front().window;
 
     Canvas canvas(image);

@@ -1,8 +1,8 @@
 // Frames of Pixel Data in every encoding, sound and broken.
 #include "support/dicom_writer.h"
 #include "support/jpeg2000_codestream.h"
-#include "viewing/dicom/dicom_input.h"
-#include "viewing/input.h"
+#include "viewing/dicom/dicom_file.h"
+#include "viewing/open.h"
 
 #include <dcmtk/dcmdata/dcpixseq.h>
 #include <dcmtk/dcmdata/dcpxitem.h>
@@ -21,9 +21,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 StoredImage load(DicomWriter& writer, int frame = 1, E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
     const TemporaryFolder folder;
-    LoadOptions options;
-    options.frame = frame;
-    return loadInput(writer.save(folder, syntax), options);
+    OpenSettings settings;
+    settings.frame = frame;
+    return openImage(writer.save(folder, syntax), settings);
 }
 
 std::string refusal(DicomWriter& writer, int frame = 1, E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
@@ -201,7 +201,7 @@ TEST(DicomFrame, Jpeg2000InOneFragmentOrMany) {
         writer.format(16, 16, 15, 1);
         putFragments(writer, EXS_JPEG2000LosslessOnly, fragments);
         const StoredImage image = load(writer, 1, EXS_JPEG2000LosslessOnly);
-        EXPECT_EQ(image.levels, deepLevels);
+        EXPECT_EQ(image.levels, levels16);
         for (int i = 0; i < 8; ++i) EXPECT_EQ(image.samples[static_cast<std::size_t>(i)] - 32768, -4000 + 1000 * i);
     }
 }

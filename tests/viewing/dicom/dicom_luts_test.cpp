@@ -1,7 +1,7 @@
 // Tables and windows as files carry them, and the choice among them.
 #include "support/dicom_writer.h"
-#include "viewing/dicom/dicom_input.h"
-#include "viewing/input.h"
+#include "viewing/dicom/dicom_file.h"
+#include "viewing/open.h"
 
 #include <gtest/gtest.h>
 
@@ -14,25 +14,25 @@ using zoltest::DicomWriter;
 using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
 
-StoredImage load(DicomWriter& writer, const LoadOptions& options = {},
+StoredImage load(DicomWriter& writer, const OpenSettings& settings = {},
                  E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
     const TemporaryFolder folder;
-    return loadInput(writer.save(folder, syntax), options);
+    return openImage(writer.save(folder, syntax), settings);
 }
 
-std::string refusal(DicomWriter& writer, const LoadOptions& options = {}) {
+std::string refusal(DicomWriter& writer, const OpenSettings& settings = {}) {
     try {
-        load(writer, options);
+        load(writer, settings);
     } catch (const Refusal& refused) {
         return refused.what();
     }
     return {};
 }
 
-LoadOptions voi(int number) {
-    LoadOptions options;
-    options.voi = number;
-    return options;
+OpenSettings voi(int number) {
+    OpenSettings settings;
+    settings.voi = number;
+    return settings;
 }
 
 TEST(DicomLuts, AllWindowsAndTablesAreListedAndChosen) {
@@ -74,7 +74,7 @@ TEST(DicomLuts, WhatIsNotChosenMayBeBroken) {
     writer.lut(DCM_VOILUTSequence, {3, 5, 12}, {1, 4095}).lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2});
     EXPECT_EQ(refusal(writer), "has a VOI LUT with 2 of 3 entries");
     EXPECT_EQ(load(writer, voi(2)).voiTable->entries, (Words{1, 2}));
-    LoadOptions own;
+    OpenSettings own;
     own.ownWindow = true;
     EXPECT_FALSE(load(writer, own).voiTable);
 
@@ -149,12 +149,12 @@ TEST(DicomLuts, TablesFromOtherFilesAreSignedAsTheImageIs) {
     const TemporaryFolder folder;
     DicomWriter lender(1, 1);
     lender.lut(DCM_ModalityLUTSequence, {2, -3, 8}, {1, 2});
-    LoadOptions options;
-    options.modalityFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
+    OpenSettings settings;
+    settings.modalityFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
     DicomWriter writer(2, 2);
-    EXPECT_EQ(load(writer, options).modality->first, 65533);
+    EXPECT_EQ(load(writer, settings).modality->first, 65533);
     writer.format(16, 12, 11, 1);
-    EXPECT_EQ(load(writer, options).modality->first, -3);
+    EXPECT_EQ(load(writer, settings).modality->first, -3);
 }
 
 TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
@@ -185,9 +185,9 @@ TEST(DicomLuts, OtherFilesLendTheirTables) {
     DicomWriter writer(2, 2);
     writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "400").put(DCM_RescaleSlope, "3");
     writer.put(DCM_PhotometricInterpretation, "MONOCHROME1");
-    LoadOptions options;
-    options.modalityFile = options.voiFile = options.presentationFile = lender;
-    const StoredImage image = load(writer, options);
+    OpenSettings settings;
+    settings.modalityFile = settings.voiFile = settings.presentationFile = lender;
+    const StoredImage image = load(writer, settings);
     EXPECT_EQ(image.modality->entries, (Words{1, 2}));
     EXPECT_EQ(image.voiTable->entries, (Words{5, 6}));
     EXPECT_FALSE(image.window);
@@ -195,17 +195,17 @@ TEST(DicomLuts, OtherFilesLendTheirTables) {
     // A presentation state says all about black and white.
     EXPECT_FALSE(image.inverted);
 
-    options.voi = 2;
-    const StoredImage second = load(writer, options);
+    settings.voi = 2;
+    const StoredImage second = load(writer, settings);
     EXPECT_EQ(second.window, (Window{7.0, 8.0}));
     EXPECT_EQ(second.function, WindowFunction::Sigmoid);
     EXPECT_FALSE(second.voiTable);
-    options.voi = 3;
-    EXPECT_EQ(refusal(writer, options),
+    settings.voi = 3;
+    EXPECT_EQ(refusal(writer, settings),
               "has no window or VOI LUT 3, but 1: table of 2 entries from 0, 8 bits; 2: window, centre 7, width 8, "
               "sigmoid");
 
-    const StoredImage phantom = loadInput("phantom", {1, {}, lender, lender, lender});
+    const StoredImage phantom = openImage("phantom", {1, {}, lender, lender, lender});
     EXPECT_EQ(phantom.modality->entries, (Words{1, 2}));
     EXPECT_EQ(phantom.voiTable->entries, (Words{5, 6}));
 }
@@ -216,9 +216,9 @@ TEST(DicomLuts, OtherFilesLendSlopeAndShape) {
     lender.put(DCM_RescaleSlope, "2").put(DCM_RescaleIntercept, "-9").put(DCM_PresentationLUTShape, "INVERSE");
     DicomWriter writer(2, 2);
     writer.lut(DCM_ModalityLUTSequence, {2, 0, 8}, {1, 2}).lut(DCM_PresentationLUTSequence, {2, 0, 8}, {3, 4});
-    LoadOptions options;
-    options.modalityFile = options.presentationFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
-    const StoredImage image = load(writer, options);
+    OpenSettings settings;
+    settings.modalityFile = settings.presentationFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
+    const StoredImage image = load(writer, settings);
     EXPECT_FALSE(image.modality);
     EXPECT_EQ(image.slope, 2.0);
     EXPECT_EQ(image.intercept, -9.0);
@@ -231,9 +231,9 @@ TEST(DicomLuts, FilesThatHaveNothingToLendAreNamed) {
     DicomWriter plain(1, 1);
     const std::string lender = plain.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
     DicomWriter writer(2, 2);
-    const auto words = [&](const LoadOptions& options) {
+    const auto words = [&](const OpenSettings& settings) {
         try {
-            load(writer, options);
+            load(writer, settings);
         } catch (const FileRefusal& refused) {
             EXPECT_EQ(refused.file(), lender);
             return std::string(refused.what());

@@ -71,7 +71,7 @@ TEST(SampleConversion, SixteenBitsAreTakenWhenTheirValuesFit) {
 
 TEST(SampleConversion, SixteenBitsThatDoNotFitHaveALevelEach) {
     const StoredImage plain = convert({0, 4096, 65535}, {16, 16, 15, false});
-    EXPECT_EQ(plain.levels, deepLevels);
+    EXPECT_EQ(plain.levels, levels16);
     EXPECT_EQ(plain.lowest, 0);
     EXPECT_EQ(plain.samples, (Words{0, 4096, 65535}));
     EXPECT_EQ(plain.maxLevel, 65535);
@@ -79,15 +79,15 @@ TEST(SampleConversion, SixteenBitsThatDoNotFitHaveALevelEach) {
     EXPECT_EQ(lifted.lowest, -32768);
     EXPECT_EQ(lifted.samples, (Words{0, 32767, 32768, 65535}));
     const StoredImage thirteen = convert({0x1000, 0x0FFF, 0xEFFF}, {16, 13, 12, true});
-    EXPECT_EQ(thirteen.levels, deepLevels);
+    EXPECT_EQ(thirteen.levels, levels16);
     EXPECT_EQ(thirteen.lowest, -4096);
     EXPECT_EQ(thirteen.samples, (Words{0, 8191, 8191}));
-    EXPECT_EQ(convert({0, 4095}, {16, 13, 12, false}).levels, rasterLevels);
+    EXPECT_EQ(convert({0, 4095}, {16, 13, 12, false}).levels, levels12);
 }
 
 TEST(SampleConversion, TwelveBitsAnywhereInTheWordStayTwelve) {
     const StoredImage high = convert({0xFFF0, 0x000F, 0x8000}, {16, 12, 15, true});
-    EXPECT_EQ(high.levels, rasterLevels);
+    EXPECT_EQ(high.levels, levels12);
     EXPECT_EQ(high.samples, (Words{2047, 2048, 0}));
     const StoredImage middle = convert({0x03FC, 0xFC03}, {16, 8, 9, false});
     EXPECT_EQ(middle.samples, (Words{255, 0}));

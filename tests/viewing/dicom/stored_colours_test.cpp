@@ -1,7 +1,7 @@
 // Colour images of every kind, from the file to the picture: each pixel as DICOM defines it.
 #include "support/dicom_writer.h"
-#include "viewing/display/render.h"
-#include "viewing/input.h"
+#include "viewing/render.h"
+#include "viewing/open.h"
 
 #include <dcmtk/dcmdata/dcrleerg.h>
 #include <dcmtk/dcmdata/dcrlerp.h>
@@ -25,13 +25,13 @@ using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
 using Pixels = std::vector<std::uint32_t>;
 
-Picture show(DicomWriter& writer, const RenderOptions& options = {}, E_TransferSyntax syntax = EXS_LittleEndianExplicit,
+Picture show(DicomWriter& writer, const DisplaySettings& settings = {}, E_TransferSyntax syntax = EXS_LittleEndianExplicit,
              int frame = 1) {
     const TemporaryFolder folder;
     std::vector<std::string> notes;
-    LoadOptions load;
+    OpenSettings load;
     load.frame = frame;
-    Picture picture = render(loadInput(writer.save(folder, syntax), load), options, notes);
+    Picture picture = render(openImage(writer.save(folder, syntax), load), settings, notes);
     EXPECT_TRUE(notes.empty());
     return picture;
 }
@@ -249,7 +249,7 @@ TEST(StoredColours, ShuttersAndPlanesLieOnColours) {
     writer.overlay(0x6000, 1, 4, 1, 1, {0x0008});
     writer.overlay(0x6002, 1, 4, 1, 1, {0x000A}, "R");
     EXPECT_EQ(show(writer).pixels, (Pixels{0xC8C8C8, 0x00D0FF, 0x404040, 0xFFC000}));
-    RenderOptions bare;
+    DisplaySettings bare;
     bare.shutters = false;
     bare.overlays = false;
     EXPECT_EQ(show(writer, bare).pixels, Pixels(4, 0xC8C8C8));
@@ -258,30 +258,30 @@ TEST(StoredColours, ShuttersAndPlanesLieOnColours) {
 TEST(StoredColours, InversionWindowAndBackground) {
     DicomWriter writer(2, 1);
     writer.colours("RGB", 8, 0, {100, 150, 200, 0, 125, 255});
-    RenderOptions options;
-    options.invert = true;
-    EXPECT_EQ(show(writer, options).pixels, (Pixels{0x9B6937, 0xFF8200}));
-    options.invert = false;
-    options.window = Window{150.5, 101.0};
-    EXPECT_EQ(show(writer, options).pixels, (Pixels{0x0080FF, 0x0040FF}));
-    options.window.reset();
-    options.size = Size{4, 1};
-    options.background = 9;
-    EXPECT_EQ(show(writer, options).pixels, (Pixels{0x090909, 0x6496C8, 0x007DFF, 0x090909}));
+    DisplaySettings settings;
+    settings.invert = true;
+    EXPECT_EQ(show(writer, settings).pixels, (Pixels{0x9B6937, 0xFF8200}));
+    settings.invert = false;
+    settings.window = Window{150.5, 101.0};
+    EXPECT_EQ(show(writer, settings).pixels, (Pixels{0x0080FF, 0x0040FF}));
+    settings.window.reset();
+    settings.size = Size{4, 1};
+    settings.background = 9;
+    EXPECT_EQ(show(writer, settings).pixels, (Pixels{0x090909, 0x6496C8, 0x007DFF, 0x090909}));
     DicomWriter deep(2, 1);
     deep.colours("RGB", 16, 0, {0, 0x8000, 0xFFFF, 0x4000, 0x2000, 0x1000});
-    options = {};
-    options.window = Window{1024.5, 2049.0};
-    EXPECT_EQ(show(deep, options).pixels, (Pixels{0x00FFFF, 0x804020}));
+    settings = {};
+    settings.window = Window{1024.5, 2049.0};
+    EXPECT_EQ(show(deep, settings).pixels, (Pixels{0x00FFFF, 0x804020}));
 }
 
 TEST(StoredColours, BurntInLinesAreBrightWithADarkShadow) {
     DicomWriter writer(64, 64);
     writer.colours("RGB", 8, 0, Words(64 * 64 * 3, 90));
-    RenderOptions options;
-    options.annotations = parseAnnotations(R"({"annotations": [{"figure": "line", "points": [[5, 30], [60, 30]]}]})");
-    options.burnIn = true;
-    const Picture picture = show(writer, options);
+    DisplaySettings settings;
+    settings.annotations = parseAnnotations(R"({"annotations": [{"figure": "line", "points": [[5, 30], [60, 30]]}]})");
+    settings.burnIn = true;
+    const Picture picture = show(writer, settings);
     // The library's ink for lines is added to what lies below.
     for (int x = 8; x < 57; ++x) EXPECT_EQ(picture.at(x, 30), 0xFFFF5AU) << x;
     EXPECT_GT(std::count(picture.pixels.begin(), picture.pixels.end(), 0U), 40);
@@ -300,10 +300,10 @@ TEST(StoredColours, PalettesForGreyAreNotUsedAndSaid) {
     const TemporaryFolder folder;
     DicomWriter writer(1, 1);
     writer.colours("RGB", 8, 0, {1, 2, 3});
-    RenderOptions options;
-    options.palette.emplace();
+    DisplaySettings settings;
+    settings.palette.emplace();
     std::vector<std::string> notes;
-    EXPECT_EQ(render(loadInput(writer.save(folder), {}), options, notes).pixels, (Pixels{0x010203}));
+    EXPECT_EQ(render(openImage(writer.save(folder), {}), settings, notes).pixels, (Pixels{0x010203}));
     EXPECT_EQ(notes, (std::vector<std::string>{"has its own colours; the palette is not used"}));
 }
 

@@ -1,8 +1,8 @@
 // Small files of every kind, from the file to the picture: each pixel as DICOM defines it.
 #include "support/dicom_writer.h"
-#include "viewing/dicom/dicom_input.h"
-#include "viewing/display/render.h"
-#include "viewing/input.h"
+#include "viewing/dicom/dicom_file.h"
+#include "viewing/render.h"
+#include "viewing/open.h"
 
 #include <gtest/gtest.h>
 
@@ -21,11 +21,11 @@ using zoltest::TableDescriptor;
 using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
 
-Picture show(DicomWriter& writer, const RenderOptions& options = {}, const LoadOptions& load = {},
+Picture show(DicomWriter& writer, const DisplaySettings& settings = {}, const OpenSettings& load = {},
              E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
     const TemporaryFolder folder;
     std::vector<std::string> notes;
-    Picture picture = render(loadInput(writer.save(folder, syntax), load), options, notes);
+    Picture picture = render(openImage(writer.save(folder, syntax), load), settings, notes);
     EXPECT_TRUE(notes.empty());
     return picture;
 }
@@ -296,11 +296,11 @@ TEST(StoredValues, LowValuesAreWhiteOnceWhateverSaysSo) {
                     if (*shape != 0) writer.put(DCM_PresentationLUTShape, shape);
                     const bool white =
                         (photometric == std::string("MONOCHROME1") || shape == std::string("INVERSE")) != invert;
-                    RenderOptions options;
-                    options.invert = invert;
+                    DisplaySettings settings;
+                    settings.invert = invert;
                     const double top = (1 << bits) - 1;
                     expectGreys(
-                        show(writer, options), bits, false,
+                        show(writer, settings), bits, false,
                         [&](int value) { return 255.0 * (white ? top - value : value) / top; }, 1.0);
                 }
             }
@@ -331,11 +331,11 @@ TEST(StoredValues, PaddingIsBlackWhateverTheRest) {
                 writer.dataset().putAndInsertSint16(DCM_PixelPaddingValue, 5);
                 writer.dataset().putAndInsertSint16(DCM_PixelPaddingRangeLimit, -20);
                 setWindow(writer, 0.5, 2);
-                RenderOptions options;
-                options.invert = invert;
-                options.background = 99;
+                DisplaySettings settings;
+                settings.invert = invert;
+                settings.background = 99;
                 const bool white = (photometric == std::string("MONOCHROME1")) != invert;
-                const Picture picture = show(writer, options);
+                const Picture picture = show(writer, settings);
                 // Words in rising order begin with the value 0, which is padding: the first pixel, too.
                 expectGreys(picture, bits, true, [&](int value) {
                     if (value >= -20 && value <= 5) return 0.0;
@@ -359,13 +359,13 @@ TEST(StoredValues, SixteenBitImagesKeepTheirShuttersPlanesAndViews) {
     EXPECT_EQ(picture.at(200, 100), 0x808080U);
     EXPECT_EQ(picture.at(19, 0), 0xFFC000U);
     EXPECT_EQ(picture.at(21, 0), 0x000000U);
-    RenderOptions options;
-    options.shutters = false;
-    options.overlays = false;
-    options.flip = Flip::Vertical;
-    options.size = Size{300, 256};
-    options.background = 7;
-    const Picture flipped = show(writer, options);
+    DisplaySettings settings;
+    settings.shutters = false;
+    settings.overlays = false;
+    settings.flip = Flip::Vertical;
+    settings.size = Size{300, 256};
+    settings.background = 7;
+    const Picture flipped = show(writer, settings);
     EXPECT_EQ(flipped.at(0, 0), 0x070707U);
     EXPECT_EQ(flipped.at(22, 0), 0xFFFFFFU);
     EXPECT_EQ(flipped.at(22 + 19, 255), 0x000000U);
@@ -394,17 +394,17 @@ TEST(StoredValues, ByteOrdersAndRunLengthsAgreeForSixteenBits) {
 }
 
 TEST(StoredValues, PalettesShowGreysInColours) {
-    RenderOptions options;
-    options.palette.emplace();
+    DisplaySettings settings;
+    settings.palette.emplace();
     for (std::size_t i = 0; i < 256; ++i)
-        (*options.palette)[i] = static_cast<std::uint32_t>((i << 16U) | ((255U - i) << 8U) | (i / 2U));
+        (*settings.palette)[i] = static_cast<std::uint32_t>((i << 16U) | ((255U - i) << 8U) | (i / 2U));
     const auto colour = [](unsigned int i) { return (i << 16U) | ((255U - i) << 8U) | (i / 2U); };
     for (const int bits : {12, 16}) {
         for (const bool inverted : {false, true}) {
             DicomWriter writer = everyWord(bits);
             if (inverted) writer.put(DCM_PhotometricInterpretation, "MONOCHROME1");
             const double span = 1 << bits;
-            const Picture picture = show(setWindow(writer, span / 2.0, span, "LINEAR_EXACT"), options);
+            const Picture picture = show(setWindow(writer, span / 2.0, span, "LINEAR_EXACT"), settings);
             for (std::size_t word = 0; word < picture.pixels.size(); ++word) {
                 const auto level = static_cast<unsigned int>(word >> (bits - 8));
                 ASSERT_EQ(picture.pixels[word], colour(inverted ? 255U - level : level)) << word;
@@ -414,12 +414,12 @@ TEST(StoredValues, PalettesShowGreysInColours) {
 }
 
 TEST(StoredValues, PaddingIsBlackUnderPalettesToo) {
-    RenderOptions options;
-    options.palette.emplace();
-    options.palette->fill(0x123456);
+    DisplaySettings settings;
+    settings.palette.emplace();
+    settings.palette->fill(0x123456);
     DicomWriter writer(2, 1);
     writer.pixels({7, 9}).word(DCM_PixelPaddingValue, 7);
-    const Picture picture = show(writer, options);
+    const Picture picture = show(writer, settings);
     EXPECT_EQ(picture.at(0, 0), 0U);
     EXPECT_EQ(picture.at(1, 0), 0x123456U);
 }

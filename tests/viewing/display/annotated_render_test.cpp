@@ -1,7 +1,7 @@
 // Where annotations come to lie in a picture, and in which colours.
 #include "support/folders.h"
 #include "viewing/annotations/annotations.h"
-#include "viewing/display/render.h"
+#include "viewing/render.h"
 #include "viewing/image/phantom.h"
 
 #include <gtest/gtest.h>
@@ -25,10 +25,10 @@ StoredImage flatImage(int width, int height, std::uint16_t level) {
     return image;
 }
 
-Picture show(const StoredImage& image, RenderOptions options, const std::string& figures) {
-    options.annotations = parseAnnotations(R"({"annotations": [)" + figures + "]}");
+Picture show(const StoredImage& image, DisplaySettings settings, const std::string& figures) {
+    settings.annotations = parseAnnotations(R"({"annotations": [)" + figures + "]}");
     std::vector<std::string> notes;
-    return render(image, options, notes);
+    return render(image, settings, notes);
 }
 
 /// The smallest box around the pixels of a colour; empty (right < left) where there are none.
@@ -57,15 +57,15 @@ TEST(AnnotatedRender, ImageCoordinatesFollowTheView) {
     EXPECT_EQ(boxOf(plain, red), (Box{10, 20, 30, 28}));
     EXPECT_EQ(plain.at(20, 24), mid);
 
-    RenderOptions moved;
+    DisplaySettings moved;
     moved.pan = {5.0, -7.0};
     EXPECT_EQ(boxOf(show(image, moved, redRectangle + "}"), red), (Box{15, 13, 35, 21}));
 
-    RenderOptions twice;
+    DisplaySettings twice;
     twice.size = Size{128, 96};
     EXPECT_EQ(boxOf(show(image, twice, redRectangle + "}"), red), (Box{20, 40, 60, 56}));
 
-    RenderOptions mirrored;
+    DisplaySettings mirrored;
     mirrored.flip = Flip::Horizontal;
     EXPECT_EQ(boxOf(show(image, mirrored, redRectangle + "}"), red), (Box{34, 20, 54, 28}));
 }
@@ -73,12 +73,12 @@ TEST(AnnotatedRender, ImageCoordinatesFollowTheView) {
 TEST(AnnotatedRender, DisplayAndNormalisedCoordinatesStay) {
     const StoredImage image = flatImage(64, 48, 2048);
     for (const double zoom : {1.0, 3.0}) {
-        RenderOptions options;
-        options.zoom = zoom;
-        options.size = Size{128, 96};
-        EXPECT_EQ(boxOf(show(image, options, redRectangle + R"(, "coordinates": "display"})"), red),
+        DisplaySettings settings;
+        settings.zoom = zoom;
+        settings.size = Size{128, 96};
+        EXPECT_EQ(boxOf(show(image, settings, redRectangle + R"(, "coordinates": "display"})"), red),
                   (Box{10, 20, 30, 28}));
-        const Picture normalised = show(image, options,
+        const Picture normalised = show(image, settings,
                                         R"({"figure": "rectangle", "points": [[0.25, 0.25], [0.5, 0.75]],
                                             "colour": "#FF0000", "shadow": false, "coordinates": "normalised"})");
         EXPECT_EQ(boxOf(normalised, red), (Box{32, 24, 64, 72}));
@@ -88,8 +88,8 @@ TEST(AnnotatedRender, DisplayAndNormalisedCoordinatesStay) {
 TEST(AnnotatedRender, CirclesAndSquaresAreEquallyWideAndHighInEverySpace) {
     StoredImage flatPixels = flatImage(64, 96, 2048);
     flatPixels.ratioYx = 0.5;
-    RenderOptions options;
-    options.size = Size{256, 192};
+    DisplaySettings settings;
+    settings.size = Size{256, 192};
     for (const char* const figure :
          {R"("figure": "circle", "points": [[32, 48]], "radius": 10)",
           R"("figure": "circle", "points": [[32, 48]], "radius": 10, "filled": true)",
@@ -101,7 +101,7 @@ TEST(AnnotatedRender, CirclesAndSquaresAreEquallyWideAndHighInEverySpace) {
           R"("figure": "circle", "points": [[0.5, 0.5]], "radius": 0.15625, "coordinates": "normalised",
              "filled": true)"}) {
         const Box box = boxOf(
-            show(flatPixels, options, "{" + std::string(figure) + R"(, "colour": "#FF0000", "shadow": false})"), red);
+            show(flatPixels, settings, "{" + std::string(figure) + R"(, "colour": "#FF0000", "shadow": false})"), red);
         EXPECT_NEAR(box.left, 88, 1) << figure;
         EXPECT_NEAR(box.right, 168, 1) << figure;
         EXPECT_NEAR(box.top, 56, 1) << figure;
@@ -144,9 +144,9 @@ TEST(AnnotatedRender, ArrowsPointToTheirTip) {
     // Where pixels are twice as high as wide, what looks the same has half the rows.
     StoredImage tall = flatImage(100, 60, 2048);
     tall.ratioYx = 2.0;
-    RenderOptions options;
-    options.size = Size{100, 120};
-    EXPECT_EQ(boxOf(show(tall, options,
+    DisplaySettings settings;
+    settings.size = Size{100, 120};
+    EXPECT_EQ(boxOf(show(tall, settings,
                          R"({"figure": "arrow", "points": [[50, 50], [50, 10]], "head": 20, "colour": "#FF0000",
                              "shadow": false})"),
                     red)
@@ -200,9 +200,9 @@ TEST(AnnotatedRender, TextsAreAlignedAndHaloed) {
 
 TEST(BurnIn, WritesWhiteLinesWithDarkShadowsAndTouchesNothingElse) {
     const StoredImage image = flatImage(64, 48, 2048);
-    RenderOptions options;
-    options.burnIn = true;
-    const Picture picture = show(image, options, R"({"figure": "line", "points": [[10, 20], [50, 20]]})");
+    DisplaySettings settings;
+    settings.burnIn = true;
+    const Picture picture = show(image, settings, R"({"figure": "line", "points": [[10, 20], [50, 20]]})");
     EXPECT_EQ(coloursOf(picture), (std::set<std::uint32_t>{0, mid, 0xFFFFFF}));
     EXPECT_EQ(picture.at(30, 20), 0xFFFFFFU);
     const Box line = boxOf(picture, 0xFFFFFF);
@@ -211,13 +211,13 @@ TEST(BurnIn, WritesWhiteLinesWithDarkShadowsAndTouchesNothingElse) {
 }
 
 TEST(BurnIn, IsMagnifiedWithTheImage) {
-    RenderOptions options;
-    options.burnIn = true;
-    options.size = Size{256, 192};
+    DisplaySettings settings;
+    settings.burnIn = true;
+    settings.size = Size{256, 192};
     const std::string line = R"({"figure": "line", "points": [[10, 20], [50, 20]]})";
-    const Picture picture = show(flatImage(64, 48, 2048), options, line);
-    options.size = Size{64, 48};
-    const Picture small = show(flatImage(64, 48, 2048), options, line);
+    const Picture picture = show(flatImage(64, 48, 2048), settings, line);
+    settings.size = Size{64, 48};
+    const Picture small = show(flatImage(64, 48, 2048), settings, line);
     for (int y = 0; y < 48; ++y)
         for (int x = 0; x < 64; ++x) ASSERT_EQ(picture.at(x * 4 + 2, y * 4 + 2), small.at(x, y));
 }
@@ -225,25 +225,25 @@ TEST(BurnIn, IsMagnifiedWithTheImage) {
 TEST(BurnIn, IsWhiteOnInvertedImagesToo) {
     StoredImage image = flatImage(64, 48, 1024);
     image.inverted = true;
-    RenderOptions options;
-    options.burnIn = true;
+    DisplaySettings settings;
+    settings.burnIn = true;
     const std::string line = R"({"figure": "line", "points": [[10, 20], [50, 20]]})";
-    EXPECT_EQ(show(image, options, line).at(30, 20), 0xFFFFFFU);
-    options.invert = true;
-    EXPECT_EQ(show(image, options, line).at(30, 20), 0U);
+    EXPECT_EQ(show(image, settings, line).at(30, 20), 0xFFFFFFU);
+    settings.invert = true;
+    EXPECT_EQ(show(image, settings, line).at(30, 20), 0U);
 }
 
 TEST(BurnIn, KeepsOverlayPlanesPaddingAndShutters) {
     const StoredImage phantom = makePhantom();
-    RenderOptions options;
+    DisplaySettings settings;
     std::vector<std::string> notes;
-    const Picture before = render(phantom, options, notes);
-    options.burnIn = true;
-    const Picture nothing = show(phantom, options, "");
+    const Picture before = render(phantom, settings, notes);
+    settings.burnIn = true;
+    const Picture nothing = show(phantom, settings, "");
     EXPECT_EQ(nothing.pixels, before.pixels);
 
     const Picture covered =
-        show(phantom, options, R"({"figure": "rectangle", "points": [[-5, -5], [700, 600]], "filled": true})");
+        show(phantom, settings, R"({"figure": "rectangle", "points": [[-5, -5], [700, 600]], "filled": true})");
     for (int y = 0; y < before.height; ++y) {
         for (int x = 0; x < before.width; ++x) {
             const std::uint32_t was = before.at(x, y);
@@ -260,12 +260,12 @@ TEST(BurnIn, KeepsOverlayPlanesPaddingAndShutters) {
 TEST(BurnIn, CutsNoTextOfTheExample) {
     const StoredImage phantom = makePhantom();
     const auto burnt = [&](const std::vector<Annotation>& annotations, bool shutters) {
-        RenderOptions options;
-        options.burnIn = true;
-        options.shutters = shutters;
-        options.annotations = annotations;
+        DisplaySettings settings;
+        settings.burnIn = true;
+        settings.shutters = shutters;
+        settings.annotations = annotations;
         std::vector<std::string> notes;
-        return render(phantom, options, notes).pixels;
+        return render(phantom, settings, notes).pixels;
     };
     const auto differences = [](const auto& a, const auto& b) {
         return std::inner_product(a.begin(), a.end(), b.begin(), 0, std::plus<>(), std::not_equal_to<>());
@@ -282,17 +282,17 @@ TEST(BurnIn, CutsNoTextOfTheExample) {
 }
 
 TEST(BurnIn, TakesAllSpaces) {
-    RenderOptions options;
-    options.burnIn = true;
-    options.zoom = 2.0;
+    DisplaySettings settings;
+    settings.burnIn = true;
+    settings.zoom = 2.0;
     const StoredImage image = flatImage(64, 48, 2048);
     // Pixels of the picture: zoomed about the centre, column 32 + (x - 32) / 2 of the image.
     const Picture display =
-        show(image, options, R"({"figure": "line", "points": [[0, 24], [64, 24]], "coordinates": "display"})");
+        show(image, settings, R"({"figure": "line", "points": [[0, 24], [64, 24]], "coordinates": "display"})");
     EXPECT_EQ(display.at(32, 24), 0xFFFFFFU);
     // Fractions of the image.
     const Picture normalised =
-        show(image, options, R"({"figure": "line", "points": [[0.5, 0.1], [0.5, 0.9]], "coordinates": "normalised"})");
+        show(image, settings, R"({"figure": "line", "points": [[0.5, 0.1], [0.5, 0.9]], "coordinates": "normalised"})");
     EXPECT_EQ(normalised.at(32, 24), 0xFFFFFFU);
 }
 

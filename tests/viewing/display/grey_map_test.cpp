@@ -42,7 +42,7 @@ void expectWithinOneGrey(const StoredImage& image, const std::vector<int>& greys
 TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
     zoltest::Random random(41);
     for (int run = 0; run < 120; ++run) {
-        StoredImage image = imageOf(run % 10 == 0 ? deepLevels : rasterLevels);
+        StoredImage image = imageOf(run % 10 == 0 ? levels16 : levels12);
         image.function = std::array{WindowFunction::Linear, WindowFunction::LinearExact,
                                     WindowFunction::Sigmoid}[static_cast<std::size_t>(random.integer(0, 2))];
         image.lowest = random.integer(-40000, 1000);
@@ -65,7 +65,7 @@ TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
 TEST(GreyMap, SmallWindowsAreWithinOneGreyAtEveryHalfStep) {
     for (double width = 1.0; width <= 12.0; width += 0.5) {
         for (double centre = 99.5; centre <= 101.0; centre += 0.25) {
-            StoredImage image = imageOf(rasterLevels);
+            StoredImage image = imageOf(levels12);
             image.window = Window{centre, width};
             expectWithinOneGrey(image, greysOf(image));
             if (HasFatalFailure()) FAIL() << centre << '/' << width;
@@ -75,7 +75,7 @@ TEST(GreyMap, SmallWindowsAreWithinOneGreyAtEveryHalfStep) {
 
 TEST(GreyMap, TheLastDeepLevelIsNoDarkerThanTheOneBefore) {
     // The map's own sigmoid leaves it black, which is within one grey here.
-    StoredImage image = imageOf(deepLevels);
+    StoredImage image = imageOf(levels16);
     image.function = WindowFunction::Sigmoid;
     image.window = Window{79493.6, 10000.0};
     const std::vector<int> greys = greysOf(image);
@@ -84,7 +84,7 @@ TEST(GreyMap, TheLastDeepLevelIsNoDarkerThanTheOneBefore) {
 }
 
 TEST(GreyMap, FallingSlopesAreDarkAtHighLevels) {
-    for (const int levels : {rasterLevels, deepLevels}) {
+    for (const int levels : {levels12, levels16}) {
         StoredImage image = imageOf(levels);
         image.slope = -1.0;
         image.window = Window{-levels / 2.0, levels / 4.0};
@@ -99,7 +99,7 @@ TEST(GreyMap, FallingSlopesAreDarkAtHighLevels) {
 TEST(GreyMap, TablesComeOutExactly) {
     zoltest::Random random(42);
     for (int run = 0; run < 24; ++run) {
-        StoredImage image = imageOf(run % 3 == 0 ? deepLevels : rasterLevels);
+        StoredImage image = imageOf(run % 3 == 0 ? levels16 : levels12);
         LookupTable table;
         table.bits = random.integer(1, 16);
         table.first = random.integer(-100, image.levels);
@@ -119,16 +119,16 @@ TEST(GreyMap, TablesComeOutExactly) {
 }
 
 TEST(GreyMap, PresentationTablesGoThroughTheTwelveBitMap) {
-    StoredImage image = imageOf(rasterLevels);
+    StoredImage image = imageOf(levels12);
     image.window = Window{2048.0, 4096.0};
     image.presentation = LookupTable{0, 8, Words(256, 7)};
     EXPECT_TRUE(makeGreyMap(GreyTransform(image, {}))->hasPresentationLut());
-    image.levels = deepLevels;
+    image.levels = levels16;
     EXPECT_FALSE(makeGreyMap(GreyTransform(image, {}))->hasPresentationLut());
 }
 
 TEST(GreyMap, TheWindowGoesBeforeTheTable) {
-    StoredImage image = imageOf(rasterLevels);
+    StoredImage image = imageOf(levels12);
     image.voiTable = LookupTable{0, 8, {255, 0}};
     EXPECT_EQ(greysOf(image)[0], 255);
     EXPECT_EQ(greysOf(image, Window{100.0, 2.0})[0], 0);
@@ -136,16 +136,16 @@ TEST(GreyMap, TheWindowGoesBeforeTheTable) {
 }
 
 TEST(GreyMap, FallsFromWhite) {
-    const StoredImage image = imageOf(rasterLevels);
+    const StoredImage image = imageOf(levels12);
     const std::unique_ptr<IGreyMap> map = makeGreyMap(GreyTransform(image, {}));
     CCsColorMan palette;
     CCsColorMapT colours;
     palette.getColorMap(colours);
     map->setColorMapIndex(&colours);
-    EXPECT_FALSE(fallsFromWhite(*map, rasterLevels));
+    EXPECT_FALSE(fallsFromWhite(*map, levels12));
     palette.invertPalette();
     map->setColorMapIndex(&colours);
-    EXPECT_TRUE(fallsFromWhite(*map, rasterLevels));
+    EXPECT_TRUE(fallsFromWhite(*map, levels12));
 }
 
 }  // namespace

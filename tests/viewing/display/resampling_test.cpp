@@ -1,6 +1,6 @@
 // Interpolations, the image primitives, sharpening and the magnifier, as a picture shows them.
 #include "viewing/display/raster_setup.h"
-#include "viewing/display/render.h"
+#include "viewing/render.h"
 #include "viewing/display/separate_planes.h"
 #include "viewing/image/phantom.h"
 
@@ -20,15 +20,15 @@ constexpr std::array<Interpolation, 3> interpolations{Interpolation::Nearest, In
 
 constexpr unsigned int grey(int level) { return static_cast<unsigned int>(level) * 0x010101U; }
 
-Picture show(const StoredImage& image, const RenderOptions& options) {
+Picture show(const StoredImage& image, const DisplaySettings& settings) {
     std::vector<std::string> notes;
-    Picture picture = render(image, options, notes);
+    Picture picture = render(image, settings, notes);
     EXPECT_TRUE(notes.empty()) << notes.front();
     return picture;
 }
 
 /// 16 levels make one grey.
-StoredImage makeImage(int width, int height, const std::function<int(int, int)>& level, int levels = rasterLevels) {
+StoredImage makeImage(int width, int height, const std::function<int(int, int)>& level, int levels = levels12) {
     StoredImage image;
     image.width = width;
     image.height = height;
@@ -80,27 +80,27 @@ TEST(Interpolation, OneToOneEveryInterpolationCopies) {
     const Picture nearest = show(image, {});
     for (const Interpolation interpolation : interpolations) {
         for (const bool accelerated : {false, true}) {
-            RenderOptions options;
-            options.interpolation = interpolation;
-            options.accelerated = accelerated;
-            EXPECT_EQ(show(image, options).pixels, nearest.pixels) << static_cast<int>(interpolation) << accelerated;
+            DisplaySettings settings;
+            settings.interpolation = interpolation;
+            settings.accelerated = accelerated;
+            EXPECT_EQ(show(image, settings).pixels, nearest.pixels) << static_cast<int>(interpolation) << accelerated;
         }
     }
 }
 
 TEST(Interpolation, BilinearIsInTheMiddleBetweenPixelsInBothDirections) {
     for (const bool upright : {false, true}) {
-        for (const int levels : {rasterLevels, deepLevels}) {
+        for (const int levels : {levels12, levels16}) {
             const int scale = levels / 256;
             const StoredImage image = makeImage(
                 upright ? 1 : 2, upright ? 2 : 1, [&](int x, int y) { return (x + y == 0 ? 40 : 200) * scale; },
                 levels);
-            RenderOptions options;
-            options.interpolation = Interpolation::Bilinear;
-            options.size = upright ? Size{8, 16} : Size{16, 8};
+            DisplaySettings settings;
+            settings.interpolation = Interpolation::Bilinear;
+            settings.size = upright ? Size{8, 16} : Size{16, 8};
             for (const bool accelerated : {false, true}) {
-                options.accelerated = accelerated;
-                const Picture picture = show(image, options);
+                settings.accelerated = accelerated;
+                const Picture picture = show(image, settings);
                 std::vector<int> along;
                 for (int i = 0; i < 16; ++i) along.push_back(channel(upright ? picture.at(4, i) : picture.at(i, 4), 0));
                 // Flat up to the pixels' middles, a slope of 20 for each eighth of a pixel between them.
@@ -115,12 +115,12 @@ TEST(Interpolation, BilinearIsInTheMiddleBetweenPixelsInBothDirections) {
 
 TEST(Interpolation, BicubicIsSteeperThanBilinear) {
     const StoredImage image = makeImage(8, 8, [](int x, int) { return x < 4 ? 1000 : 3000; });
-    RenderOptions options;
-    options.size = Size{80, 80};
-    options.interpolation = Interpolation::Bilinear;
-    const Picture bilinear = show(image, options);
-    options.interpolation = Interpolation::Bicubic;
-    const Picture bicubic = show(image, options);
+    DisplaySettings settings;
+    settings.size = Size{80, 80};
+    settings.interpolation = Interpolation::Bilinear;
+    const Picture bilinear = show(image, settings);
+    settings.interpolation = Interpolation::Bicubic;
+    const Picture bicubic = show(image, settings);
     EXPECT_GT(channel(bilinear.at(37, 40), 0), channel(bicubic.at(37, 40), 0));
     EXPECT_LT(channel(bilinear.at(42, 40), 0), channel(bicubic.at(42, 40), 0));
     EXPECT_LT(channel(bicubic.at(33, 40), 0), 1000 / 16);  // undershoots
@@ -130,7 +130,7 @@ TEST(Interpolation, BicubicIsSteeperThanBilinear) {
 TEST(Interpolation, AcceleratedPicturesAreThePlainOnes) {
     const std::vector<StoredImage> images{makeImage(50, 40, surface),
                                           makeImage(
-                                              50, 40, [](int x, int y) { return 16 * surface(x, y); }, deepLevels),
+                                              50, 40, [](int x, int y) { return 16 * surface(x, y); }, levels16),
                                           makeColourImage(50, 40, [](int x, int y) {
                                               return static_cast<std::uint32_t>(surface(x, y) / 16) |
                                                      static_cast<std::uint32_t>(surface(y, x) / 16) << 8U |
@@ -140,19 +140,19 @@ TEST(Interpolation, AcceleratedPicturesAreThePlainOnes) {
         for (const Interpolation interpolation : interpolations) {
             for (const double degrees : {0.0, 90.0, 180.0, 270.0, 30.0}) {
                 for (const Flip flip : {Flip::None, Flip::Horizontal}) {
-                    RenderOptions options;
-                    options.size = Size{91, 80};
-                    options.interpolation = interpolation;
-                    options.degrees = degrees;
-                    options.flip = flip;
-                    options.zoom = 1.3;
-                    options.pan = {7.0, -5.0};
-                    options.background = 77;
-                    const Picture plain = show(image, options);
-                    options.accelerated = true;
-                    const Difference difference = differenceOf(show(image, options), plain);
+                    DisplaySettings settings;
+                    settings.size = Size{91, 80};
+                    settings.interpolation = interpolation;
+                    settings.degrees = degrees;
+                    settings.flip = flip;
+                    settings.zoom = 1.3;
+                    settings.pan = {7.0, -5.0};
+                    settings.background = 77;
+                    const Picture plain = show(image, settings);
+                    settings.accelerated = true;
+                    const Difference difference = differenceOf(show(image, settings), plain);
                     EXPECT_LE(difference.mean, 1.6) << degrees << static_cast<int>(interpolation);
-                    RenderOptions shifted = options;
+                    DisplaySettings shifted = settings;
                     shifted.accelerated = false;
                     shifted.pan.x += 1.0;
                     EXPECT_GT(differenceOf(show(image, shifted), plain).mean, 2.0);
@@ -164,24 +164,24 @@ TEST(Interpolation, AcceleratedPicturesAreThePlainOnes) {
 
 TEST(Interpolation, AcceleratedPicturesHaveTheWholePhantom) {
     // Shutters, planes, padding and an embedded plane: resampled as display colours.
-    RenderOptions options;
-    options.zoom = 1.7;
-    options.degrees = 25.0;
-    options.background = 90;
-    const Picture plain = show(makePhantom(), options);
-    options.accelerated = true;
-    EXPECT_LE(differenceOf(show(makePhantom(), options), plain).mean, 0.5);
+    DisplaySettings settings;
+    settings.zoom = 1.7;
+    settings.degrees = 25.0;
+    settings.background = 90;
+    const Picture plain = show(makePhantom(), settings);
+    settings.accelerated = true;
+    EXPECT_LE(differenceOf(show(makePhantom(), settings), plain).mean, 0.5);
 }
 
 TEST(Interpolation, AcceleratedLevelsNearBlackAreNotBackground) {
     const StoredImage image = makeImage(8, 8, [](int x, int) { return x < 4 ? 0 : 4095; });
-    RenderOptions options;
-    options.size = Size{80, 40};
-    options.background = 200;
-    options.accelerated = true;
+    DisplaySettings settings;
+    settings.size = Size{80, 40};
+    settings.background = 200;
+    settings.accelerated = true;
     for (const Interpolation interpolation : interpolations) {
-        options.interpolation = interpolation;
-        const Picture picture = show(image, options);
+        settings.interpolation = interpolation;
+        const Picture picture = show(image, settings);
         EXPECT_EQ(picture.at(10, 20), grey(200));
         EXPECT_EQ(picture.at(22, 20), grey(0));
         EXPECT_EQ(picture.at(36, 20), grey(0));  // where the cubic undershoots
@@ -195,14 +195,14 @@ TEST(Interpolation, AViewThatThePrimitivesRefuseIsDrawnWithoutThemAndSaid) {
     for (const bool colour : {false, true}) {
         const StoredImage image =
             colour ? makeColourImage(20, 20, [](int, int) { return 0x808080U; }) : makeImage(20, 20, surface);
-        RenderOptions options;
-        options.size = Size{40, 40};
-        options.degrees = 30.0;
-        options.pan = {5000.0, 0.0};
-        options.background = 50;
-        options.accelerated = true;
+        DisplaySettings settings;
+        settings.size = Size{40, 40};
+        settings.degrees = 30.0;
+        settings.pan = {5000.0, 0.0};
+        settings.background = 50;
+        settings.accelerated = true;
         std::vector<std::string> notes;
-        const Picture picture = render(image, options, notes);
+        const Picture picture = render(image, settings, notes);
         EXPECT_EQ(notes,
                   std::vector<std::string>{"cannot be drawn by the image primitives in this view; drawn without them"});
         EXPECT_EQ(picture.pixels, std::vector<std::uint32_t>(1600, grey(50)));
@@ -218,10 +218,10 @@ TEST(Interpolation, OverlaysKeepTheirEdgesAndColours) {
     image.shutters.rectangle = Box{0, 0, 5, 2};
     image.shutters.presentationValue = 0x6000;
     for (const Interpolation interpolation : interpolations) {
-        RenderOptions options;
-        options.interpolation = interpolation;
-        options.size = Size{60, 40};
-        const Picture picture = show(image, options);
+        DisplaySettings settings;
+        settings.interpolation = interpolation;
+        settings.size = Size{60, 40};
+        const Picture picture = show(image, settings);
         for (int y = 0; y < 40; ++y) {
             for (int x = 0; x < 60; ++x) {
                 const std::uint32_t pixel = picture.at(x, y);
@@ -235,8 +235,8 @@ TEST(Interpolation, OverlaysKeepTheirEdgesAndColours) {
                 }
             }
         }
-        options.overlays = false;
-        for (const std::uint32_t pixel : show(image, options).pixels)
+        settings.overlays = false;
+        for (const std::uint32_t pixel : show(image, settings).pixels)
             EXPECT_TRUE(pixel != graphicsColour && pixel != regionColour);
     }
 }
@@ -262,13 +262,13 @@ TEST(Sharpening, RaisesEdgesOfGreyAndColourAndLeavesFlatAreas) {
     const auto step = [](int x, int) { return x < 10 ? 1600 : 2400; };
     const StoredImage greyImage = makeImage(20, 12, step);
     const StoredImage deepImage = makeImage(
-        20, 12, [&](int x, int y) { return 16 * step(x, y); }, deepLevels);
+        20, 12, [&](int x, int y) { return 16 * step(x, y); }, levels16);
     const StoredImage colourImage =
         makeColourImage(20, 12, [&](int x, int y) { return static_cast<std::uint32_t>(step(x, y) / 16) * 0x010101U; });
     for (const StoredImage* image : {&greyImage, &deepImage, &colourImage}) {
-        RenderOptions options;
-        options.sharpening = Sharpening{3, 1};
-        const Picture picture = show(*image, options);
+        DisplaySettings settings;
+        settings.sharpening = Sharpening{3, 1};
+        const Picture picture = show(*image, settings);
         EXPECT_EQ(picture.at(5, 6), grey(100));
         EXPECT_EQ(picture.at(15, 6), grey(150));
         // A third of the box lies beyond the step: 2 * 100 - (100 + 50 / 3), cut.
@@ -281,19 +281,19 @@ TEST(Sharpening, RaisesEdgesOfGreyAndColourAndLeavesFlatAreas) {
 TEST(Sharpening, KeepsEmbeddedPlanesEverywhere) {
     StoredImage image = makeImage(9, 7, [](int x, int y) { return surface(x, y) | ((x + y) % 2 == 0 ? 0x1000 : 0); });
     image.embedded.push_back({12, PlaneKind::Graphics});
-    RenderOptions options;
-    options.sharpening = Sharpening{5, 3};
-    const Picture picture = show(image, options);
+    DisplaySettings settings;
+    settings.sharpening = Sharpening{5, 3};
+    const Picture picture = show(image, settings);
     for (int i = 0; i < 63; ++i) EXPECT_EQ(picture.at(i % 9, i / 9) == graphicsColour, (i % 9 + i / 9) % 2 == 0) << i;
 }
 
 TEST(Sharpening, ABoxLargerThanTheImageIsSaid) {
     const StoredImage image = makeImage(9, 7, surface);
     for (const int box : {7, 8, 1000}) {
-        RenderOptions options;
-        options.sharpening = Sharpening{box, 3};
+        DisplaySettings settings;
+        settings.sharpening = Sharpening{box, 3};
         std::vector<std::string> notes;
-        const Picture picture = render(image, options, notes);
+        const Picture picture = render(image, settings, notes);
         EXPECT_EQ(notes.size(), box == 7 ? 0U : 1U) << box;
         if (box != 7) {
             EXPECT_EQ(picture.pixels, show(image, {}).pixels);
@@ -305,22 +305,22 @@ TEST(Magnifier, ShowsTheMiddleLargerInACircleAndLeavesTheRest) {
     const auto pattern = [](int x, int y) { return x == 30 && y == 20 ? 4080 : 1600; };
     const StoredImage greyImage = makeImage(60, 40, pattern);
     const StoredImage deepImage = makeImage(
-        60, 40, [&](int x, int y) { return 16 * pattern(x, y); }, deepLevels);
+        60, 40, [&](int x, int y) { return 16 * pattern(x, y); }, levels16);
     const StoredImage colourImage = makeColourImage(
         60, 40, [&](int x, int y) { return static_cast<std::uint32_t>(pattern(x, y) / 16) * 0x010101U; });
     for (const StoredImage* image : {&greyImage, &deepImage, &colourImage}) {
         for (const double degrees : {0.0, 90.0, 180.0, 270.0, 33.0}) {
-            RenderOptions options;
-            options.size = Size{60, 60};
-            options.degrees = degrees;
-            const Picture plain = show(*image, options);
+            DisplaySettings settings;
+            settings.size = Size{60, 60};
+            settings.degrees = degrees;
+            const Picture plain = show(*image, settings);
             // The bright pixel's place in the picture.
             const auto brightest =
                 static_cast<int>(std::max_element(plain.pixels.begin(), plain.pixels.end()) - plain.pixels.begin());
             const int x = brightest % 60;
             const int y = brightest / 60;
-            options.magnifier = Magnifier{x, y, 9, 5.0};
-            const Picture picture = show(*image, options);
+            settings.magnifier = Magnifier{x, y, 9, 5.0};
+            const Picture picture = show(*image, settings);
             int bright = 0;
             for (int i = 0; i < 3600; ++i) {
                 const double distance = std::hypot(i % 60 - x, i / 60 - y);
@@ -346,20 +346,20 @@ TEST(Magnifier, FactorOneShowsWhatIsThereAlready) {
     for (const double degrees : {0.0, 90.0, 180.0, 45.0}) {
         for (const double zoom : {1.0, 2.3}) {
             for (const Flip flip : {Flip::None, Flip::Vertical}) {
-                RenderOptions options;
-                options.size = Size{90, 91};
-                options.interpolation = Interpolation::Bilinear;
-                options.degrees = degrees;
-                options.zoom = zoom;
-                options.flip = flip;
-                options.pan = {3.0, -4.0};
-                options.background = 30;
-                const Picture plain = show(image, options);
+                DisplaySettings settings;
+                settings.size = Size{90, 91};
+                settings.interpolation = Interpolation::Bilinear;
+                settings.degrees = degrees;
+                settings.zoom = zoom;
+                settings.flip = flip;
+                settings.pan = {3.0, -4.0};
+                settings.background = 30;
+                const Picture plain = show(image, settings);
                 for (const Magnifier& glass :
                      {Magnifier{45, 40, 20, 1.0}, Magnifier{0, 0, 30, 1.0}, Magnifier{85, 90, 12, 1.0}}) {
-                    options.magnifier = glass;
+                    settings.magnifier = glass;
                     // The same view but for the last bits of the positions; where it ends, a pixel may fall aside.
-                    const Difference difference = differenceOf(show(image, options), plain);
+                    const Difference difference = differenceOf(show(image, settings), plain);
                     EXPECT_LE(difference.mean, 0.12) << degrees << ' ' << zoom << ' ' << glass.x;
                 }
             }
@@ -371,10 +371,10 @@ TEST(Magnifier, ItsRimIsSmoothAndReachesThePicturesEdges) {
     const StoredImage image = makeColourImage(60, 40, [](int, int) { return 0U; });
     // So small that the black image is a dot in the middle of the glass, with white background around it.
     for (const Magnifier& glass : {Magnifier{30, 20, 9, 0.02}, Magnifier{57, 38, 9, 0.02}, Magnifier{1, 0, 9, 0.02}}) {
-        RenderOptions options;
-        options.background = 255;
-        options.magnifier = glass;
-        const Picture picture = show(image, options);
+        DisplaySettings settings;
+        settings.background = 255;
+        settings.magnifier = glass;
+        const Picture picture = show(image, settings);
         ASSERT_EQ(picture.width, 60);
         for (int y = 0; y < 40; ++y) {
             for (int x = 0; x < 60; ++x) {
@@ -392,9 +392,9 @@ TEST(Magnifier, MayLieBesideThePicture) {
     const Picture plain = show(image, {});
     for (const Magnifier& glass :
          {Magnifier{-50, 10, 20, 2.0}, Magnifier{10, 1000000, 4, 2.0}, Magnifier{-1000000, -1000000, 1, 100.0}}) {
-        RenderOptions options;
-        options.magnifier = glass;
-        EXPECT_EQ(show(image, options).pixels, plain.pixels);
+        DisplaySettings settings;
+        settings.magnifier = glass;
+        EXPECT_EQ(show(image, settings).pixels, plain.pixels);
     }
 }
 

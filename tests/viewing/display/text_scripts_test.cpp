@@ -4,9 +4,9 @@
 #include "support/gdi_count.h"
 #include "support/test_data.h"
 #include "viewing/annotations/annotations.h"
-#include "viewing/display/render.h"
+#include "viewing/render.h"
 #include "viewing/image/phantom.h"
-#include "viewing/output/print.h"
+#include "viewing/print.h"
 
 #include <dcmtk/dcmdata/dctk.h>
 #include <gtest/gtest.h>
@@ -70,13 +70,13 @@ std::vector<Annotation> textAt(const std::string& text, int x, int y) {
 /// their number, of which no letters come back from a document.
 void expectLegible(const std::string& text, const std::string& what) {
     const unsigned int objects = zoltest::gdiObjectCount();
-    RenderOptions options;
-    options.overlays = false;
-    options.shutters = false;
-    options.annotations = textAt(text, 20, 400);
+    DisplaySettings settings;
+    settings.overlays = false;
+    settings.shutters = false;
+    settings.annotations = textAt(text, 20, 400);
     std::vector<std::string> notes;
 
-    const Picture picture = render(makePhantom(), options, notes);
+    const Picture picture = render(makePhantom(), settings, notes);
     int ink = 0;
     int left = picture.width;
     int right = 0;
@@ -97,7 +97,7 @@ void expectLegible(const std::string& text, const std::string& what) {
     {
         // Cairo loses a table of each font with cubic outlines (Noto's ideographs) that it writes into a PDF.
         const zoltest::ForeignLeaks inCairo;
-        printPdf(makePhantom(), options, {}, folder.file("page.pdf"), notes);
+        print(makePhantom(), settings, {}, folder.file("page.pdf"), notes);
     }
     ASSERT_EQ(std::system(("pdftotext '" + folder.file("page.pdf") + "' '" + folder.file("text") + "'").c_str()), 0);
     std::ostringstream extracted;

@@ -2,8 +2,8 @@
 
 #include "support/dicom_writer.h"
 #include "support/test_data.h"
-#include "viewing/dicom/dicom_input.h"
-#include "viewing/input.h"
+#include "viewing/dicom/dicom_file.h"
+#include "viewing/open.h"
 
 #include <gtest/gtest.h>
 
@@ -73,7 +73,7 @@ TEST(Palette, FilesOfAnyLengthSpreadOverAllLevels) {
     const TemporaryFolder folder;
     DicomWriter two(1, 1);
     two.palette({2, 77, 16}, {0x1000, 0x2000}, {0x3000, 0x4000}, {0x5000, 0x6000});
-    const Palette palette = loadPalette(two.save(folder));
+    const Palette palette = openPalette(two.save(folder));
     EXPECT_EQ(palette[0], 0x103050U);
     EXPECT_EQ(palette[127], 0x103050U);
     EXPECT_EQ(palette[128], 0x204060U);
@@ -82,7 +82,7 @@ TEST(Palette, FilesOfAnyLengthSpreadOverAllLevels) {
     std::vector<std::uint16_t> ramp(1021);
     for (std::size_t i = 0; i < ramp.size(); ++i) ramp[i] = static_cast<std::uint16_t>(i / 4 * 256);
     many.palette({1021, 0, 16}, ramp, ramp, ramp);
-    const Palette grey = loadPalette(many.save(folder));
+    const Palette grey = openPalette(many.save(folder));
     for (unsigned int i = 0; i < 256; ++i) EXPECT_EQ(grey[i], i * 0x010101U);
 }
 
@@ -90,12 +90,12 @@ TEST(Palette, FilesWithoutOneAreRefused) {
     const TemporaryFolder folder;
     DicomWriter writer(1, 1);
     try {
-        loadPalette(writer.save(folder));
+        openPalette(writer.save(folder));
         FAIL() << "accepted";
     } catch (const Refusal& refusal) {
         EXPECT_STREQ(refusal.what(), "contains no palette");
     }
-    EXPECT_THROW(loadPalette(folder.file("none.dcm")), Refusal);
+    EXPECT_THROW(openPalette(folder.file("none.dcm")), Refusal);
 }
 
 }  // namespace
