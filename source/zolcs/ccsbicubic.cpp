@@ -2,7 +2,7 @@
 
 #include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/bicubic/bicubic.h"
-#include "zolcs/resample/interpolation.h"
+#include "zolcs/resample/draw.h"
 
 namespace {
 
@@ -84,9 +84,8 @@ int CCsBicubic::bicubicGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& t
     const MemberChecks checks{typesFit && zolcs::pixelSizesAre(src, dst, 2, 2), true,
                               !ignoreAbort && zolcs::isRaised(abortFlag)};
     return resample_(grey12Grey12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawInterpolated<std::uint16_t>(call, background, greyOf(call, keepOverlayBits),
-                                                      Copy<std::uint16_t>{},
-                                                      ignoreAbort ? Polling::Never : Polling::EveryPixel, abortFlag);
+        return zolcs::draw(call, background, greyOf(call, keepOverlayBits), Copy<std::uint16_t>{},
+                           ignoreAbort ? Polling::never() : Polling::everyPixel(abortFlag));
     });
 }
 
@@ -95,8 +94,8 @@ int CCsBicubic::bicubicGrey12Grey12_ForMagicGlass(CCsImage& src, CCsImage& dst, 
     const bool typesFit = src.getType() == CCS_GREY12 && dst.getType() == CCS_GREY12;
     const MemberChecks checks{typesFit, true, zolcs::isRaised(abortFlag)};
     return resample_(magicGlassReports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawInterpolated<std::uint16_t>(call, background, greyOf(call, false), Copy<std::uint16_t>{},
-                                                      Polling::EveryPixel, abortFlag);
+        return zolcs::draw(call, background, greyOf(call, false), Copy<std::uint16_t>{},
+                           Polling::everyPixel(abortFlag));
     });
 }
 
@@ -104,8 +103,8 @@ int CCsBicubic::bicubicGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo&
                                       unsigned char* pixelPadding, unsigned char background) {
     const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
     return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, greyOf(call, false), Polling::EveryPixel,
-                                 abortFlag);
+        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, greyOf(call, false),
+                                 Polling::everyPixel(abortFlag));
     });
 }
 
@@ -115,8 +114,8 @@ int CCsBicubic::resampleRgb_(const MemberReports& reports, bool tablesGiven, CCs
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
     const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
     return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawInterpolated(call, static_cast<std::uint32_t>(background), rgbOf(call), convert(),
-                                       Polling::EveryPixel, abortFlag);
+        return zolcs::draw(call, static_cast<std::uint32_t>(background), rgbOf(call), convert(),
+                           Polling::everyPixel(abortFlag));
     });
 }
 

@@ -2,7 +2,8 @@
 
 #include "zolcs/resample/accelerated.h"
 #include "zolcs/resample/bilinear/bilinear.h"
-#include "zolcs/resample/interpolation.h"
+#include "zolcs/resample/bilinear/packedrows.h"
+#include "zolcs/resample/draw.h"
 #include "zolcs/simd/capability.h"
 
 namespace {
@@ -75,12 +76,11 @@ int CCsBilinear::bilinearGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo&
         const bool keepsBits = keepOverlayBits && src.isEmbeddedOverlayPresent();
         const Copy<std::uint16_t> convert;
         if (zolcs::processorCapability() == 0 || keepsBits) {
-            return zolcs::drawInterpolated<std::uint16_t>(call, background, plainGrey(call, keepsBits), convert,
-                                                          Polling::Never, abortFlag);
+            return zolcs::draw(call, background, plainGrey(call, keepsBits), convert, Polling::never());
         }
-        const zolcs::Display<std::uint16_t> display{{call.lock.destination(), dst.getPitch()}, background};
-        zolcs::PlainFiller packed(BilinearPackedGrey(sourceOf<std::uint16_t>(call)), convert);
-        return zolcs::fillRowsPacked(call.stepping, display, packed);
+        const BilinearPackedGrey packed(sourceOf<std::uint16_t>(call));
+        const auto filler = zolcs::makeFiller(call.stepping, packed, convert, zolcs::StopFlag());
+        return zolcs::fillRowsPacked(call.stepping, zolcs::displayOf(call, background), *filler);
     });
 }
 
@@ -88,8 +88,8 @@ int CCsBilinear::bilinearGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTraf
                                         unsigned char* pixelPadding, unsigned char background) {
     const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
     return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, plainGrey(call, false), Polling::EveryRow,
-                                 abortFlag);
+        return zolcs::drawMapped(call, {src, map, pixelPadding, background}, plainGrey(call, false),
+                                 Polling::everyRow(abortFlag));
     });
 }
 
@@ -99,9 +99,8 @@ int CCsBilinear::resampleRgb_(const MemberReports& reports, bool tablesGiven, CC
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
     const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
     return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::drawInterpolated(call, static_cast<std::uint32_t>(background),
-                                       BilinearRgb(sourceOf<std::uint32_t>(call)), convert(), Polling::EveryRow,
-                                       abortFlag);
+        return zolcs::draw(call, static_cast<std::uint32_t>(background), BilinearRgb(sourceOf<std::uint32_t>(call)),
+                           convert(), Polling::everyRow(abortFlag));
     });
 }
 

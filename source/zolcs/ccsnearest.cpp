@@ -3,9 +3,7 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/resample/accelerated.h"
-#include "zolcs/resample/member.h"
-#include "zolcs/resample/nearest/nearestfiller.h"
-#include "zolcs/resample/resample.h"
+#include "zolcs/resample/draw.h"
 
 namespace {
 
@@ -19,10 +17,12 @@ using zolcs::GreyTable;
 using zolcs::MemberCall;
 using zolcs::MemberChecks;
 using zolcs::MemberReports;
+using zolcs::NearestKernel;
 using zolcs::PixelRules;
 using zolcs::pixelSizesAre;
 using zolcs::ReversedRgb24;
 using zolcs::Rgb24;
+using zolcs::RuledFiller;
 using zolcs::Stepping;
 
 /// Channels of a 32-bit display pixel; the fourth byte is 0.
@@ -47,25 +47,15 @@ constexpr MemberReports rgb8Rgb8MapReports = reportsOf(L"nearestRgb8Rgb8Map", {1
 constexpr MemberReports rgb8Rgb8MapSeperateReports =
     reportsOf(L"nearestRgb8Rgb8MapSeperate", {1498, 1521, 1524, 1580, 1507});
 
-/// Fills the destination with nearest source pixels, each through `convert`; `rules` go first where there are any.
+template <typename Pixel>
+NearestKernel<Pixel> sourceOf(const MemberCall& call) {
+    return {{call.lock.source(), call.src.getPitch()}};
+}
+
+/// Fills the destination with nearest source pixels, each through `convert`.
 template <typename SourcePixel, typename Pixel, typename Convert>
-bool drawNearest(const MemberCall& call, Pixel background, const Convert& convert, const PixelRules& rules = {}) {
-    const zolcs::ImageView<const SourcePixel> source(call.lock.source(), call.src.getPitch());
-    const zolcs::Display<Pixel> display{{call.lock.destination(), call.dst.getPitch()}, background};
-    const auto fill = [&](auto filler) {
-        if constexpr (std::is_same_v<SourcePixel, std::uint16_t> && std::is_same_v<Pixel, std::uint32_t>) {
-            if (!rules.positionsAreFree()) {
-                zolcs::RuledFiller ruled(filler, rules, {source});
-                return zolcs::fillDisplay(call.stepping, display, ruled);
-            }
-        }
-        return zolcs::fillDisplay(call.stepping, display, filler);
-    };
-    using Fast = zolcs::NearestFiller<SourcePixel, Pixel, Convert>;
-    if (!zolcs::SpanOperations::isPlain() && Fast::isUsableFor(call.stepping, source.pitch())) {
-        return fill(Fast(source, convert));
-    }
-    return fill(zolcs::PlainFiller(zolcs::NearestKernel<SourcePixel>{source}, convert));
+bool drawNearest(const MemberCall& call, Pixel background, const Convert& convert) {
+    return zolcs::draw(call, background, sourceOf<SourcePixel>(call), convert, zolcs::Polling::never());
 }
 
 constexpr AcceleratedMember<Ipp16u> acceleratedGrey{
@@ -106,7 +96,12 @@ void CCsNearest::nearestGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo
         auto* greyMap = dynamic_cast<IGreyMap*>(map);
         const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, call.stepping);
         const auto table = zolcs::greyTable(greyMap, src.getType() == CCS_GREY12, rules.embeddedColours());
-        return drawNearest<std::uint16_t, std::uint32_t>(call, background, GreyTable{table.data()}, rules);
+        const GreyTable convert{table.data()};
+        const auto source = sourceOf<std::uint16_t>(call);
+
+        auto filler = zolcs::makeFiller(call.stepping, source, convert, zolcs::StopFlag());
+        if (!rules.positionsAreFree()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, source);
+        return zolcs::fillDisplay(call.stepping, zolcs::displayOf<std::uint32_t>(call, background), *filler);
     });
 }
 

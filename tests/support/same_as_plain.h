@@ -8,7 +8,7 @@
 #include "support/variants.h"
 #include "zolcs/ccsbicubic.h"
 #include "zolcs/resample/bicubic/bicubic.h"
-#include "zolcs/resample/resample.h"
+#include "zolcs/resample/display.h"
 #include "zolcs/resample/spanoperations.h"
 #include "zolcs/resample/stopflag.h"
 
@@ -119,7 +119,7 @@ void expectStopWithinABlock(const zolcs::DisplayToImage& matrix, const std::vect
         Filler filler(kernel, convert, zolcs::StopFlag(flag));
         std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
         const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};
-        EXPECT_FALSE(zolcs::fillRows(stepping, display, filler));
+        EXPECT_FALSE(zolcs::fillDisplay(stepping, display, filler));
         EXPECT_GE(written, values);
         EXPECT_LE(written, values + zolcs::StopFlag::block - 1);
         // What was written stays, and nothing else has been.

@@ -14,8 +14,10 @@
 namespace zolcs {
 
 /// The source pixel on which a position falls.
-template <typename Pixel>
+template <typename Sample>
 struct NearestKernel {
+    using Pixel = Sample;
+
     ImageView<const Pixel> source;
 
     Pixel operator()(Fixed16 u, Fixed16 v) const { return source.line(pixelOf(v))[pixelOf(u)]; }

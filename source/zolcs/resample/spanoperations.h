@@ -1,7 +1,6 @@
 // The innermost operations of the fast fillers, in the variants that the processor offers.
 #pragma once
 
-
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,7 +1,6 @@
 // The weights of cubic convolution, computed once for the whole process.
 #pragma once
 
-
 #include <array>
 #include <cstdint>
 

@@ -1,9 +1,7 @@
-// Bilinear interpolation of the 2 x 2 source pixels around a position: the kernels, and the packed path's own way of
-// writing rows.
+// Bilinear interpolation of the 2 x 2 source pixels around a position: the kernels.
 #pragma once
 
 #include "zolcs/pixels/imageview.h"
-#include "zolcs/resample/resample.h"
 #include "zolcs/view/stepping.h"
 
 #include <algorithm>
@@ -91,6 +89,8 @@ private:
 /// each of the two directions loses 1 of a flat area. Pictures depend on it.
 class BilinearPackedGrey {
 public:
+    using Pixel = std::uint16_t;
+
     explicit BilinearPackedGrey(const BilinearSource<std::uint16_t>& source) : source_(source) {}
 
     std::uint16_t operator()(Fixed16 u, Fixed16 v) const {
@@ -138,25 +138,5 @@ private:
 
     BilinearSource<std::uint32_t> source_;
 };
-
-/// The packed path's output: its position advances once per row, after the span. So all pixels of a span go to the
-/// first one's place, where the last one stays; the background on the right follows at once, and as many pixels as the
-/// span is longer than one keep what they held at the end of the row. This is the defined picture: it is not mended.
-template <typename Pixel, Filler<Pixel> F>
-bool fillRowsPacked(const Stepping& stepping, const Display<Pixel>& display, F& filler) {
-    filler.prepare(stepping);
-    return walkRows(stepping, [&](int y, const SourceLine& line, Span span) {
-        display.fillBackground(y, 0, span.begin());
-        int position = span.begin();
-        if (!span.empty()) {
-            const ColumnRange lastColumn{span.end() - 1, span.end()};
-            filler.expect(lastColumn);
-            if (!filler.fill(line, lastColumn, display.image.line(y) + position)) return false;
-            ++position;
-        }
-        display.fillBackground(y, position, position + stepping.width - span.end());
-        return true;
-    });
-}
 
 }  // namespace zolcs

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "zolcs/resample/kernels.h"
+#include "zolcs/resample/plainfiller.h"
+#include "zolcs/resample/spanfiller.h"
 #include "zolcs/resample/spanoperations.h"
+#include "zolcs/resample/stopflag.h"
 #include "zolcs/view/stepping.h"
 
 #include <algorithm>
@@ -31,18 +34,26 @@ inline bool fitsSpanPositions(const Stepping& stepping, std::int64_t sourcePitch
            pixelOf(stepping.limitV) * sourcePitch <= limit;
 }
 
-/// Equals PlainFiller<NearestKernel<SourcePixel>, Convert> bit for bit, for sources that isUsableFor accepts.
-template <typename SourcePixel, typename Pixel, typename Convert>
-class NearestFiller {
+/// Loads the source pixels of many display pixels at once.
+template <typename SourcePixel, typename Convert>
+class NearestFiller final : public SpanFiller<DisplayPixel<NearestKernel<SourcePixel>, Convert>> {
 public:
-    static bool isUsableFor(const Stepping& stepping, std::int64_t sourcePitch) {
-        return fitsSpanPositions(stepping, sourcePitch);
+    using Kernel = NearestKernel<SourcePixel>;
+    using Pixel = DisplayPixel<Kernel, Convert>;
+
+    static constexpr const char* name = "nearest";
+
+    /// True when the source's positions and offsets fit 31 bits.
+    static bool isUsableFor(const Kernel& kernel, const Stepping& stepping) {
+        return !SpanOperations::isPlain() && fitsSpanPositions(stepping, kernel.source.pitch());
     }
 
-    NearestFiller(ImageView<const SourcePixel> source, const Convert& convert) : source_(source), convert_(convert) {}
+    /// The conversion must outlive the filler. No member that takes the nearest pixels can be stopped.
+    NearestFiller(const Kernel& kernel, const Convert& convert, StopFlag /*stop*/)
+        : source_(kernel.source), convert_(convert) {}
 
     /// In an upright view all lines take the same source columns.
-    void prepare(const Stepping& stepping) {
+    void beginView(const Stepping& stepping) override {
         columnOffsets_.clear();
         line_.clear();
         expected_ = {};
@@ -65,13 +76,13 @@ public:
         sourceLines_ = pixelOf(stepping.limitV);
     }
 
-    void expect(ColumnRange columns) {
+    void beginColumns(ColumnRange columns) override {
         if (columns == expected_) return;
         expected_ = columns;
         keptLine_ = -1;
     }
 
-    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
+    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) override {
         if (columnOffsets_.empty()) {
             fillOblique(line, columns, out);
         } else {

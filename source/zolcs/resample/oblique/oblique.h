@@ -7,7 +7,8 @@
 #include "zolcs/resample/kernels.h"
 #include "zolcs/resample/nearest/nearestfiller.h"
 #include "zolcs/resample/oblique/obliqueoperations.h"
-#include "zolcs/resample/resample.h"
+#include "zolcs/resample/plainfiller.h"
+#include "zolcs/resample/spanfiller.h"
 #include "zolcs/resample/stopflag.h"
 #include "zolcs/resample/upright/uprightoperations.h"
 
@@ -25,7 +26,7 @@ struct Interior {
     Fixed16 highV;
 };
 
-/// How the blocks of a kernel are computed. Only kernels that have this have a fast filler.
+/// How the blocks of a kernel are computed.
 template <typename Kernel>
 struct BlockKernel;
 
@@ -78,33 +79,31 @@ struct BlockKernel<CubicRgb> {
     }
 };
 
-template <typename Kernel>
-inline constexpr bool hasObliqueFiller = requires {
-    &BlockKernel<Kernel>::interior;
-};
-
-/// Equals PlainFiller<Kernel, Convert> bit for bit.
+/// Computes many pixels at once where all source pixels around them exist.
 template <typename Kernel, typename Convert>
-class ObliqueFiller {
+class ObliqueFiller final : public SpanFiller<DisplayPixel<Kernel, Convert>> {
 public:
+    using Pixel = DisplayPixel<Kernel, Convert>;
+
+    static constexpr const char* name = "oblique";
+
     /// True when the processor has operations for it and the source's positions and offsets fit 31 bits.
     static bool isUsableFor(const Kernel& kernel, const Stepping& stepping) {
         return BlockOperations::chosen() != nullptr && fitsSpanPositions(stepping, kernel.source().pixels().pitch());
     }
 
-    /// Looks at `stop` before each block.
+    /// The conversion must outlive the filler. Looks at `stop` before each block.
     ObliqueFiller(const Kernel& kernel, const Convert& convert, StopFlag stop)
         : kernel_(kernel),
           convert_(convert),
           stop_(stop),
           operations_(*BlockOperations::chosen()),
-          plain_(kernel, convert) {}
+          plain_(kernel, convert, StopFlag()) {}
 
-    void prepare(const Stepping& /*stepping*/) {}
-    void expect(ColumnRange /*columns*/) {}
+    void beginView(const Stepping& /*stepping*/) override {}
+    void beginColumns(ColumnRange /*columns*/) override {}
 
-    template <typename Pixel>
-    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) {
+    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) override {
         const ColumnRange inside = interiorColumns(line, columns);
         return fillInBlocks({columns.begin, inside.begin}, columns, out,
                             [&](ColumnRange block, Pixel* pixels) { plain_.fill(line, block, pixels); }) &&
@@ -126,7 +125,7 @@ private:
         return columnsBetween(line.v - half, line.dv, interior.lowV, interior.highV, columns);
     }
 
-    template <typename Pixel, typename Fill>
+    template <typename Fill>
     bool fillInBlocks(ColumnRange part, ColumnRange columns, Pixel* out, const Fill& fill) const {
         const int most = stop_.isThere() ? StopFlag::block : mostAtOnce;
         for (int x = part.begin; x < part.end; x += most) {
@@ -136,7 +135,6 @@ private:
         return true;
     }
 
-    template <typename Pixel>
     void compute(const SourceLine& line, ColumnRange columns, Pixel* out) const {
         constexpr Fixed16 half = fixed16One / 2;
         const int count = columns.end - columns.begin;

@@ -8,7 +8,9 @@
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/bilinear/bilinear.h"
 #include "zolcs/resample/kernels.h"
-#include "zolcs/resample/resample.h"
+#include "zolcs/resample/plainfiller.h"
+#include "zolcs/resample/spanfiller.h"
+#include "zolcs/resample/spanoperations.h"
 #include "zolcs/resample/stopflag.h"
 #include "zolcs/resample/upright/uprightoperations.h"
 #include "zolcs/view/stepping.h"
@@ -85,9 +87,13 @@ struct CubicAxes {
     }
 };
 
+inline constexpr std::int32_t twelveBitMask = 0x0FFF;
+
 struct BilinearGrey12Lines : BilinearAxes<BilinearGrey> {
+    static constexpr const char* name = "upright, 12 bits";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 1;
+    static bool takes(const BilinearGrey& kernel) { return kernel.mask() == twelveBitMask; }
     static constexpr int weightsPerColumn = 2;
     static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
                          std::int16_t* /*remainders*/) {
@@ -101,8 +107,10 @@ struct BilinearGrey12Lines : BilinearAxes<BilinearGrey> {
 };
 
 struct BilinearGrey16Lines : BilinearAxes<BilinearGrey> {
+    static constexpr const char* name = "upright, 16 bits";
     using Sample = std::int32_t;
     static constexpr int samplesPerPixel = 1;
+    static bool takes(const BilinearGrey& kernel) { return kernel.mask() != twelveBitMask; }
     static constexpr int weightsPerColumn = 2;
     static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
                          std::int16_t* /*remainders*/) {
@@ -116,8 +124,10 @@ struct BilinearGrey16Lines : BilinearAxes<BilinearGrey> {
 };
 
 struct BilinearRgbLines : BilinearAxes<BilinearRgb> {
+    static constexpr const char* name = "upright";
     using Sample = std::uint32_t;
     static constexpr int samplesPerPixel = 1;
+    static bool takes(const BilinearRgb& /*kernel*/) { return true; }
     static constexpr int weightsPerColumn = 4;
     static void tabulate(const AxisTaps<2, std::uint32_t>& column, std::int64_t offset, std::int16_t* weights,
                          std::int16_t* /*remainders*/) {
@@ -129,24 +139,30 @@ struct BilinearRgbLines : BilinearAxes<BilinearRgb> {
 };
 
 struct CubicGrey12Lines : CubicAxes<CubicGrey> {
+    static constexpr const char* name = "upright, 12 bits";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 1;
+    static bool takes(const CubicGrey& kernel) { return kernel.mask() == twelveBitMask; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
     static auto across(const LineOperations& operations) { return operations.cubicGrey12Across; }
     static auto down(const LineOperations& operations) { return operations.cubicGrey12Down; }
 };
 
 struct CubicGrey16Lines : CubicAxes<CubicGrey> {
+    static constexpr const char* name = "upright, 16 bits";
     using Sample = std::int32_t;
     static constexpr int samplesPerPixel = 1;
+    static bool takes(const CubicGrey& kernel) { return kernel.mask() != twelveBitMask; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
     static auto across(const LineOperations& operations) { return operations.cubicGrey16Across; }
     static auto down(const LineOperations& operations) { return operations.cubicGrey16Down; }
 };
 
 struct CubicRgbLines : CubicAxes<CubicRgb> {
+    static constexpr const char* name = "upright";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 4;
+    static bool takes(const CubicRgb& /*kernel*/) { return true; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
     static auto across(const LineOperations& operations) { return operations.cubicRgbAcross; }
     static auto down(const LineOperations& operations) { return operations.cubicRgbDown; }
@@ -232,18 +248,28 @@ private:
     std::vector<std::uint8_t> groupBytes_;
 };
 
-/// Equals PlainFiller<Lines::Kernel, Convert> bit for bit, in separable views.
+/// Filters source rows across once and weighs them down for each display row.
 template <typename Lines, typename Convert>
-class SeparableFiller {
+class SeparableFiller final : public SpanFiller<DisplayPixel<typename Lines::Kernel, Convert>> {
 public:
     using Kernel = typename Lines::Kernel;
-    using Pixel = typename Kernel::Pixel;
+    using Value = typename Kernel::Pixel;
+    using Pixel = DisplayPixel<Kernel, Convert>;
     using Sample = typename Lines::Sample;
 
+    static constexpr const char* name = Lines::name;
+
+    /// True for upright views and quarter turns of sources that are wide enough for every kernel.
+    static bool isUsableFor(const Kernel& kernel, const Stepping& stepping) {
+        return !SpanOperations::isPlain() && Lines::takes(kernel) && pixelOf(stepping.limitU) >= 4 &&
+               (stepping.isUpright() || stepping.isQuarterTurn());
+    }
+
+    /// The conversion must outlive the filler. Looks at `stop` before each block.
     SeparableFiller(const Kernel& kernel, const Convert& convert, StopFlag stop)
         : kernel_(kernel), convert_(convert), stop_(stop), operations_(LineOperations::chosen()) {}
 
-    void prepare(const Stepping& stepping) {
+    void beginView(const Stepping& stepping) override {
         columns_.tabulate(kernel_, stepping);
         // Weighing down takes whole blocks, too, but from the first column on that is asked for.
         const std::size_t filteredColumns = columns_.size() + StopFlag::block;
@@ -252,18 +278,17 @@ public:
         const auto rowsForward = static_cast<std::int64_t>(std::clamp<Fixed16>(pixelOf(stepping.stepYv), -1000, 1000));
         nextRow_ =
             stepping.stepYv < 0 ? std::min<std::int64_t>(rowsForward, -1) : std::max<std::int64_t>(rowsForward, 1);
-        expect({});
+        beginColumns({});
     }
 
-    void expect(ColumnRange columns) {
+    void beginColumns(ColumnRange columns) override {
         if (columns == expected_) return;
         expected_ = columns;
         filteredBegin_ = columns.begin - columns.begin % StopFlag::block;
         for (FilteredRow& row : rows_) row.number = -1;
     }
 
-    template <typename Out>
-    bool fill(const SourceLine& line, ColumnRange columns, Out* out) {
+    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) override {
         const auto taps = Lines::row(kernel_, line.v);
         std::array<const Sample*, Lines::taps> rows;
         for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -271,11 +296,11 @@ public:
             if (samples == nullptr) return false;
             rows[i] = samples + (columns.begin - filteredBegin_) * Lines::samplesPerPixel;
         }
-        const auto down = [&](Pixel* values) {
+        const auto down = [&](Value* values) {
             const int count = columns.end - columns.begin;
             return Lines::down(operations_)(rows, Lines::rowWeights(taps.weights), count, values, stop_);
         };
-        if constexpr (std::is_same_v<Convert, Copy<Pixel>>) {
+        if constexpr (std::is_same_v<Convert, Copy<Value>>) {
             if (keptBits() == 0) return down(out);
         }
         return down(values_.data()) && finish(taps.pixels[Lines::centre], columns, out);
@@ -289,7 +314,7 @@ private:
     };
 
     [[nodiscard]] std::uint32_t keptBits() const {
-        if constexpr (std::is_same_v<Pixel, std::uint16_t>) {
+        if constexpr (std::is_same_v<Value, std::uint16_t>) {
             return static_cast<std::uint32_t>(kernel_.keptBits());
         } else {
             return 0;
@@ -301,7 +326,7 @@ private:
         FilteredRow& row = rows_[static_cast<std::size_t>(number) % Lines::taps];
         if (row.number != number) {
             row.number = -1;
-            const ImageView<const Pixel>& pixels = kernel_.source().pixels();
+            const ImageView<const Value>& pixels = kernel_.source().pixels();
             const std::int64_t next = std::clamp<std::int64_t>(number + nextRow_, 0, Lines::lastRow(kernel_));
             if (!Lines::across(operations_)(pixels.line(number), pixels.line(next), columns_.from(filteredBegin_),
                                             expected_.end - filteredBegin_, row.samples.data(), stop_)) {
@@ -313,9 +338,8 @@ private:
     }
 
     /// Makes display pixels of the values.
-    template <typename Out>
-    bool finish(std::int64_t centreRow, ColumnRange columns, Out* out) const {
-        const Pixel* values = values_.data();
+    bool finish(std::int64_t centreRow, ColumnRange columns, Pixel* out) const {
+        const Value* values = values_.data();
         const int count = columns.end - columns.begin;
         if (keptBits() == 0) {
             if constexpr (std::is_same_v<Convert, GreyTable>) {
@@ -324,10 +348,10 @@ private:
                 return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
             }
         }
-        const Pixel* centres = kernel_.source().pixels().line(centreRow);
+        const Value* centres = kernel_.source().pixels().line(centreRow);
         const std::int32_t* offsets = columns_.centres(columns.begin);
         return forBlocks(count, [&](int i) {
-            out[i] = convert_(static_cast<Pixel>(values[i] | (centres[offsets[i]] & keptBits())));
+            out[i] = convert_(static_cast<Value>(values[i] | (centres[offsets[i]] & keptBits())));
         });
     }
 
@@ -344,52 +368,16 @@ private:
         return true;
     }
 
-    const Kernel& kernel_;
+    Kernel kernel_;
     const Convert& convert_;
     StopFlag stop_;
     const LineOperations& operations_;
     SeparableColumns<Lines> columns_;
-    std::vector<Pixel> values_;
+    std::vector<Value> values_;
     std::array<FilteredRow, Lines::taps> rows_;
     ColumnRange expected_;
     int filteredBegin_ = 0;     ///< the first column of filtered rows, where a block begins
     std::int64_t nextRow_ = 1;  ///< source rows from one filtered row to the next
 };
-
-/// True for upright views and quarter turns of sources that are wide enough for every kernel.
-inline bool isSeparable(const Stepping& stepping) {
-    return (stepping.isUpright() || stepping.isQuarterTurn()) && pixelOf(stepping.limitU) >= 4;
-}
-
-/// Gives `draw` the separable filler of a kernel.
-template <typename Lines, typename Kernel, typename Convert, typename Draw>
-bool withLines(const Kernel& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
-    SeparableFiller<Lines, Convert> filler(kernel, convert, stop);
-    return draw(filler);
-}
-
-inline constexpr std::int32_t twelveBitMask = 0x0FFF;
-
-template <typename Convert, typename Draw>
-bool withSeparable(const BilinearGrey& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
-    return kernel.mask() == twelveBitMask ? withLines<BilinearGrey12Lines>(kernel, convert, stop, draw)
-                                          : withLines<BilinearGrey16Lines>(kernel, convert, stop, draw);
-}
-
-template <typename Convert, typename Draw>
-bool withSeparable(const CubicGrey& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
-    return kernel.mask() == twelveBitMask ? withLines<CubicGrey12Lines>(kernel, convert, stop, draw)
-                                          : withLines<CubicGrey16Lines>(kernel, convert, stop, draw);
-}
-
-template <typename Convert, typename Draw>
-bool withSeparable(const BilinearRgb& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
-    return withLines<BilinearRgbLines>(kernel, convert, stop, draw);
-}
-
-template <typename Convert, typename Draw>
-bool withSeparable(const CubicRgb& kernel, const Convert& convert, StopFlag stop, const Draw& draw) {
-    return withLines<CubicRgbLines>(kernel, convert, stop, draw);
-}
 
 }  // namespace zolcs

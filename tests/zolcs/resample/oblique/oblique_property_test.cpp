@@ -50,7 +50,7 @@ void expectSameAtTheFarEnd(const Kernel& kernel, const zolcs::Stepping& stepping
         EXPECT_EQ(Fast::isUsableFor(kernel, stepping), hasVectors && stepping.limitU <= 32768 * fixed16One);
         if (!Fast::isUsableFor(kernel, stepping)) return;
         Fast fast(kernel, copy, StopFlag());
-        zolcs::PlainFiller plain(kernel, copy);
+        zolcs::PlainFiller plain(kernel, copy, StopFlag());
         for (int y = 0; y < stepping.height; ++y) {
             const zolcs::Span span = stepping.span(y);
             const auto count = static_cast<std::size_t>(span.end() - span.begin());

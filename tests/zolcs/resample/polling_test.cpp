@@ -1,8 +1,9 @@
 // Stopping in the midst of a picture: the flag is raised by the conversion of one of the pixels, so that nothing
 // depends on how fast anything is.
-#include "zolcs/resample/interpolation.h"
+#include "zolcs/resample/pollingfiller.h"
 
 #include "support/same_as_plain.h"
+#include "zolcs/resample/fillers.h"
 
 namespace {
 
@@ -16,6 +17,8 @@ constexpr std::uint32_t shown = 501;  // what the table makes of the flat source
 constexpr std::uint32_t background = 7;
 constexpr std::uint32_t held = 0x69;
 
+Polling never(std::int32_t& /*flag*/) { return Polling::never(); }
+
 struct Drawn {
     bool done = false;
     int written = 0;
@@ -23,15 +26,15 @@ struct Drawn {
 };
 
 template <typename Kernel>
-Drawn draw(const Kernel& kernel, const zolcs::Stepping& stepping, Polling polling, int raiseAfter) {
+Drawn draw(const Kernel& kernel, const zolcs::Stepping& stepping, Polling (*pollingOf)(std::int32_t&), int raiseAfter) {
     Drawn drawn;
     drawn.pixels.assign(static_cast<std::size_t>(width) * height, held);
     std::int32_t flag = 0;
     const RaisingTable convert{raiseAfter, drawn.written, flag};
     const zolcs::Display<std::uint32_t> display{{drawn.pixels.data(), width}, background};
-    drawn.done = zolcs::withInterpolator(stepping, kernel, convert, polling, flag, [&](auto& filler) {
-        return zolcs::drawPolled(stepping, display, filler, polling == Polling::EveryRow, flag);
-    });
+    const Polling polling = pollingOf(flag);
+    const auto filler = zolcs::polled(zolcs::makeFiller(stepping, kernel, convert, polling.pixels), polling.rows);
+    drawn.done = zolcs::fillDisplay(stepping, display, *filler);
     return drawn;
 }
 
@@ -52,7 +55,7 @@ void forEachKernel(const Check& check) {
 TEST(StoppingInterpolation, WithoutPollingARaisedFlagChangesNothing) {
     zoltest::forEachVariant([](const std::string&) {
         forEachKernel([](const auto& kernel, const zolcs::Stepping& stepping) {
-            const Drawn drawn = draw(kernel, stepping, Polling::Never, 5);
+            const Drawn drawn = draw(kernel, stepping, never, 5);
             EXPECT_TRUE(drawn.done);
             EXPECT_EQ(drawn.written, width * height);
             EXPECT_EQ(std::count(drawn.pixels.begin(), drawn.pixels.end(), shown), width * height);
@@ -64,7 +67,7 @@ TEST(StoppingInterpolation, PollingRowsFinishesTheRowThatIsBeingDrawn) {
     zoltest::forEachVariant([](const std::string&) {
         for (const int raiseAfter : {1, 17, width, width + 1, 10 * width - 1, (height - 1) * width}) {
             forEachKernel([&](const auto& kernel, const zolcs::Stepping& stepping) {
-                const Drawn drawn = draw(kernel, stepping, Polling::EveryRow, raiseAfter);
+                const Drawn drawn = draw(kernel, stepping, Polling::everyRow, raiseAfter);
                 const int rows = (raiseAfter + width - 1) / width;
                 EXPECT_FALSE(drawn.done);
                 EXPECT_EQ(drawn.written, rows * width);
@@ -79,7 +82,7 @@ TEST(StoppingInterpolation, PollingRowsFinishesTheRowThatIsBeingDrawn) {
 TEST(StoppingInterpolation, AFlagThatIsRaisedInTheLastRowIsNotSeen) {
     zoltest::forEachVariant([](const std::string&) {
         forEachKernel([](const auto& kernel, const zolcs::Stepping& stepping) {
-            const Drawn drawn = draw(kernel, stepping, Polling::EveryRow, (height - 1) * width + 1);
+            const Drawn drawn = draw(kernel, stepping, Polling::everyRow, (height - 1) * width + 1);
             EXPECT_TRUE(drawn.done);
             EXPECT_EQ(drawn.written, width * height);
         });
@@ -90,7 +93,7 @@ TEST(StoppingInterpolation, PollingPixelsStopsBeforeTheNextOneOrItsBlock) {
     zoltest::forEachVariant([](const std::string& variant) {
         for (const int raiseAfter : {1, 2, 16, 17, width, width + 1, 700}) {
             forEachKernel([&](const auto& kernel, const zolcs::Stepping& stepping) {
-                const Drawn drawn = draw(kernel, stepping, Polling::EveryPixel, raiseAfter);
+                const Drawn drawn = draw(kernel, stepping, Polling::everyPixel, raiseAfter);
                 EXPECT_FALSE(drawn.done);
                 EXPECT_GE(drawn.written, raiseAfter);
                 EXPECT_LE(drawn.written, variant == "plain" ? raiseAfter : raiseAfter + zolcs::StopFlag::block - 1);
