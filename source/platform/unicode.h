@@ -10,7 +10,7 @@
 
 namespace zolplatform {
 
-/// What stands for something that is no character.
+/// Shown in place of what is no character.
 inline constexpr char32_t replacementCharacter = 0xFFFD;
 
 constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }

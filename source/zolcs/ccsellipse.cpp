@@ -34,7 +34,7 @@ using DisplayRect = CCsRect<int, CCsPoint>;
 constexpr int minimumSide = 10;
 constexpr double pickBand = 0.25;
 
-// The upright rectangle around an ellipse whose axes end in the given points.
+/// The upright rectangle around an ellipse whose axes end in the given points.
 OutputBounds boundsOf(const std::array<OutputPoint, 4>& axes) {
     const OutputPoint centre = (axes[0] + axes[1]) * 0.5;
     const OutputPoint p = (axes[1] - axes[0]) * 0.5;
@@ -72,7 +72,7 @@ double squared(double value) { return value * value; }
 
 double distance(OutputPoint a, OutputPoint b) { return std::sqrt(dot(b - a, b - a)); }
 
-// Brings a coordinate from one interval to the same place in another; an interval without length only moves.
+/// Maps a coordinate from one interval to the corresponding place of another; an interval without length only moves.
 double stretched(double value, int low, int high, int newLow, int newHigh) {
     const double length = static_cast<double>(high) - low;
     const double newLength = static_cast<double>(newHigh) - newLow;
@@ -242,7 +242,7 @@ void CCsEllipse::dspToImg(CCs2dTrafo* trafo) {
 }
 
 void CCsEllipse::imgToDsp(CCs2dTrafo* trafo) {
-    outputBounds_({trafo, nullptr, CCS_MODE_BURN_IN});  // that mode always goes by the image coordinates
+    outputBounds_({trafo, nullptr, CCS_MODE_BURN_IN});  // the mode that always takes the image coordinates
 }
 
 /// The display rectangle as it was before it was rounded to whole pixels.

@@ -17,9 +17,9 @@ struct Placement;
 ///
 /// The plain form is inscribed in an upright rectangle that is kept in display and in image pixels. The angular form is
 /// turned: it is given by four points in image coordinates, the ends of one axis and the ends of the axis across it;
-/// its rectangle is the one around it, for picking, handles and moving.
+/// for picking, handles and moving it has the upright rectangle around it.
 ///
-/// The image coordinates count, and painting the screen brings the display rectangle in step with zoom and pan, except
+/// The image coordinates count, and painting the screen updates the display rectangle after zoom and pan, except
 /// while the display rectangle is authoritative: from a move on until dspToImg.
 class ZOLWEBCS_API CCsEllipse : public CCsOverlay {
 public:
@@ -67,7 +67,7 @@ public:
     /// Takes the image coordinates from the display rectangle, which is no longer authoritative then. Nothing for null.
     void dspToImg(CCs2dTrafo* trafo) override;
 
-    /// Deliberately nothing; the other getSize tells the size.
+    /// Deliberately does nothing; the other getSize gives the size.
     void getSize(RECT& rect) override;
     /// Deliberately nothing: an ellipse has no shadow.
     void setDicomPrintFlag(bool on) override;

@@ -11,7 +11,7 @@ class ZOLWEBCS_API CCsGroup : public CCsOverlay {
 public:
     /// Empty, with a group pick flag of 0.
     CCsGroup();
-    /// Deep: clones every member. Takes over the external flag and else starts like a new group.
+    /// Deep: clones every member. Takes over the external flag and otherwise starts like a new group.
     CCsGroup(const CCsGroup& other);
     /// Deliberately shallow, the links of the group itself included: afterwards both groups name the same members,
     /// which both would delete, and the former members of this group belong to nobody. Hold such a copy where its
@@ -23,8 +23,8 @@ public:
     /// A deep copy on the heap, or null when memory is exhausted.
     CCsOverlay* NewInstance() override;
 
-    /// The first member that is hit, or what that member gives: a nested group may give one of its own. This group
-    /// instead of it when the group pick flag is not 0. Null when nothing is hit.
+    /// The result of the first member that is hit: that member, or for a nested group one of its members. This group
+    /// instead when the group pick flag is not 0. Null when nothing is hit.
     CCsOverlay* pick(int x, int y) override;
 
     /// Ends the selection of the first selected member and returns 1; 0 when no member is selected. The group's own
@@ -85,7 +85,7 @@ public:
     /// Marks the direct members, not those of nested groups, as burnt to the image or not.
     void setBurntToImage(bool on);
 
-    /// Sets what isTransformable gives for the direct members, not for those of nested groups.
+    /// Sets the result of isTransformable for the direct members, not for those of nested groups.
     void setTransformable(int on);
 
 protected:

@@ -36,7 +36,7 @@ struct Target {
     Number& y;
 };
 
-// Hands out the first points, as many as there are.
+/// Copies the first points to the targets, as many as there are.
 template <typename Number, typename Point>
 void read(const std::unique_ptr<Point[]>& points, std::int32_t count, std::initializer_list<Target<Number>> targets) {
     if (points == nullptr) return;
@@ -218,17 +218,17 @@ void CCsLine::move(CCs2dTrafo* /*trafo*/, int dx, int dy, int x, int y, CCsRegio
 int CCsLine::heldCorner_(int dx, int dy, int x, int y) {
     const int fromX = saturated(std::int64_t{x} - dx);
     const int fromY = saturated(std::int64_t{y} - dy);
-    const bool goesOn = hold.vertex >= 0 && hold.pointerX == fromX && hold.pointerY == fromY;
+    const bool goesOn = hold_.vertex >= 0 && hold_.pointerX == fromX && hold_.pointerY == fromY;
     if (!goesOn) {
-        hold.vertex = vertexAt_(dx, dy, x, y);
-        if (hold.vertex < 0) return -1;
-        const CCsPointDouble& corner = displayPointsDouble[static_cast<std::size_t>(hold.vertex)];
-        hold.offsetX = corner.x - fromX;
-        hold.offsetY = corner.y - fromY;
+        hold_.vertex = vertexAt_(dx, dy, x, y);
+        if (hold_.vertex < 0) return -1;
+        const CCsPointDouble& corner = displayPointsDouble[static_cast<std::size_t>(hold_.vertex)];
+        hold_.offsetX = corner.x - fromX;
+        hold_.offsetY = corner.y - fromY;
     }
-    hold.pointerX = x;
-    hold.pointerY = y;
-    return hold.vertex;
+    hold_.pointerX = x;
+    hold_.pointerY = y;
+    return hold_.vertex;
 }
 
 void CCsLine::reshape_(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region,
@@ -240,7 +240,7 @@ void CCsLine::reshape_(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegio
         CCsLine::move(trafo, dx, dy, x, y, region);
         return;
     }
-    zolcs::Corners corners{{}, static_cast<std::size_t>(corner), {x + hold.offsetX, y + hold.offsetY}};
+    zolcs::Corners corners{{}, static_cast<std::size_t>(corner), {x + hold_.offsetX, y + hold_.offsetY}};
     for (std::size_t i = 0; i < 4; ++i) corners.points[i] = {displayPointsDouble[i].x, displayPointsDouble[i].y};
     shape(corners);
     displayAuthoritative = 1;
@@ -277,7 +277,7 @@ void CCsLine::dspToImg(CCs2dTrafo* trafo) {
                        [&](const CCsPointDouble& point) { return CCsImageUtils::dspToImgD(*trafo, point); });
     }
     displayAuthoritative = 0;
-    hold = Hold();  // the drag has ended
+    hold_ = Hold();  // the drag has ended
 }
 
 void CCsLine::imgToDsp(CCs2dTrafo* trafo) {

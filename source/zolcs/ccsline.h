@@ -19,7 +19,7 @@ struct OutputPoint;
 /// a filled polygon, and, drawn in other ways from the same vertices, a smooth curve, a circle or an ellipse.
 ///
 /// Every vertex is kept in display pixels (as integers and unrounded) and in image pixels. The image coordinates count,
-/// and painting the screen brings the display coordinates in step with zoom and pan, except while the display
+/// and painting the screen updates the display coordinates after zoom and pan, except while the display
 /// coordinates are authoritative: from a move on until dspToImg. A line whose coordinates are normalised (fractions of
 /// the output's size) instead stays where it is on the output whatever the view is; it has no display and image
 /// coordinates, is not picked and does not move.
@@ -97,11 +97,13 @@ public:
     void setDicomPrintFlag(bool on) override;
 
     /// Draws the ellipse that touches the sides of the rectangle of four vertices (in order around it) in their middle,
-    /// however it is turned, else as render does. Nothing for other numbers of vertices. The flags have no effect.
+    /// however it is turned, otherwise as render does. Draws nothing for other numbers of vertices. The flags have no
+    /// effect.
     void renderEllipse(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode,
                        int width, int height, int offsetX, int offsetY, bool flag1, bool flag2) override;
 
-    /// Draws a smooth curve (a Catmull-Rom spline) through all vertices, else as render does. The flags have no effect.
+    /// Draws a smooth curve (a Catmull-Rom spline) through all vertices, otherwise as render does. The flags have no
+    /// effect.
     virtual void renderInterpolatedLine(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc,
                                         int mode, int width, int height, int offsetX, int offsetY, bool flag1,
                                         bool flag2);
@@ -130,8 +132,8 @@ public:
     /// Takes the display coordinates, rounded and not, from the image coordinates. Nothing for null.
     void imgToDsp(CCs2dTrafo* trafo);
 
-    /// The first two, three or four vertices in display pixels; what the line does not have stays unchanged. Likewise
-    /// below.
+    /// The first two, three or four vertices in display pixels; outputs for vertices that the line does not have stay
+    /// unchanged. Likewise below.
     void getEndPts(int& x1, int& y1, int& x2, int& y2) const;
     void getEndPts(int& x1, int& y1, int& x2, int& y2, int& x3, int& y3) const;
     void getEndPts(int& x1, int& y1, int& x2, int& y2, int& x3, int& y3, int& x4, int& y4) const;
@@ -238,5 +240,5 @@ private:
     void draw_(const Scene& scene,
                zolcs::Outline (*makeOutline)(const std::vector<zolcs::OutputPoint>&, bool closed, bool area));
 
-    Hold hold;
+    Hold hold_;
 };

@@ -37,7 +37,7 @@ public:
     /// nothing to clone.
     virtual CCsOverlay* NewInstance();
 
-    /// What lies under the point: this overlay, for a group one of its members or itself; null for nothing.
+    /// The overlay under the point: this one, or for a group one of its members or itself; null when there is none.
     virtual CCsOverlay* pick(int x, int y);
 
     /// Marks as selected; `rect` stays as it is.
@@ -57,15 +57,15 @@ public:
                         CCsImageTextFont::CCsImageTextFontType fontType, int mode, int width, int height, int offsetX,
                         int offsetY);
 
-    /// Draws into an area of width by height pixels of `dc`. `imageTrafo` brings image to display, `outputTrafo`
-    /// display to output coordinates; `color` is 0x00BBGGRR.
+    /// Draws into an area of width by height pixels of `dc`. `imageTrafo` maps image to display coordinates,
+    /// `outputTrafo` display to output coordinates; `color` is 0x00BBGGRR.
     virtual void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode,
                         int width, int height, int offsetX, int offsetY) = 0;
 
     /// Takes the image coordinates from the display coordinates.
     virtual void dspToImg(CCs2dTrafo* trafo) = 0;
 
-    /// Brings the display rectangle into `rect`, in each class's own way.
+    /// Stores or adds the display rectangle in `rect`, in each class's own way.
     virtual void getSize(RECT& rect) = 0;
 
     /// For hosts: forwarded by groups, without effect here.
@@ -80,7 +80,7 @@ public:
     /// Shadows in nearly black, (1, 1, 1), where pure black means something else to a printer.
     virtual void setDicomPrintFlag(bool on) = 0;
 
-    /// "CCsOverlay" for every class, on purpose: it does not tell kinds apart.
+    /// "CCsOverlay" for every class, deliberately: the name does not distinguish kinds of overlays.
     virtual const wchar_t* getClassName();
 
     /// Draws the ellipse that the points describe; only lines draw anything.
@@ -92,7 +92,7 @@ public:
 
     /// Whether the overlay is drawn.
     [[nodiscard]] bool isRenderable() const { return renderable; }
-    /// While off, nothing is drawn. On a group it has no effect: each member goes by its own flag.
+    /// While off, nothing is drawn. On a group it has no effect: each member has its own flag.
     void setRenderFlag(bool on) { renderable = on; }
     /// A tag for the caller; nothing here looks at it.
     void setOverlayID(int id) { overlayId = id; }
@@ -104,7 +104,7 @@ public:
     void setMoveStatus_(bool on) { movable = on; }
     /// Burnt overlays are in the image's pixels already and survive CCsGroup::resetAll.
     void setBurntToImage_(bool on) { burntToImage = on; }
-    /// What isTransformable gives.
+    /// Sets the result of isTransformable.
     void setTransformable_(int on) { transformable = on; }
     /// On a group: a hit on any member gives the group itself. On a line: whether it can be picked.
     void setGroupPickFlag(int on) { groupPickFlag = on; }

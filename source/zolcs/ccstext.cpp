@@ -25,14 +25,14 @@ namespace {
 constexpr int centred = 2;
 constexpr int ending = 1;
 
-// Where the halo's copies of the text lie around it, in the order of drawing: the ring two pixels away, then the one
-// beside the text.
+/// Where the halo's copies of the text lie around it, in the order of drawing: the ring two pixels away, then the one
+/// beside the text.
 constexpr std::array<POINT, 24> haloPositions{
     {{2, -2},  {2, -1}, {2, 0}, {2, 1},  {2, 2},  {-2, 2}, {-2, 1},  {-2, 0}, {-2, -1}, {-2, -2}, {1, -2}, {1, 2},
      {-1, -2}, {-1, 2}, {0, 2}, {0, -2}, {1, -1}, {-1, 1}, {-1, -1}, {1, 1},  {0, -1},  {0, 1},   {-1, 0}, {1, 0}}};
 constexpr std::size_t innerRing = 8;
 
-// A font like the given one in another size or weight; null for types that take it as it is.
+/// A font like the given one in another size or weight; null for types that take it as it is.
 HFONT derivedFont(HFONT font, CCsImageTextFont::CCsImageTextFontType type) {
     LOGFONTW description{};
     if (GetObjectW(font, sizeof(description), &description) == 0) return nullptr;

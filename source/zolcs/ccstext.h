@@ -18,8 +18,8 @@ extern ZOLWEBCS_API int* myCSFontWidth;
 
 /// A string at an anchor point, with a dark halo that keeps it readable on any background. Never picked.
 ///
-/// The anchor is kept in display and in image pixels. The image anchor counts, and painting the screen brings the
-/// display anchor in step with zoom and pan, except for texts that are not transformable and while the display anchor
+/// The anchor is kept in display and in image pixels. The image anchor counts, and painting the screen updates the
+/// display anchor after zoom and pan, except for texts that are not transformable and while the display anchor
 /// is authoritative: from a move on until dspToImg. A normalised anchor (fractions of the output's size) stays where it
 /// is on the output whatever the view is.
 class ZOLWEBCS_API CCsText : public CCsOverlay {

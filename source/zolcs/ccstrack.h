@@ -7,11 +7,12 @@
 class CCsOverlay;
 
 /// Follows one drag of the mouse over an overlay or a group: where it began, what was hit there, and where it is now.
-/// The host moves what was picked by the way that the drag has gone. Positions are display pixels. Owns no overlay.
+/// The host moves what was picked by the distance that the drag has covered. Positions are display pixels. Owns no
+/// overlay.
 class ZOLWEBCS_API CCsTrack {
 public:
     CCsTrack() = default;
-    /// Tracks over this overlay, which stays the caller's; null is as none.
+    /// Tracks over this overlay, which stays the caller's; null means none.
     explicit CCsTrack(CCsOverlay* overlay);
     /// Deep: has clones of both overlays (null where there is none and where there is no memory), which belong to the
     /// caller, who gets them from getOverlay and getPicked.
@@ -25,19 +26,19 @@ public:
     /// nothing). Without an overlay the picked one stays.
     void downEvent(int newX, int newY);
     void motionEvent(int newX, int newY);
-    /// The button goes up: nothing is picked any more, wherever that is.
+    /// The button goes up here: nothing is picked any more.
     void upEvent(int newX, int newY);
 
-    /// The way from where the drag began, or from the last resetDxy.
+    /// The distance from where the drag began, or from where resetDxy was last called.
     [[nodiscard]] int getDx() const;
     [[nodiscard]] int getDy() const;
     [[nodiscard]] int getX() const { return x; }
     [[nodiscard]] int getY() const { return y; }
     [[nodiscard]] CCsOverlay* getOverlay() const { return overlay; }
-    /// What the press hit, until the button goes up; else null.
+    /// The overlay under the pointer when the button went down; null after it went up, or when there was none.
     [[nodiscard]] CCsOverlay* getPicked() const { return picked; }
 
-    /// The way counts from here, for dragging step by step.
+    /// Measures the distance from here on, for dragging step by step.
     void resetDxy();
 
 protected:

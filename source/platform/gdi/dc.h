@@ -42,7 +42,7 @@ private:
     HGDIOBJ handle_ = nullptr;
 };
 
-/// What GetDeviceCaps tells.
+/// What GetDeviceCaps answers from.
 struct Capabilities {
     int technology = DT_RASDISPLAY;
     int width = 0;   ///< pixels
@@ -53,7 +53,7 @@ struct Capabilities {
     [[nodiscard]] int value(int index) const;
 };
 
-/// Of the screen that device contexts without a window stand for.
+/// The screen's, for device contexts without a window.
 constexpr Capabilities screenCapabilities() { return {DT_RASDISPLAY, 1920, 1080, 96}; }
 
 /// What SaveDC keeps.
@@ -159,7 +159,7 @@ Result withCanvas(HDC dc, Result failure, const Body& body) noexcept {
     });
 }
 
-/// Sets one value of a device context and returns the one before.
+/// Sets a value of a device context and returns the previous one.
 template <typename T>
 T replaceState(HDC dc, T State::*field, T value, T failure) noexcept {
     return withDc(dc, failure, [&](DeviceContext& context) { return std::exchange(context.state.*field, value); });

@@ -10,7 +10,7 @@
 
 namespace zolgdi {
 
-/// Base of what handles stand for.
+/// Base of the objects that handles name.
 class Object {
 public:
     Object() = default;

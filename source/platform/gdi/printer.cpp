@@ -88,7 +88,7 @@ public:
 private:
     explicit Document(std::string path) : path_(std::move(path)) {}
 
-    /// What stands for a device, such as a pipe, stays.
+    /// Removes the file, but not a pipe or another device of that name.
     void discard() const {
         std::error_code ignored;
         if (std::filesystem::is_regular_file(path_, ignored)) std::remove(path_.c_str());

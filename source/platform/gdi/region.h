@@ -1,4 +1,4 @@
-// What a region's handle stands for.
+// The objects that handles of regions name.
 #pragma once
 
 #include "platform/gdi/area.h"

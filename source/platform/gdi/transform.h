@@ -28,7 +28,7 @@ struct Affine {
                 origin.x,
                 origin.y};
     }
-    /// The way back; the transformation must have one.
+    /// The inverse transformation; there must be one.
     [[nodiscard]] Affine inverse() const {
         const double determinant = m11 * m22 - m12 * m21;
         const Affine back{m22 / determinant, -m12 / determinant, -m21 / determinant, m11 / determinant, 0.0, 0.0};

@@ -8,7 +8,7 @@ namespace zolcs {
 
 constexpr bool isRenderMode(int mode) { return mode >= CCS_MODE_SCREEN && mode <= CCS_MODE_BURN_IN; }
 
-/// Whether display coordinates follow what is drawn, so that picking and moving go by the newest view.
+/// Whether drawing updates the display coordinates, so that picking and moving use the newest view.
 constexpr bool keepsDisplayInStep(int mode) { return mode == CCS_MODE_SCREEN || mode == CCS_MODE_BURN_IN; }
 
 /// Whether texts that stay where they are on the display are drawn: not into an image.

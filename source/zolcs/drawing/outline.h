@@ -3,7 +3,7 @@
 // Output coordinates are doubles: pixels of the device context that is drawn on, not rounded. GDI gets them truncated.
 // What lies beyond GDI's coordinates is cut off geometrically before that, so that the visible part of a line keeps its
 // direction however far its ends are away. Nothing is drawn to points that are not finite or so far out that a double
-// does not name a single pixel.
+// does not distinguish neighbouring pixels.
 #pragma once
 
 #include "platform/geometry.h"

@@ -1,4 +1,4 @@
-// Where figures and texts are drawn: the one place that knows which coordinates each render mode takes.
+// Where figures and texts are drawn: the only place that knows which coordinates each render mode takes.
 #pragma once
 
 #include "zolcs/ccsgeometry.h"

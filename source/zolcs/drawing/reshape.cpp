@@ -18,7 +18,7 @@ constexpr OutputPoint quarterTurned(OutputPoint p) { return {-p.y, p.x}; }
 
 double length(OutputPoint p) { return std::sqrt(dot(p, p)); }
 
-// A unit vector along a side, or nothing for a side without length. Sides within half a pixel of an axis lie on it.
+/// A unit vector along a side, or nothing for a side without length. Sides within half a pixel of an axis lie on it.
 std::optional<OutputPoint> direction(OutputPoint side) {
     const double x = std::fabs(side.x);
     const double y = std::fabs(side.y);
