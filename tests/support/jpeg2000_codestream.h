@@ -19,6 +19,11 @@ struct CodestreamShape {
     int bits = 8;
     bool isSigned = false;
     bool colourTransformation = false;
+    int tile = 0;  ///< side; 0 for one tile
+    int resolutions = 1;
+    int layers = 1;
+    int precinct = 0;  ///< side of the largest ones; 0 for the greatest possible
+    OPJ_PROG_ORDER order = OPJ_LRCP;
 };
 
 /// A lossless codestream of samples that follow one another pixel by pixel.
@@ -40,9 +45,22 @@ inline std::vector<std::uint8_t> encodeJpeg2000(const CodestreamShape& shape, co
 
     opj_cparameters_t parameters;
     opj_set_default_encoder_parameters(&parameters);
-    parameters.tcp_numlayers = 1;
+    parameters.tcp_numlayers = shape.layers;
+    // Each layer has half of what is left out of the one before; the last one leaves out nothing.
+    for (int layer = 0; layer < shape.layers; ++layer)
+        parameters.tcp_rates[layer] = static_cast<float>(1 << (shape.layers - 1 - layer));
     parameters.cp_disto_alloc = 1;
-    parameters.numresolution = 1;
+    parameters.numresolution = shape.resolutions;
+    parameters.prog_order = shape.order;
+    if (shape.tile != 0) {
+        parameters.tile_size_on = OPJ_TRUE;
+        parameters.cp_tdx = parameters.cp_tdy = shape.tile;
+    }
+    if (shape.precinct != 0) {
+        parameters.csty |= 1;
+        parameters.res_spec = 1;
+        parameters.prcw_init[0] = parameters.prch_init[0] = shape.precinct;
+    }
     parameters.tcp_mct = shape.colourTransformation ? 1 : 0;
     opj_codec_t* const codec = opj_create_compress(OPJ_CODEC_J2K);
     EXPECT_TRUE(opj_setup_encoder(codec, &parameters, image));

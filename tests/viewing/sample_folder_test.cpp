@@ -1,8 +1,8 @@
 // Every file of the sample folder: shown, or refused with the words that are expected.
 #include "support/test_data.h"
 #include "viewing/dicom/dicom_file.h"
-#include "viewing/render.h"
 #include "viewing/open.h"
+#include "viewing/render.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +16,15 @@ using namespace viewing;
 const std::map<std::string, std::string> refusals{
     {"chrKoreanMulti", "contains no image (it is a ComputedRadiographyImageStorage)"},
     {"MR_truncated", "is truncated, or is not a DICOM file"},
+    {"j2k_16bit_in_8_allocated", "has a JPEG 2000 codestream of 16 bits a sample where Bits Allocated says 8"},
+    {"j2k_half_of_its_tiles", "is truncated: its JPEG 2000 codestream has 8 of 16 tiles"},
+    {"j2k_tiny_precincts_9GB", "has a JPEG 2000 codestream cut into so small parts that decoding it would take far "},
+    {"jpeg_8bit_in_16_allocated", "has a JPEG codestream of 8 bits a sample where Bits Stored says 16"},
+    {"jpeg_cut_with_eoi", "has a damaged JPEG codestream"},
+    {"jpeg_extended_cut_with_eoi", "has a damaged JPEG codestream"},
+    {"jpeg_one_component_in_rgb", "has a JPEG codestream of 1 sample a pixel where Samples per Pixel says 3"},
+    {"jpeg_smaller_than_rows_columns",
+     "has a JPEG codestream of 320 x 240 pixels where Columns and Rows say 640 x 480"},
 };
 
 std::string expectedRefusal(const std::filesystem::path& path) {
@@ -67,7 +76,15 @@ TEST(SampleFolder, OneImageInSixEncodingsIsOneImage) {
     }
 }
 
-Picture showSample(const std::filesystem::path& path, const OpenSettings& load = {}, const DisplaySettings& settings = {}) {
+TEST(SampleFolder, RunLengthsInTwoFragmentsAreOneImage) {
+    const std::filesystem::path folder = zoltest::sampleFolder();
+    if (folder.empty()) GTEST_SKIP() << "no sample folder";
+    EXPECT_EQ(openImage((folder / "broken/rle_two_fragments_wrong_picture.dcm").string(), {}).samples,
+              openImage((folder / "syntax/MR_small_RLE.dcm").string(), {}).samples);
+}
+
+Picture showSample(const std::filesystem::path& path, const OpenSettings& load = {},
+                   const DisplaySettings& settings = {}) {
     std::vector<std::string> notes;
     return render(openImage(path.string(), load), settings, notes);
 }

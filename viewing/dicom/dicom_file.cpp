@@ -12,8 +12,6 @@
 #include "zolipp/zolipp.h"
 
 #include <dcmtk/dcmdata/dcistrmf.h>
-#include <dcmtk/dcmdata/dcrledrg.h>
-#include <dcmtk/dcmjpeg/djdecode.h>
 #include <dcmtk/dcmjpls/djdecode.h>
 
 #include <algorithm>
@@ -25,23 +23,16 @@ namespace viewing {
 
 namespace {
 
-/// The decoders, and silence from the toolkit: what is wrong is said once, in our words.
+/// The decoder that the toolkit keeps to itself, and silence from it: what is wrong is said once, in our words.
 class Codecs {
 public:
     Codecs() {
         OFLog::configure(OFLogger::OFF_LOG_LEVEL);
-        DcmRLEDecoderRegistration::registerCodecs();
-        // Colours as red, green and blue where the data set says what they are, and pixel after pixel.
-        DJDecoderRegistration::registerCodecs(EDC_photometricInterpretation, EUC_default, EPC_colorByPixel);
         DJLSDecoderRegistration::registerCodecs(EJLSUC_default, EJLSPC_colorByPixel);
     }
     Codecs(const Codecs&) = delete;
     Codecs& operator=(const Codecs&) = delete;
-    ~Codecs() {
-        DJLSDecoderRegistration::cleanup();
-        DJDecoderRegistration::cleanup();
-        DcmRLEDecoderRegistration::cleanup();
-    }
+    ~Codecs() { DJLSDecoderRegistration::cleanup(); }
 };
 
 void prepareToolkit() { static const Codecs codecs; }
@@ -117,6 +108,8 @@ FrameShape readShape(const Attributes& attributes, const StoredImage& image, con
     shape.height = image.height;
     shape.samples = std::max(attributes.count(DCM_SamplesPerPixel), 1);
     shape.bitsAllocated = format.bitsAllocated;
+    shape.bitsStored = format.bitsStored;
+    shape.isSigned = format.isSigned;
     shape.photometric = attributes.text(DCM_PhotometricInterpretation);
     shape.planar = attributes.count(DCM_PlanarConfiguration) == 1;
     shape.frames = readFrames(attributes);
@@ -309,6 +302,7 @@ StoredImage DicomFile::image(int frame) const {
     readShutters(attributes, image);
 
     const Frame pixels = readFrame(dataset, shape, frame - 1);
+    image.notes.insert(image.notes.end(), pixels.notes.begin(), pixels.notes.end());
     if (kind == PixelKind::Colour) {
         refuseUnless(!format.isSigned, "has signed colours, which cannot be");
         convertColours(image, pixels.words, format, layoutOf(pixels, image));

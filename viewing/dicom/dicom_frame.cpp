@@ -1,7 +1,11 @@
 #include "viewing/dicom/dicom_frame.h"
 
+#include "viewing/dicom/codestream.h"
+#include "viewing/dicom/jpeg.h"
 #include "viewing/dicom/jpeg2000.h"
-#include "viewing/image/stored_image.h"
+#include "viewing/dicom/jpeg2000_layout.h"
+#include "viewing/dicom/run_lengths.h"
+#include "viewing/image/refusal.h"
 
 #include <dcmtk/dcmdata/dccodec.h>
 #include <dcmtk/dcmdata/dcpixseq.h>
@@ -9,6 +13,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 namespace viewing {
 
@@ -42,7 +48,7 @@ Frame readUncompressed(DcmPixelData& data, E_TransferSyntax syntax, const FrameS
     const OFCondition read =
         data.getPartialValue(bytes.data(), static_cast<Uint32>(offset), static_cast<Uint32>(size), nullptr);
     if (read.bad()) throw Refusal(unreadable);
-    return {toWords(bytes, count, shape.bitsAllocated), shape.photometric, shape.planar};
+    return {toWords(bytes, count, shape.bitsAllocated), shape.photometric, shape.planar, {}};
 }
 
 DcmPixelSequence& fragmentsOf(DcmPixelData& data, E_TransferSyntax syntax) {
@@ -61,83 +67,126 @@ Uint32 startOf(DcmPixelSequence& fragments, const FrameShape& shape, int frame) 
     return start;
 }
 
-/// The compressed bytes of a frame.
+DcmPixelItem& fragment(DcmPixelSequence& fragments, Uint32 number) {
+    DcmPixelItem* item = nullptr;
+    if (fragments.getItem(item, number).bad() || item == nullptr) throw Refusal(unreadable);
+    return *item;
+}
+
+/// What is compressed may grow by a little, but not by much.
+void refuseTooLong(std::size_t length, const FrameShape& shape) {
+    constexpr std::size_t spare = std::size_t{16} << 20U;
+    const std::size_t decoded = pixelsOf(shape) * static_cast<std::size_t>(shape.samples * shape.bitsAllocated / 8);
+    if (length > decoded + spare)
+        throw Refusal("has " + std::to_string(length) + " bytes of compressed data for a frame of " +
+                      std::to_string(decoded));
+}
+
+/// The compressed bytes of a frame, whose fragments are joined.
 Bytes compressedFrame(DcmPixelData& data, E_TransferSyntax syntax, const FrameShape& shape, int frame) {
     DcmPixelSequence& fragments = fragmentsOf(data, syntax);
-    Bytes out;
+    const Uint32 begin = startOf(fragments, shape, frame);
     const Uint32 end = startOf(fragments, shape, frame + 1);
-    for (Uint32 i = startOf(fragments, shape, frame); i < end; ++i) {
-        DcmPixelItem* item = nullptr;
+    std::size_t length = 0;
+    for (Uint32 i = begin; i < end; ++i) length += fragment(fragments, i).getLength();
+    refuseTooLong(length, shape);
+    Bytes out;
+    out.reserve(length);
+    for (Uint32 i = begin; i < end; ++i) {
+        DcmPixelItem& item = fragment(fragments, i);
         Uint8* bytes = nullptr;
-        if (fragments.getItem(item, i).bad() || item == nullptr) throw Refusal(unreadable);
-        if (item->getLength() == 0) continue;
-        if (item->getUint8Array(bytes).bad() || bytes == nullptr) throw Refusal(unreadable);
-        out.insert(out.end(), bytes, bytes + item->getLength());
+        if (item.getLength() == 0) continue;
+        if (item.getUint8Array(bytes).bad() || bytes == nullptr) throw Refusal(unreadable);
+        out.insert(out.end(), bytes, bytes + item.getLength());
+        // The file has them still.
+        item.compact();
     }
     return out;
 }
 
-/// Bytes that a run-length coded segment expands to.
-std::size_t expandedLength(const Bytes& bytes, std::size_t at, std::size_t end) {
-    std::size_t length = 0;
-    while (at < end) {
-        const std::size_t control = bytes[at];
-        if (control == 128) {
-            at += 1;
-        } else if (control > 128) {
-            length += at + 1 < end ? 257 - control : 0;
-            at += 2;
-        } else {
-            length += std::min(control + 1, end - at - 1);
-            at += control + 2;
-        }
-    }
-    return length;
-}
-
-/// The toolkit's decoder trusts the header of a run-length coded frame and fills up what is missing of it, so both are
-/// looked at before.
-void checkRunLengths(const Bytes& bytes, const FrameShape& shape) {
-    constexpr std::size_t headerLength = 64;
-    const auto number = [&bytes](std::size_t i) -> std::size_t {
-        const auto byte = [&](std::size_t k) { return std::size_t{bytes[4 * i + k]}; };
-        return byte(0) | (byte(1) << 8U) | (byte(2) << 16U) | (byte(3) << 24U);
+/// Whether what a codestream says of itself goes with what the data set says of it. The codestream may have fewer bits
+/// than are allocated, and more than are stored: planes may lie above them.
+void checkHeader(const std::string& coding, const CodestreamHeader& found, const FrameShape& shape,
+                 std::vector<std::string>& notes) {
+    const auto size = [](auto width, auto height) { return std::to_string(width) + " x " + std::to_string(height); };
+    const auto refuse = [&coding](const std::string& there, const std::string& attribute, const std::string& said) {
+        throw Refusal("has a " + coding + " codestream of " + there + " where " + attribute + " " + said);
     };
-    const Refusal broken("has Pixel Data that cannot be decoded (broken run lengths)");
-    if (bytes.size() < headerLength) throw broken;
-    const auto segments = static_cast<std::size_t>(shape.samples * shape.bitsAllocated / 8);
-    if (number(0) != segments) throw broken;
-    for (std::size_t i = 1; i <= segments; ++i) {
-        const std::size_t start = number(i);
-        const std::size_t end = i == segments ? bytes.size() : number(i + 1);
-        if (start < headerLength || start > end || end > bytes.size()) throw broken;
-        if (expandedLength(bytes, start, end) < pixelsOf(shape))
-            throw Refusal("is truncated: its run lengths end before the image does");
-    }
+    if (found.width != static_cast<std::uint32_t>(shape.width) ||
+        found.height != static_cast<std::uint32_t>(shape.height))
+        refuse(size(found.width, found.height) + " pixels", "Columns and Rows say", size(shape.width, shape.height));
+    if (found.samples != static_cast<std::uint32_t>(shape.samples))
+        refuse(std::to_string(found.samples) + (found.samples == 1 ? " sample" : " samples") + " a pixel",
+               "Samples per Pixel says", std::to_string(shape.samples));
+    const std::string bits = std::to_string(found.bits) + " bits a sample";
+    constexpr std::uint32_t byte = 8;
+    const auto allocated = static_cast<std::uint32_t>(shape.bitsAllocated);
+    const auto stored = static_cast<std::uint32_t>(shape.bitsStored);
+    if (found.bits > allocated) refuse(bits, "Bits Allocated says", std::to_string(allocated));
+    if (found.bits <= byte && stored > byte) refuse(bits, "Bits Stored says", std::to_string(stored));
+    if (found.bits < stored)
+        notes.push_back("its " + coding + " codestream has " + bits + ", Bits Stored says " + std::to_string(stored) +
+                        "; shown as the codestream has them");
 }
 
-Frame readJpeg2000(DcmPixelData& data, E_TransferSyntax syntax, const FrameShape& shape, int frame) {
-    const Bytes bytes = compressedFrame(data, syntax, shape, frame);
-    Frame out{decodeJpeg2000(bytes, {shape.width, shape.height, shape.samples}), shape.photometric, false};
+[[noreturn]] void refuseCoding(const Bytes& codestream, const std::string& coding) {
+    if (isJp2File(codestream))
+        throw Refusal("has a JP2 file where a bare " + coding + " codestream must be; zolview does not read such");
+    throw Refusal("has Pixel Data that is no " + coding + " codestream");
+}
+
+Frame readJpeg2000(const Bytes& codestream, const FrameShape& shape) {
+    const std::string coding = "JPEG 2000";
+    const auto header = readJpeg2000Header(codestream);
+    if (!header) refuseCoding(codestream, coding);
+    Frame out{{}, shape.photometric, false, {}};
+    checkHeader(coding, *header, shape, out.notes);
+    out.words = decodeJpeg2000(codestream);
     // The codestream's own colour transformations have been undone.
     if (shape.photometric == "YBR_RCT" || shape.photometric == "YBR_ICT") out.photometric = "RGB";
     return out;
 }
 
-Frame readEncapsulated(DcmDataset& dataset, DcmPixelData& data, E_TransferSyntax syntax, const FrameShape& shape,
-                       int frame) {
-    if (syntax == EXS_RLELossless) checkRunLengths(compressedFrame(data, syntax, shape, frame), shape);
-    const std::size_t count = pixelsOf(shape) * static_cast<std::size_t>(shape.samples);
-    const std::size_t size = count * static_cast<std::size_t>(shape.bitsAllocated / 8);
-    Bytes bytes(size + size % 2);
-    Uint32 fragment = 0;
-    OFString model;
-    const OFCondition read = data.getUncompressedFrame(&dataset, static_cast<Uint32>(frame), fragment, bytes.data(),
-                                                       static_cast<Uint32>(bytes.size()), model);
-    if (read.bad()) throw Refusal("has Pixel Data that cannot be decoded (" + std::string(read.text()) + ")");
-    // All decoders but that of run lengths are asked for pixel after pixel.
-    return {toWords(bytes, count, shape.bitsAllocated), std::string(model.c_str(), model.length()),
-            syntax == EXS_RLELossless && shape.planar};
+Frame readJpeg(const Bytes& codestream, E_TransferSyntax syntax, const FrameShape& shape) {
+    const bool isLs = syntax == EXS_JPEGLSLossless || syntax == EXS_JPEGLSLossy;
+    const std::string coding = isLs ? "JPEG-LS" : "JPEG";
+    const auto outline = outlineJpeg(codestream);
+    if (!outline) refuseCoding(codestream, coding);
+    Frame out{{}, shape.photometric, false, {}};
+    checkHeader(coding, outline->header, shape, out.notes);
+    if (!outline->ended) throw Refusal("is truncated: its " + coding + " codestream has no end");
+    if (!outline->complete)
+        throw Refusal("is truncated: its " + coding + " codestream lacks scans that the image needs");
+    JpegSamples samples = isLs ? decodeJpegLs(codestream, outline->header, syntax)
+                               : decodeJpeg(codestream, *outline, shape.photometric, shape.isSigned);
+    out.words = std::move(samples.words);
+    if (!samples.photometric.empty()) out.photometric = samples.photometric;
+    return out;
+}
+
+/// Decodes by the transfer syntax; null where nobody here can.
+std::optional<Frame> decodeFrame(const Bytes& codestream, E_TransferSyntax syntax, const FrameShape& shape) {
+    switch (syntax) {
+        case EXS_RLELossless:
+            return Frame{decodeRunLengths(codestream, pixelsOf(shape), shape.samples, shape.bitsAllocated / 8),
+                         shape.photometric,
+                         true,
+                         {}};
+        case EXS_JPEGProcess1:
+        case EXS_JPEGProcess2_4:
+        case EXS_JPEGProcess6_8:
+        case EXS_JPEGProcess10_12:
+        case EXS_JPEGProcess14:
+        case EXS_JPEGProcess14SV1:
+        case EXS_JPEGLSLossless:
+        case EXS_JPEGLSLossy:
+            return readJpeg(codestream, syntax, shape);
+        case EXS_JPEG2000LosslessOnly:
+        case EXS_JPEG2000:
+            return readJpeg2000(codestream, shape);
+        default:
+            return std::nullopt;
+    }
 }
 
 }  // namespace
@@ -149,11 +198,14 @@ Frame readFrame(DcmDataset& dataset, const FrameShape& shape, int frame) {
     auto* const data = dynamic_cast<DcmPixelData*>(element);
     if (data == nullptr) throw Refusal(unreadable);
     if (!syntax.isEncapsulated()) return readUncompressed(*data, syntax.getXfer(), shape, frame);
-    if (syntax.getXfer() == EXS_JPEG2000LosslessOnly || syntax.getXfer() == EXS_JPEG2000)
-        return readJpeg2000(*data, syntax.getXfer(), shape, frame);
-    if (!DcmCodecList::canChangeCoding(syntax.getXfer(), EXS_LittleEndianExplicit))
+    auto decoded = decodeFrame(compressedFrame(*data, syntax.getXfer(), shape, frame), syntax.getXfer(), shape);
+    if (!decoded)
         throw Refusal("is compressed as " + std::string(syntax.getXferName()) + ", which zolview cannot read yet");
-    return readEncapsulated(dataset, *data, syntax.getXfer(), shape, frame);
+    const std::size_t expected = pixelsOf(shape) * static_cast<std::size_t>(shape.samples);
+    if (decoded->words.size() != expected)
+        throw Refusal("has Pixel Data that decodes to " + std::to_string(decoded->words.size()) + " samples where " +
+                      std::to_string(expected) + " must be");
+    return std::move(*decoded);
 }
 
 }  // namespace viewing

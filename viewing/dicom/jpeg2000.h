@@ -7,15 +7,9 @@
 
 namespace viewing {
 
-/// What a codestream must decode to.
-struct ImageExtent {
-    int width = 0;
-    int height = 0;
-    int samples = 1;
-};
-
 /// The samples, those of a pixel together, in 16 bits each (signed ones in two's complement). Refuses what is no whole
-/// codestream, and one of another size or number of samples, or of more than 16 bits.
-std::vector<std::uint16_t> decodeJpeg2000(std::span<const std::uint8_t> codestream, const ImageExtent& extent);
+/// codestream or lacks tiles, components of different sizes or of more than 16 bits, and before it decodes anything, a
+/// codestream whose precincts and code-blocks would need far more memory or time than its samples do.
+std::vector<std::uint16_t> decodeJpeg2000(std::span<const std::uint8_t> codestream);
 
 }  // namespace viewing

@@ -1,20 +1,23 @@
 // Frames of Pixel Data in every encoding, sound and broken.
+#include "support/compressed_frames.h"
 #include "support/dicom_writer.h"
 #include "support/jpeg2000_codestream.h"
 #include "viewing/dicom/dicom_file.h"
 #include "viewing/open.h"
 
-#include <dcmtk/dcmdata/dcpixseq.h>
-#include <dcmtk/dcmdata/dcpxitem.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::encodeAs;
 using zoltest::encodeJpeg2000;
+using zoltest::putFragments;
 using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
 using Bytes = std::vector<std::uint8_t>;
@@ -33,22 +36,6 @@ std::string refusal(DicomWriter& writer, int frame = 1, E_TransferSyntax syntax 
         return refused.what();
     }
     return {};
-}
-
-/// Replaces Pixel Data by compressed fragments, without an offset table.
-void putFragments(DicomWriter& writer, E_TransferSyntax syntax, const std::vector<Bytes>& fragments) {
-    auto* const sequence = new DcmPixelSequence(DCM_PixelSequenceTag);
-    sequence->insert(new DcmPixelItem(DCM_PixelItemTag));
-    for (Bytes bytes : fragments) {
-        if (bytes.size() % 2 != 0) bytes.push_back(0);
-        auto* const item = new DcmPixelItem(DCM_PixelItemTag);
-        item->putUint8Array(bytes.data(), static_cast<unsigned long>(bytes.size()));
-        sequence->insert(item);
-    }
-    auto* const data = new DcmPixelData(DCM_PixelData);
-    data->putOriginalRepresentation(syntax, nullptr, sequence);
-    writer.remove(DCM_PixelData);
-    EXPECT_TRUE(writer.dataset().insert(data).good());
 }
 
 /// A run-length coded frame of the given segments.
@@ -163,11 +150,15 @@ TEST(DicomFrame, BrokenRunLengthsAreRefused) {
         return refusal(writer, 1, EXS_RLELossless);
     };
     const std::string broken = "has Pixel Data that cannot be decoded (broken run lengths)";
-    const std::string cut = "is truncated: its run lengths end before the image does";
+    const auto cut = [](int pixels) {
+        return "is truncated: its run lengths hold " + std::to_string(pixels) +
+               " pixels where Rows and Columns ask for 4";
+    };
     const Bytes whole = runLengths({{0xFD, 0}, {0xFD, 9}});
     EXPECT_EQ(words(whole), "");
     EXPECT_EQ(words(Bytes(10)), broken);
-    EXPECT_EQ(words(runLengths({{0xFD, 0}})), broken);
+    EXPECT_EQ(words(runLengths({{0xFD, 0}})),
+              "has 1 run-length coded segments where Samples per Pixel and Bits Allocated ask for 2");
     for (const std::size_t number : {1U, 2U}) {
         for (const int value : {0, 63, 0x7FFFFFFF, -1}) {
             Bytes bytes = whole;
@@ -176,13 +167,237 @@ TEST(DicomFrame, BrokenRunLengthsAreRefused) {
             EXPECT_EQ(words(bytes), broken) << number << ' ' << value;
         }
     }
-    EXPECT_EQ(words(runLengths({{0xFE, 0}, {0xFD, 9}})), cut);
-    EXPECT_EQ(words(runLengths({{0xFD, 0}, {0xFE, 9}})), cut);
-    EXPECT_EQ(words(runLengths({{0xFD, 0}, {3, 1, 2}})), cut);
+    EXPECT_EQ(words(runLengths({{0xFE, 0}, {0xFD, 9}})), cut(3));
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {0xFE, 9}})), cut(3));
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {3, 1, 2}})), cut(3));
     // A run whose byte is missing.
-    EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 0xFD}})), cut);
-    EXPECT_EQ(words(runLengths({{0xFD, 0}, {}})), cut);
-    EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 128, 128, 128}})), cut);
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 0xFD}})), cut(0));
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {}})), cut(0));
+    EXPECT_EQ(words(runLengths({{0xFD, 0}, {128, 128, 128, 128}})), cut(0));
+}
+
+TEST(DicomFrame, RunLengthsInSeveralFragmentsAreJoined) {
+    const Bytes whole = runLengths({{0xFE, 0, 0, 1}, {3, 5, 6, 7, 8}});
+    for (std::size_t first = 2; first < whole.size(); first += 2) {
+        DicomWriter writer(4, 1);
+        const auto split = whole.begin() + static_cast<std::ptrdiff_t>(first);
+        putFragments(writer, EXS_RLELossless, {Bytes(whole.begin(), split), Bytes(split, whole.end())});
+        EXPECT_EQ(load(writer, 1, EXS_RLELossless).samples, (Words{5, 6, 7, 0x108})) << first;
+    }
+}
+
+TEST(DicomFrame, RunLengthsOfColoursLieInPlanes) {
+    for (const int planar : {0, 1}) {
+        DicomWriter writer(2, 1);
+        writer.colours("RGB", 8, planar, Words(6));
+        putFragments(writer, EXS_RLELossless, {runLengths({{1, 0x10, 0x20}, {1, 0x30, 0x40}, {0xFF, 0x50}})});
+        EXPECT_EQ(load(writer, 1, EXS_RLELossless).rgb8, (std::vector<std::uint32_t>{0x103050, 0x204050}));
+    }
+}
+
+TEST(DicomFrame, RunLengthsBeyondTheImageAreRefused) {
+    const auto words = [](const Bytes& high, const Bytes& low) {
+        DicomWriter writer(4, 1);
+        putFragments(writer, EXS_RLELossless, {runLengths({high, low})});
+        return refusal(writer, 1, EXS_RLELossless);
+    };
+    const auto longer = [](int pixels) {
+        return "has run lengths of " + std::to_string(pixels) + " pixels where Rows and Columns ask for 4";
+    };
+    EXPECT_EQ(words({0xFD, 0}, {0xFC, 9}), longer(5));
+    EXPECT_EQ(words({0x81, 0}, {0xFD, 9}), longer(128));
+    EXPECT_EQ(words({0xFD, 0}, {7, 1, 2, 3, 4, 5, 6, 7, 8}), longer(8));
+    EXPECT_EQ(words({0xFD, 0}, {0xFD, 1, 0xFF, 0}), longer(6));
+    // Zeroes that fill a segment up are no pixels.
+    EXPECT_EQ(words({0xFD, 0, 0, 0}, {0xFD, 9, 0}), "");
+}
+
+/// A ramp through all greys that is not quite even.
+Words scattered(int count, int bits) {
+    Words out;
+    const int top = (1 << bits) - 1;
+    for (int i = 0; i < count; ++i) out.push_back(static_cast<std::uint16_t>((i * (top / count)) ^ (i * 37 % 8)));
+    return out;
+}
+
+DicomWriter greyImage(int width, int height, int allocated, int stored) {
+    DicomWriter writer(width, height);
+    const Words words = scattered(width * height, stored);
+    writer.format(allocated, stored, stored - 1, 0).remove(DCM_PixelData);
+    if (allocated == 8)
+        writer.bytes({words.begin(), words.end()});
+    else
+        writer.pixels(words);
+    return writer;
+}
+
+struct Coding {
+    E_TransferSyntax syntax = EXS_JPEGProcess1;
+    int allocated = 8;
+    int stored = 8;
+    std::string name = "JPEG";
+};
+
+const std::vector<Coding>& codings() {
+    static const std::vector<Coding> all{
+        {EXS_JPEGProcess1, 8, 8},       {EXS_JPEGProcess2_4, 16, 12},          {EXS_JPEGProcess10_12, 8, 8},
+        {EXS_JPEGProcess10_12, 16, 12}, {EXS_JPEGProcess14SV1, 8, 8},          {EXS_JPEGProcess14SV1, 16, 12},
+        {EXS_JPEGProcess14SV1, 16, 16}, {EXS_JPEGLSLossless, 8, 8, "JPEG-LS"}, {EXS_JPEGLSLossless, 16, 12, "JPEG-LS"}};
+    return all;
+}
+
+TEST(DicomFrame, JpegsShowTheirImage) {
+    for (const Coding& coding : codings()) {
+        DicomWriter writer = greyImage(24, 16, coding.allocated, coding.stored);
+        const Words expected = load(writer).samples;
+        putFragments(writer, coding.syntax, {encodeAs(writer, coding.syntax)});
+        const Words found = load(writer, 1, coding.syntax).samples;
+        const bool isLossless = coding.syntax == EXS_JPEGProcess14SV1 || coding.syntax == EXS_JPEGLSLossless;
+        ASSERT_EQ(found.size(), expected.size());
+        for (std::size_t i = 0; i < found.size(); ++i)
+            ASSERT_NEAR(found[i], expected[i], isLossless ? 0 : 3) << coding.syntax << ' ' << i;
+    }
+}
+
+TEST(DicomFrame, JpegsCutShortAreRefusedWhetherOrNotTheyAreClosed) {
+    for (const Coding& coding : codings()) {
+        DicomWriter writer = greyImage(24, 16, coding.allocated, coding.stored);
+        const Bytes whole = encodeAs(writer, coding.syntax);
+        ASSERT_EQ(whole.back(), 0xD9);
+        putFragments(writer, coding.syntax, {whole});
+        const Words expected = load(writer, 1, coding.syntax).samples;
+        for (std::size_t kept = 2; kept + 2 < whole.size(); kept += 1 + whole.size() / 41) {
+            Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(kept));
+            putFragments(writer, coding.syntax, {cut});
+            EXPECT_NE(refusal(writer, 1, coding.syntax), "") << coding.syntax << ' ' << kept;
+            cut.insert(cut.end(), {0xFF, 0xD9});
+            putFragments(writer, coding.syntax, {cut});
+            // The last bytes may be filling.
+            if (refusal(writer, 1, coding.syntax).empty()) {
+                EXPECT_EQ(load(writer, 1, coding.syntax).samples, expected) << coding.syntax << ' ' << kept;
+            }
+        }
+    }
+}
+
+TEST(DicomFrame, CodestreamsOfAnotherSizeAreRefusedWithBothNumbers) {
+    for (const Coding& coding : codings()) {
+        DicomWriter writer = greyImage(24, 16, coding.allocated, coding.stored);
+        const Bytes whole = encodeAs(writer, coding.syntax);
+        putFragments(writer, coding.syntax, {whole});
+        const std::string there = "has a " + coding.name + " codestream of ";
+        writer.word(DCM_Rows, 8);
+        EXPECT_EQ(refusal(writer, 1, coding.syntax), there + "24 x 16 pixels where Columns and Rows say 24 x 8");
+        writer.word(DCM_Rows, 24).word(DCM_Columns, 16);
+        EXPECT_EQ(refusal(writer, 1, coding.syntax), there + "24 x 16 pixels where Columns and Rows say 16 x 24");
+        writer.word(DCM_Rows, 16).word(DCM_Columns, 24).word(DCM_SamplesPerPixel, 3);
+        writer.put(DCM_PhotometricInterpretation, "RGB").word(DCM_PlanarConfiguration, 0);
+        EXPECT_EQ(refusal(writer, 1, coding.syntax), there + "1 sample a pixel where Samples per Pixel says 3");
+    }
+    DicomWriter grey(4, 1);
+    putFragments(grey, EXS_JPEG2000, {encodeJpeg2000({4, 1, 3, 8}, std::vector<int>(12, 128))});
+    EXPECT_EQ(refusal(grey, 1, EXS_JPEG2000),
+              "has a JPEG 2000 codestream of 3 samples a pixel where Samples per Pixel says 1");
+}
+
+TEST(DicomFrame, CodestreamsOfAnotherDepthAreRefusedWithBothNumbers) {
+    for (const E_TransferSyntax syntax : {EXS_JPEGProcess14SV1, EXS_JPEGLSLossless}) {
+        const std::string there =
+            std::string("has a ") + (syntax == EXS_JPEGLSLossless ? "JPEG-LS" : "JPEG") + " codestream of ";
+        DicomWriter wide = greyImage(8, 8, 16, 16);
+        const Bytes sixteen = encodeAs(wide, syntax);
+        DicomWriter narrow = greyImage(8, 8, 8, 8);
+        const Bytes eight = encodeAs(narrow, syntax);
+        putFragments(narrow, syntax, {sixteen});
+        EXPECT_EQ(refusal(narrow, 1, syntax), there + "16 bits a sample where Bits Allocated says 8");
+        putFragments(wide, syntax, {eight});
+        EXPECT_EQ(refusal(wide, 1, syntax), there + "8 bits a sample where Bits Stored says 16");
+    }
+}
+
+TEST(DicomFrame, DepthsThatTheStandardAllowsAreShown) {
+    for (const E_TransferSyntax syntax : {EXS_JPEGProcess14SV1, EXS_JPEGLSLossless}) {
+        // 8 bits in 16 allocated ones.
+        DicomWriter narrow = greyImage(8, 8, 8, 8);
+        const Words expected = load(narrow).samples;
+        const Bytes eight = encodeAs(narrow, syntax);
+        narrow.word(DCM_BitsAllocated, 16);
+        putFragments(narrow, syntax, {eight});
+        EXPECT_EQ(load(narrow, 1, syntax).samples, expected);
+        EXPECT_TRUE(load(narrow, 1, syntax).notes.empty());
+    }
+    // More bits than are stored: planes may lie above them. Fewer: the codestream counts, and it is said.
+    DicomWriter writer(4, 1);
+    putFragments(writer, EXS_JPEG2000, {encodeJpeg2000({4, 1, 1, 16}, {1, 2, 3, 4095})});
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).samples, (Words{1, 2, 3, 4095}));
+    EXPECT_TRUE(load(writer, 1, EXS_JPEG2000).notes.empty());
+    putFragments(writer, EXS_JPEG2000, {encodeJpeg2000({4, 1, 1, 10}, {1, 2, 3, 1023})});
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).samples, (Words{1, 2, 3, 1023}));
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).notes,
+              (std::vector<std::string>{"its JPEG 2000 codestream has 10 bits a sample, Bits Stored says 12; shown as "
+                                        "the codestream has them"}));
+}
+
+TEST(DicomFrame, ColoursOfJpegsBecomeRedGreenAndBlue) {
+    DicomWriter writer(8, 8);
+    writer.colours("RGB", 8, 0, Words(192));
+    putFragments(writer, EXS_JPEGProcess1, {zoltest::jpegOfOneColour({100, 150, 90})});
+    EXPECT_EQ(load(writer, 1, EXS_JPEGProcess1).rgb8, std::vector<std::uint32_t>(64, 0x64965A));
+    for (const char* photometric : {"YBR_FULL_422", "YBR_FULL"}) {
+        writer.put(DCM_PhotometricInterpretation, photometric);
+        EXPECT_EQ(load(writer, 1, EXS_JPEGProcess1).rgb8, std::vector<std::uint32_t>(64, 0x2F788B));
+        EXPECT_TRUE(load(writer, 1, EXS_JPEGProcess1).notes.empty());
+    }
+}
+
+TEST(DicomFrame, ColoursWithoutLossAreWhatTheyWere) {
+    Words words;
+    for (int i = 0; i < 64; ++i) words.insert(words.end(), {0xC0, 0x60, 0x30});
+    for (const E_TransferSyntax syntax : {EXS_JPEGProcess14SV1, EXS_JPEGLSLossless}) {
+        DicomWriter writer(8, 8);
+        writer.colours("RGB", 8, 0, words);
+        putFragments(writer, syntax, {encodeAs(writer, syntax)});
+        EXPECT_EQ(load(writer, 1, syntax).rgb8, std::vector<std::uint32_t>(64, 0xC06030)) << syntax;
+    }
+}
+
+TEST(DicomFrame, EndlessScansAreRefused) {
+    DicomWriter writer = greyImage(24, 16, 8, 8);
+    for (const auto& [syntax, most] : {std::pair(EXS_JPEGProcess10_12, 100), {EXS_JPEGProcess1, 1}}) {
+        const Bytes whole = encodeAs(writer, syntax);
+        const Bytes marker{0xFF, 0xDA};
+        const auto scan = std::search(whole.begin(), whole.end(), marker.begin(), marker.end());
+        // A scan without any data.
+        const Bytes empty(scan, scan + 2 + scan[3]);
+        Bytes many(whole.begin(), whole.end() - 2);
+        for (int i = 0; i < 2000; ++i) many.insert(many.end(), empty.begin(), empty.end());
+        many.insert(many.end(), {0xFF, 0xD9});
+        DicomWriter copy = greyImage(24, 16, 8, 8);
+        putFragments(copy, syntax, {many});
+        const std::string words = refusal(copy, 1, syntax);
+        EXPECT_TRUE(words.starts_with("has a JPEG codestream of 20")) << words;
+        EXPECT_TRUE(words.ends_with(" scans; zolview reads up to " + std::to_string(most) + " of such a one")) << words;
+    }
+}
+
+TEST(DicomFrame, MoreCompressedDataThanAFrameCanNeedIsRefused) {
+    DicomWriter writer(4, 2);
+    putFragments(writer, EXS_JPEG2000, {Bytes((std::size_t{16} << 20U) + 18)});
+    EXPECT_EQ(refusal(writer, 1, EXS_JPEG2000), "has 16777234 bytes of compressed data for a frame of 16");
+}
+
+TEST(DicomFrame, WrappedAndForeignCodestreamsAreNamed) {
+    DicomWriter writer(4, 2);
+    const Bytes jp2{0, 0, 0, 12, 'j', 'P', ' ', ' ', 0x0D, 0x0A, 0x87, 0x0A};
+    putFragments(writer, EXS_JPEG2000, {jp2});
+    EXPECT_EQ(refusal(writer, 1, EXS_JPEG2000),
+              "has a JP2 file where a bare JPEG 2000 codestream must be; zolview does not read such");
+    putFragments(writer, EXS_JPEG2000, {Bytes{0xFF, 0xD8, 0xFF, 0xC3}});
+    EXPECT_EQ(refusal(writer, 1, EXS_JPEG2000), "has Pixel Data that is no JPEG 2000 codestream");
+    putFragments(writer, EXS_JPEGProcess1, {Bytes(20)});
+    EXPECT_EQ(refusal(writer, 1, EXS_JPEGProcess1), "has Pixel Data that is no JPEG codestream");
+    putFragments(writer, EXS_JPEGLSLossy, {Bytes(20)});
+    EXPECT_EQ(refusal(writer, 1, EXS_JPEGLSLossy), "has Pixel Data that is no JPEG-LS codestream");
 }
 
 std::vector<int> ramp(int count, int low, int step) {
@@ -241,7 +456,7 @@ TEST(DicomFrame, BrokenJpeg2000IsRefused) {
               "has Pixel Data that cannot be decoded (a broken JPEG 2000 codestream)");
     putFragments(writer, EXS_JPEG2000, {encodeJpeg2000({2, 4, 1, 12}, ramp(8, 0, 500))});
     EXPECT_EQ(refusal(writer, 1, EXS_JPEG2000),
-              "has a JPEG 2000 codestream that does not fit what the file says of it");
+              "has a JPEG 2000 codestream of 2 x 4 pixels where Columns and Rows say 4 x 2");
     putFragments(writer, EXS_JPEG2000, {});
     EXPECT_NE(refusal(writer, 1, EXS_JPEG2000), "");
     writer.put(DCM_NumberOfFrames, "3");
