@@ -13,8 +13,8 @@ viewing::StoredImage smallImage(bool tall) {
     viewing::StoredImage image;
     image.width = 24;
     image.height = 16;
-    image.samples.assign(24 * 16, 100);
-    image.maxLevel = 255;
+    image.grey().samples.assign(24 * 16, 100);
+    image.grey().maxLevel = 255;
     image.ratioYx = tall ? 2.0 : 1.0;
     return image;
 }

@@ -1,7 +1,6 @@
 #include "viewing/describe.h"
 
 #include "viewing/dicom/dicom_file.h"
-#include "viewing/display/grey_transform.h"
 #include "viewing/image/phantom.h"
 #include "viewing/image/voi_choice.h"
 #include "viewing/open.h"
@@ -35,7 +34,8 @@ void addOverlays(Properties& out, const StoredImage& image) {
     for (const OverlayPlane& plane : image.overlays)
         add(out, "overlay", kind(plane.kind), ", ", plane.bits.width(), " x ", plane.bits.height(), " at column ",
             plane.origin.x, ", row ", plane.origin.y, " (from 0)");
-    for (const EmbeddedPlane& plane : image.embedded)
+    if (image.isColour()) return;
+    for (const EmbeddedPlane& plane : image.grey().embedded)
         add(out, "overlay", kind(plane.kind), ", in bit ", plane.bit, " of the pixels");
 }
 
@@ -45,20 +45,19 @@ void addVoi(Properties& out, const std::vector<VoiChoice>& choices) {
     for (const VoiChoice& choice : choices) add(out, "voi " + std::to_string(++number), inWords(choice));
 }
 
-void addGrey(Properties& out, const StoredImage& image) {
-    const GreyTransform transform(image, {});
+void addGrey(Properties& out, const GreyImage& image) {
     add(out, "values", "stored ", image.minLevel + image.lowest, " to ", image.maxLevel + image.lowest, ", output ",
-        transform.output(image.minLevel), " to ", transform.output(image.maxLevel));
-    if (image.modality) add(out, "modality", inWords(*image.modality));
-    addVoi(out, image.voi);
-    if (image.presentation) add(out, "presentation", inWords(*image.presentation));
-    add(out, "low values", image.inverted ? "white" : "black");
+        image.output(image.minLevel), " to ", image.output(image.maxLevel));
+    if (image.modality.table) add(out, "modality", inWords(*image.modality.table));
+    addVoi(out, image.voiChoices);
+    if (image.presentation.table) add(out, "presentation", inWords(*image.presentation.table));
+    add(out, "low values", image.presentation.inverse ? "white" : "black");
     if (!image.padding.empty()) add(out, "padding", "some values are no part of the picture and stay black");
 }
 
 void addImage(Properties& out, const StoredImage& image) {
     add(out, "pixel height to width", image.ratioYx);
-    if (!image.isColour()) addGrey(out, image);
+    if (!image.isColour()) addGrey(out, image.grey());
     addShutters(out, image.shutters);
     addOverlays(out, image);
     for (const std::string& note : image.notes) add(out, "note", note);

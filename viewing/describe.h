@@ -1,6 +1,8 @@
 // What can be said about an image.
 #pragma once
 
+#include "viewing/image/refusal.h"
+
 #include <string>
 #include <utility>
 #include <vector>

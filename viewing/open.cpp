@@ -18,7 +18,7 @@ auto withFile(const std::string& file, Action action) {
     }
 }
 
-DisplayTables loadTables(const std::string& file, const StoredImage& image) {
+DisplayTables loadTables(const std::string& file, const GreyImage& image) {
     return DicomFile(file).tables(image.lowest < 0, outputMayBeNegative(image));
 }
 
@@ -28,23 +28,37 @@ const Part& wanted(const std::optional<Part>& part, const std::string& name) {
     return *part;
 }
 
+/// Replaces the image's own tables by those of other files.
 void useTables(StoredImage& image, const OpenSettings& settings) {
+    GreyImage& grey = image.grey();
     if (!settings.modalityFile.empty())
         withFile(settings.modalityFile, [&] {
-            apply(image,
-                  wanted(loadTables(settings.modalityFile, image).modality, "Modality LUT and no rescale slope"));
+            grey.modality =
+                wanted(loadTables(settings.modalityFile, grey).modality, "Modality LUT and no rescale slope");
         });
     if (!settings.voiFile.empty())
         withFile(settings.voiFile, [&] {
-            image.voi = loadTables(settings.voiFile, image).voi;
-            if (image.voi.empty()) throw Refusal("has no window and no VOI LUT");
+            grey.voiChoices = loadTables(settings.voiFile, grey).voi;
+            if (grey.voiChoices.empty()) throw Refusal("has no window and no VOI LUT");
             chooseVoi(image, settings.voi.value_or(1));
         });
     if (!settings.presentationFile.empty())
         withFile(settings.presentationFile, [&] {
-            apply(image,
-                  wanted(loadTables(settings.presentationFile, image).presentation, "Presentation LUT and no shape"));
+            grey.presentation =
+                wanted(loadTables(settings.presentationFile, grey).presentation, "Presentation LUT and no shape");
         });
+}
+
+/// Chooses the window or VOI LUT of a grey image.
+void choose(StoredImage& image, const OpenSettings& settings) {
+    if (!settings.voiFile.empty()) return;
+    if (settings.voi) {
+        chooseVoi(image, *settings.voi);
+    } else if (settings.ownWindow) {
+        image.grey().voi.reset();
+    } else {
+        chooseFirstVoi(image);
+    }
 }
 
 }  // namespace
@@ -56,16 +70,12 @@ StoredImage openImage(const std::string& input, const OpenSettings& settings) {
     StoredImage image = isPhantom(input) ? makePhantom() : DicomFile(input).image(settings.frame);
     const bool wantsGrey = settings.voi || !settings.modalityFile.empty() || !settings.voiFile.empty() ||
                            !settings.presentationFile.empty();
-    if (image.isColour() && wantsGrey) throw Refusal("is a colour image, which has no windows and tables to choose");
-    useTables(image, settings);
-    if (!settings.voiFile.empty()) return image;
-    if (settings.voi) {
-        chooseVoi(image, *settings.voi);
-    } else if (settings.ownWindow) {
-        chooseNoVoi(image);
-    } else {
-        chooseFirstVoi(image);
+    if (image.isColour()) {
+        if (wantsGrey) throw Refusal("is a colour image, which has no windows and tables to choose");
+        return image;
     }
+    useTables(image, settings);
+    choose(image, settings);
     return image;
 }
 

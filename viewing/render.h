@@ -3,6 +3,7 @@
 
 #include "viewing/display/settings.h"
 #include "viewing/image/picture.h"
+#include "viewing/image/refusal.h"
 #include "viewing/image/stored_image.h"
 
 #include <string>

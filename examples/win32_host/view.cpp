@@ -49,7 +49,7 @@ View::View(HWND window)
 void View::fillRaster_() {
     auto* line = reinterpret_cast<std::uint16_t*>(raster_.getOrigin());
     if (line == nullptr) throw std::runtime_error("no memory for the image");
-    const std::uint16_t* sample = phantom().samples.data();
+    const std::uint16_t* sample = phantom().grey().samples.data();
     for (int y = 0; y < raster_.getHeight(); ++y, line += raster_.getPitch()) {
         for (int x = 0; x < raster_.getWidth(); ++x) line[x] = *sample++ & valueBits;
     }

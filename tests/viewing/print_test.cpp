@@ -104,8 +104,9 @@ StoredImage framedImage() {
     image.height = 80;
     for (int y = 0; y < 80; ++y)
         for (int x = 0; x < 100; ++x)
-            image.samples.push_back(x == 0 || y == 0 || x == 99 || y == 79 ? std::uint16_t{4095} : std::uint16_t{0});
-    image.maxLevel = 4095;
+            image.grey().samples.push_back(x == 0 || y == 0 || x == 99 || y == 79 ? std::uint16_t{4095}
+                                                                                  : std::uint16_t{0});
+    image.grey().maxLevel = 4095;
     image.pixelWidth = 0.5;
     return image;
 }
@@ -152,10 +153,10 @@ TEST_F(Print, FillsThePageWithinItsMarginsWithTheImagesOwnPixels) {
 
 TEST_F(Print, QuarterTurnsAreThoseOfTheScreen) {
     StoredImage image = framedImage();
-    std::fill(image.samples.begin(), image.samples.end(), std::uint16_t{0});
+    std::fill(image.grey().samples.begin(), image.grey().samples.end(), std::uint16_t{0});
     // A white corner of a quarter of the image, left at the top.
     for (int y = 0; y < 40; ++y)
-        for (int x = 0; x < 50; ++x) image.samples[static_cast<std::size_t>(y * 100 + x)] = 4095;
+        for (int x = 0; x < 50; ++x) image.grey().samples[static_cast<std::size_t>(y * 100 + x)] = 4095;
     PageSettings page;
     page.trueSize = true;
     DisplaySettings settings;
@@ -318,7 +319,7 @@ std::vector<int> darkRuns(const GreyPage& page, int x, int y, int stepX, int ste
 
 TEST_F(Print, ShadowsAndHalosHaveTheirSize) {
     StoredImage white = framedImage();
-    std::fill(white.samples.begin(), white.samples.end(), std::uint16_t{4095});
+    std::fill(white.grey().samples.begin(), white.grey().samples.end(), std::uint16_t{4095});
     DisplaySettings settings;
     settings.annotations = figures(R"({"figure": "line", "points": [[20, 40], [80, 40]]},
         {"figure": "text", "points": [[20, 10]], "text": "I"})");

@@ -27,9 +27,9 @@ StoredImage makeImage(int width, int height, const std::function<int(int, int)>&
     image.width = width;
     image.height = height;
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) image.samples.push_back(static_cast<std::uint16_t>(level(x, y)));
-    image.maxLevel = 4095;
-    image.window = Window{2048.0, 4096.0};
+        for (int x = 0; x < width; ++x) image.grey().samples.push_back(static_cast<std::uint16_t>(level(x, y)));
+    image.grey().maxLevel = 4095;
+    image.grey().voi = VoiWindow{{2048.0, 4096.0}};
     return image;
 }
 
@@ -50,8 +50,8 @@ TEST(Render, PhantomPixelForPixelAtItsOwnSize) {
     ASSERT_EQ(picture.height, image.height);
     for (int y = 0; y < image.height; ++y) {
         for (int x = 0; x < image.width; ++x) {
-            const int level = image.samples[static_cast<std::size_t>(y * image.width + x)] & 0xFFF;
-            const unsigned int expected = image.padding.get(x, y) ? 0U : grey(level / 16);
+            const int level = image.grey().samples[static_cast<std::size_t>(y * image.width + x)] & 0xFFF;
+            const unsigned int expected = image.grey().padding.get(x, y) ? 0U : grey(level / 16);
             ASSERT_EQ(picture.at(x, y), expected) << x << ',' << y;
         }
     }
@@ -59,7 +59,7 @@ TEST(Render, PhantomPixelForPixelAtItsOwnSize) {
 
 TEST(Render, OverlaysShowInTheirColoursAndAboveTheShutters) {
     StoredImage image = makeImage(9, 3, [](int x, int) { return x == 8 ? 0x1000 : 2048; });
-    image.embedded.push_back({12, PlaneKind::RegionOfInterest});
+    image.grey().embedded.push_back({12, PlaneKind::RegionOfInterest});
     OverlayPlane graphics{{1, 1}, BitPlane(2, 1), PlaneKind::Graphics};
     graphics.bits.set(0, 0);
     OverlayPlane region{{1, 1}, BitPlane(2, 1), PlaneKind::RegionOfInterest};
@@ -86,7 +86,7 @@ TEST(Render, OverlaysShowInTheirColoursAndAboveTheShutters) {
 
 TEST(Render, EmbeddedPlanesThatAreNotShownLeaveTheirPixels) {
     StoredImage image = makeImage(2, 1, [](int x, int) { return x == 0 ? 0x3000 + 3008 : 3008; });
-    image.embedded = {{12, PlaneKind::Graphics}, {13, PlaneKind::Graphics}};
+    image.grey().embedded = {{12, PlaneKind::Graphics}, {13, PlaneKind::Graphics}};
     DisplaySettings bare;
     bare.overlays = false;
     EXPECT_EQ(show(image, bare).at(0, 0), grey(188));
@@ -95,7 +95,7 @@ TEST(Render, EmbeddedPlanesThatAreNotShownLeaveTheirPixels) {
 
 TEST(Render, GraphicsLieAboveRegionsInTheSamePixel) {
     StoredImage image = makeImage(3, 1, [](int x, int) { return (x + 1) << 12; });
-    image.embedded = {{12, PlaneKind::Graphics}, {13, PlaneKind::RegionOfInterest}};
+    image.grey().embedded = {{12, PlaneKind::Graphics}, {13, PlaneKind::RegionOfInterest}};
     const Picture picture = show(image, {});
     EXPECT_EQ(picture.at(0, 0), graphicsColour);
     EXPECT_EQ(picture.at(1, 0), regionColour);
@@ -282,11 +282,11 @@ TEST(Render, PixelShapeIsKept) {
 
 TEST(Render, InversionTogglesAndPaddingStaysBlack) {
     StoredImage image = makeImage(3, 1, [](int x, int) { return x == 0 ? 0 : 4095; });
-    image.padding = BitPlane(3, 1);
-    image.padding.set(2, 0);
+    image.grey().padding = BitPlane(3, 1);
+    image.grey().padding.set(2, 0);
     for (const bool inverted : {false, true}) {
         for (const bool invert : {false, true}) {
-            image.inverted = inverted;
+            image.grey().presentation.inverse = inverted;
             DisplaySettings settings;
             settings.invert = invert;
             const Picture picture = show(image, settings);
@@ -299,9 +299,9 @@ TEST(Render, InversionTogglesAndPaddingStaysBlack) {
 
 TEST(Render, BackgroundIsForOutsideOnly) {
     StoredImage image = makeImage(2, 2, [](int, int) { return 0; });
-    image.padding = BitPlane(2, 2);
-    image.padding.set(1, 1);
-    image.inverted = true;
+    image.grey().padding = BitPlane(2, 2);
+    image.grey().padding.set(1, 1);
+    image.grey().presentation.inverse = true;
     DisplaySettings settings;
     settings.size = Size{4, 2};
     settings.background = 200;
@@ -330,8 +330,8 @@ TEST(Render, NoColourOfAPaletteIsTakenForBackground) {
 
 TEST(Render, NegativeSlopesShowHighLevelsDark) {
     StoredImage image = makeImage(2, 1, [](int x, int) { return x * 4095; });
-    image.slope = -1.0;
-    image.intercept = 4095.0;
+    image.grey().modality.slope = -1.0;
+    image.grey().modality.intercept = 4095.0;
     EXPECT_EQ(show(image, {}).at(0, 0), grey(255));
     EXPECT_EQ(show(image, {}).at(1, 0), grey(0));
 }

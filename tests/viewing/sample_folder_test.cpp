@@ -71,16 +71,16 @@ TEST(SampleFolder, OneImageInSixEncodingsIsOneImage) {
     for (const char* name : {"implicit", "bigendian", "RLE", "jpeg_ls_lossless", "jp2klossless"}) {
         const StoredImage other =
             openImage((folder / "syntax" / (std::string("MR_small_") + name + ".dcm")).string(), {});
-        EXPECT_EQ(other.samples, base.samples) << name;
-        EXPECT_EQ(other.window, base.window) << name;
+        EXPECT_EQ(other.grey().samples, base.grey().samples) << name;
+        EXPECT_EQ(other.grey().voi, base.grey().voi) << name;
     }
 }
 
 TEST(SampleFolder, RunLengthsInTwoFragmentsAreOneImage) {
     const std::filesystem::path folder = zoltest::sampleFolder();
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
-    EXPECT_EQ(openImage((folder / "broken/rle_two_fragments_wrong_picture.dcm").string(), {}).samples,
-              openImage((folder / "syntax/MR_small_RLE.dcm").string(), {}).samples);
+    EXPECT_EQ(openImage((folder / "broken/rle_two_fragments_wrong_picture.dcm").string(), {}).grey().samples,
+              openImage((folder / "syntax/MR_small_RLE.dcm").string(), {}).grey().samples);
 }
 
 Picture showSample(const std::filesystem::path& path, const OpenSettings& load = {},
@@ -110,7 +110,7 @@ TEST(SampleFolder, EveryDeepValueIsMonotonicUnderEveryWindow) {
     const std::filesystem::path chart = folder / "derived/chart_16bit_every_value.dcm";
     const StoredImage image = DicomFile(chart.string()).image();
     std::vector<std::size_t> byValue(65536);
-    for (std::size_t i = 0; i < image.samples.size(); ++i) byValue[image.samples[i]] = i;
+    for (std::size_t i = 0; i < image.grey().samples.size(); ++i) byValue[image.grey().samples[i]] = i;
     for (const Window window : {Window{32768.0, 65536.0},
                                 {1.0, 1.0},
                                 {40000.5, 3.0},
@@ -151,7 +151,7 @@ TEST(SampleFolder, EveryStoredValueHasItsLevel) {
     if (folder.empty()) GTEST_SKIP() << "no sample folder";
     const StoredImage image = DicomFile((folder / "derived/chart_12bit_every_value.dcm").string()).image();
     std::vector<int> count(4096);
-    for (const std::uint16_t sample : image.samples) ++count[sample];
+    for (const std::uint16_t sample : image.grey().samples) ++count[sample];
     EXPECT_EQ(count, std::vector<int>(4096, 1));
 }
 

@@ -1,6 +1,8 @@
 // Annotations as a person writes them down in a JSON file.
 #pragma once
 
+#include "viewing/image/refusal.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

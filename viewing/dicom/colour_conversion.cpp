@@ -16,6 +16,7 @@ public:
     Samples(std::span<const std::uint16_t> words, const PixelFormat& format, const ColourLayout& layout)
         : words_(words), format_(format), layout_(layout) {}
 
+    /// The samples of a pixel as they are stored.
     [[nodiscard]] Triple at(std::size_t pixel) const {
         if (layout_.model == ColourModel::YbrFull422) {
             const std::size_t pair = pixel / 2 * 4;
@@ -52,26 +53,29 @@ std::uint64_t brought(int value, int from, int to) {
     return static_cast<std::uint64_t>(value * ((1 << to) - 1) / ((1 << from) - 1));
 }
 
+/// The pixels with channels of `bits` bits, each in so many bits of a pixel.
+template <typename Pixels>
+Pixels convertAll(std::size_t count, const Samples& samples, int bitsStored, bool isRgb, int bits, unsigned int channel) {
+    Pixels pixels;
+    pixels.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Triple stored = samples.at(i);
+        std::uint64_t pixel = 0;
+        for (const int value : isRgb ? stored : fromYbr(stored, bitsStored))
+            pixel = (pixel << channel) | brought(value, bitsStored, bits);
+        pixels.push_back(static_cast<typename Pixels::value_type>(pixel));
+    }
+    return pixels;
+}
+
 }  // namespace
 
-void convertColours(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
-                    const ColourLayout& layout) {
-    const std::size_t pixels = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
+ColourImage toColours(std::size_t pixels, std::span<const std::uint16_t> words, const PixelFormat& format,
+                      const ColourLayout& layout) {
     const Samples samples(words, format, layout);
-    const int bits = format.bitsStored > 8 ? 12 : 8;
-    const unsigned int channel = bits == 8 ? 8 : 16;
-    bits == 8 ? image.rgb8.reserve(pixels) : image.rgb12.reserve(pixels);
-    for (std::size_t i = 0; i < pixels; ++i) {
-        Triple rgb = samples.at(i);
-        if (layout.model != ColourModel::Rgb) rgb = fromYbr(rgb, format.bitsStored);
-        std::uint64_t pixel = 0;
-        for (const int value : rgb) pixel = (pixel << channel) | brought(value, format.bitsStored, bits);
-        if (bits == 8) {
-            image.rgb8.push_back(static_cast<std::uint32_t>(pixel));
-        } else {
-            image.rgb12.push_back(pixel);
-        }
-    }
+    const bool isRgb = layout.model == ColourModel::Rgb;
+    if (format.bitsStored > 8) return {convertAll<Rgb12Pixels>(pixels, samples, format.bitsStored, isRgb, 12, 16)};
+    return {convertAll<Rgb8Pixels>(pixels, samples, format.bitsStored, isRgb, 8, 8)};
 }
 
 }  // namespace viewing

@@ -141,10 +141,11 @@ void convertPalette(StoredImage& image, const std::vector<std::uint16_t>& words,
         const int stored = format.value(static_cast<std::uint16_t>(word));
         colours[word] = padding && padding->contains(stored) ? 0 : tables.colour(stored);
     }
-    image.rgb8.resize(words.size());
+    Rgb8Pixels pixels(words.size());
     const IppiSize size{image.width, image.height};
-    ZOLippiLUTPalette_16u32u_C1R(words.data(), image.width * 2, image.rgb8.data(), image.width * 4, size,
-                                 colours.data(), 16);
+    ZOLippiLUTPalette_16u32u_C1R(words.data(), image.width * 2, pixels.data(), image.width * 4, size, colours.data(),
+                                 16);
+    image.pixels = ColourImage{std::move(pixels)};
 }
 
 std::optional<PaddingRange> readPadding(const Attributes& attributes, const PixelFormat& format) {
@@ -305,7 +306,8 @@ StoredImage DicomFile::image(int frame) const {
     image.notes.insert(image.notes.end(), pixels.notes.begin(), pixels.notes.end());
     if (kind == PixelKind::Colour) {
         refuseUnless(!format.isSigned, "has signed colours, which cannot be");
-        convertColours(image, pixels.words, format, layoutOf(pixels, image));
+        image.pixels = toColours(static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height),
+                                 pixels.words, format, layoutOf(pixels, image));
         readOverlays(image, dataset, frame - 1, {}, format);
         return image;
     }
@@ -316,17 +318,15 @@ StoredImage DicomFile::image(int frame) const {
         return image;
     }
     readOverlays(image, dataset, frame - 1, pixels.words, format);
-    convertSamples(image, pixels.words, format, padding, embeddedBits(image));
+    convertSamples(image, pixels.words, format, padding, embeddedBits(image.grey()));
     if (attributes.has(DCM_RedPaletteColorLookupTableDescriptor))
         image.notes.emplace_back("the palette that it has beside its greys is not applied");
     // MONOCHROME1 and the presentation shape INVERSE say the same thing; an image that has both is inverted once.
-    image.inverted = shape.photometric == "MONOCHROME1";
-    if (const auto modality = readModality(attributes, format.isSigned, image.notes)) apply(image, *modality);
-    if (const auto presentation = readPresentation(attributes)) {
-        image.presentation = presentation->table;
-        image.inverted = image.inverted || presentation->inverse;
-    }
-    image.voi = readVoi(attributes, outputMayBeNegative(image));
+    GreyImage& grey = image.grey();
+    grey.modality = readModality(attributes, format.isSigned, image.notes).value_or(Modality());
+    grey.presentation = readPresentation(attributes).value_or(Presentation());
+    if (shape.photometric == "MONOCHROME1") grey.presentation.inverse = true;
+    grey.voiChoices = readVoi(attributes, outputMayBeNegative(grey));
     return image;
 }
 

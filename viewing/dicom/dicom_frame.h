@@ -1,6 +1,8 @@
 // One frame of Pixel Data as words, whatever its encoding.
 #pragma once
 
+#include "viewing/image/refusal.h"
+
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 

@@ -49,9 +49,7 @@ std::optional<OverlayPlane> placePlane(Point origin, int rows, int columns, std:
     for (int y = top; y < bottom; ++y) {
         const std::size_t row = firstBit + static_cast<std::size_t>(y - origin.y) * static_cast<std::size_t>(columns);
         for (int x = left; x < right; ++x) {
-            const std::size_t bit = row + static_cast<std::size_t>(x - origin.x);
-            if (bit / 8 >= packed.size()) return plane;
-            if (((packed[bit / 8] >> (bit % 8)) & 1) != 0) plane.bits.set(x - left, y - top);
+            if (packedBit(packed, row + static_cast<std::size_t>(x - origin.x))) plane.bits.set(x - left, y - top);
         }
     }
     return plane;

@@ -35,12 +35,13 @@ std::vector<std::uint16_t> unpack(std::vector<std::uint16_t> words, std::size_t 
 
 VoiChoice windowChoice(const std::string& name, const std::string& centre, const std::string& width,
                        WindowFunction function) {
-    VoiChoice choice{name, {}, function, {}, {}, {}};
+    VoiChoice choice{name, VoiWindow{{}, function}, {}, {}};
     const auto middle = parseAs<double>(centre);
     const auto length = parseAs<double>(width);
     if (middle && length) {
-        choice.window = {*middle, *length};
-        if (!isUsable(choice.window, function)) choice.flaw = "has a width of " + width;
+        const VoiWindow window{{*middle, *length}, function};
+        choice.voi = window;
+        if (!isUsable(window)) choice.flaw = "has a width of " + width;
     } else {
         choice.flaw = "cannot be read";
     }
@@ -126,9 +127,9 @@ std::vector<VoiChoice> readVoi(const Attributes& attributes, bool signedInputs) 
         VoiChoice choice;
         choice.name = Attributes(*item).text(DCM_LUTExplanation);
         try {
-            choice.table = readLutItem(*item, "VOI LUT", signedInputs);
+            choice.voi = readLutItem(*item, "VOI LUT", signedInputs);
         } catch (const Refusal& refusal) {
-            choice.table.emplace();
+            choice.voi = LookupTable();
             choice.flaw = refusal.what();
         }
         out.push_back(std::move(choice));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "viewing/dicom/dicom_attributes.h"
+#include "viewing/image/refusal.h"
 #include "viewing/image/stored_image.h"
 #include "viewing/image/voi_choice.h"
 

@@ -98,12 +98,10 @@ private:
         if (words_.empty() || bit >= format_.bitsAllocated || ((format_.valueBits() >> bit) & 1) != 0)
             return note("is said to be in bit " + std::to_string(bit) + " of the pixels, which is not free; not drawn");
         if (bit >= 12 && format_.bitsStored <= 12 && !image_.isColour()) {
-            image_.embedded.push_back({bit, kind});
+            image_.grey().embedded.push_back({bit, kind});
             return;
         }
-        OverlayPlane plane = extractPlane(words_, bit, image_.width, image_.height);
-        plane.kind = kind;
-        image_.overlays.push_back(std::move(plane));
+        image_.overlays.push_back({{0, 0}, planeOfBit(words_, bit, image_.width, image_.height), kind});
     }
 
     StoredImage& image_;
@@ -123,7 +121,7 @@ void readOverlays(StoredImage& image, DcmItem& dataset, int frame, std::span<con
     for (int group = 0x6000; group <= 0x601E; group += 2) reader.read(static_cast<std::uint16_t>(group));
 }
 
-std::uint16_t embeddedBits(const StoredImage& image) {
+std::uint16_t embeddedBits(const GreyImage& image) {
     unsigned int bits = 0;
     for (const EmbeddedPlane& plane : image.embedded) bits |= 1U << plane.bit;
     return static_cast<std::uint16_t>(bits);

@@ -18,6 +18,6 @@ void readOverlays(StoredImage& image, DcmItem& dataset, int frame, std::span<con
                   const PixelFormat& format);
 
 /// Bits 12 to 15 that the image's embedded planes occupy.
-std::uint16_t embeddedBits(const StoredImage& image);
+std::uint16_t embeddedBits(const GreyImage& image);
 
 }  // namespace viewing

@@ -1,6 +1,8 @@
 // Decoding of JPEG 2000 codestreams.
 #pragma once
 
+#include "viewing/image/refusal.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>

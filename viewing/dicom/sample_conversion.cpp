@@ -42,34 +42,28 @@ Extremes findExtremes(std::span<const std::uint16_t> words, const PixelFormat& f
 
 void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
                     std::optional<PaddingRange> padding, std::uint16_t embeddedBits) {
+    GreyImage& grey = image.grey();
     const Extremes extremes = findExtremes(words, format, padding);
     const int range = extremes.high - extremes.low;
     // Up to 12 bits the levels do not depend on the pixels, so that pictures of one series compare level by level.
-    image.levels = format.bitsStored > 12 && range >= levels12 ? levels16 : levels12;
-    if (format.bitsStored > 12 && image.levels == levels12) {
-        image.lowest = extremes.low;
+    grey.levels = format.bitsStored > 12 && range >= levels12 ? levels16 : levels12;
+    if (format.bitsStored > 12 && grey.levels == levels12) {
+        grey.lowest = extremes.low;
     } else {
-        image.lowest = format.isSigned ? -(1 << (format.bitsStored - 1)) : 0;
+        grey.lowest = format.isSigned ? -(1 << (format.bitsStored - 1)) : 0;
     }
-    image.minLevel = std::max(extremes.low - image.lowest, 0);
-    image.maxLevel = std::max(extremes.high - image.lowest, 0);
+    grey.minLevel = std::max(extremes.low - grey.lowest, 0);
+    grey.maxLevel = std::max(extremes.high - grey.lowest, 0);
 
-    if (padding) image.padding = BitPlane(image.width, image.height);
-    image.samples.resize(words.size());
+    if (padding) grey.padding = BitPlane(image.width, image.height);
+    grey.samples.resize(words.size());
     for (std::size_t i = 0; i < words.size(); ++i) {
         const int value = format.value(words[i]);
-        if (isPadding(padding, value)) image.padding.setBit(i);
+        if (isPadding(padding, value)) grey.padding.setBit(i);
         // Padding may lie outside the levels; its own are never shown.
-        const int level = std::clamp(value - image.lowest, 0, image.levels - 1);
-        image.samples[i] = static_cast<std::uint16_t>(level | (words[i] & embeddedBits));
+        const int level = std::clamp(value - grey.lowest, 0, grey.levels - 1);
+        grey.samples[i] = static_cast<std::uint16_t>(level | (words[i] & embeddedBits));
     }
-}
-
-OverlayPlane extractPlane(std::span<const std::uint16_t> words, int bit, int width, int height) {
-    OverlayPlane plane{{0, 0}, BitPlane(width, height), PlaneKind::Graphics};
-    for (std::size_t i = 0; i < words.size(); ++i)
-        if (((words[i] >> bit) & 1) != 0) plane.bits.setBit(i);
-    return plane;
 }
 
 }  // namespace viewing

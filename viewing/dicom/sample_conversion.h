@@ -30,14 +30,11 @@ struct PaddingRange {
     [[nodiscard]] bool contains(int value) const { return value >= low && value <= high; }
 };
 
-/// Fills samples, levels, lowest, minLevel, maxLevel and padding of an image whose width and height are set; `words`
+/// Fills samples, levels, lowest, minLevel, maxLevel and padding of a grey image whose width and height are set; `words`
 /// holds width * height words. Up to 12 bits stored, every storable value has one of 4096 levels; above, the values
 /// that occur have, padding aside, where they fit, and every storable value has one of 65536 where not. `embeddedBits`
 /// (bits 12 to 15, none above 12 bits stored) are carried over into the samples.
 void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
                     std::optional<PaddingRange> padding, std::uint16_t embeddedBits);
-
-/// Bit `bit` of every word as a plane of the image's size.
-OverlayPlane extractPlane(std::span<const std::uint16_t> words, int bit, int width, int height);
 
 }  // namespace viewing

@@ -1,6 +1,8 @@
 // Tables that are written down in segments: runs of entries, straight lines, and repetitions of earlier segments.
 #pragma once
 
+#include "viewing/image/refusal.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,6 +1,8 @@
 #include "viewing/display/annotation_overlay.h"
 
+#include "platform/unicode.h"
 #include "viewing/display/font.h"
+#include "viewing/image/refusal.h"
 #include "zolcs/ccsline.h"
 #include "zolcs/ccstext.h"
 
@@ -8,6 +10,8 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
+#include <optional>
+#include <utility>
 
 namespace viewing {
 
@@ -172,33 +176,10 @@ private:
     const std::wstring& words_;
 };
 
-/// The code points of valid UTF-8, which is what JSON strings are made of.
-std::u32string codePoints(const std::string& utf8) {
-    std::u32string out;
-    for (const char c : utf8) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte & 0xC0U) == 0x80U) {
-            out.back() = (out.back() << 6U) | (byte & 0x3FU);
-        } else {
-            const unsigned int lead = byte < 0x80U ? 0x7FU : byte < 0xE0U ? 0x1FU : byte < 0xF0U ? 0x0FU : 0x07U;
-            out.push_back(byte & lead);
-        }
-    }
-    return out;
-}
-
-/// Wide characters hold a code point or, where they have 16 bits, half of a large one.
 std::wstring wide(const std::string& utf8) {
-    std::wstring out;
-    for (const char32_t point : codePoints(utf8)) {
-        if (sizeof(wchar_t) == 2 && point > 0xFFFFU) {
-            out += static_cast<wchar_t>(0xD7C0U + (point >> 10U));
-            out += static_cast<wchar_t>(0xDC00U + (point & 0x3FFU));
-        } else {
-            out += static_cast<wchar_t>(point);
-        }
-    }
-    return out;
+    std::optional<std::wstring> out = zolplatform::fromUtf8(utf8);
+    if (!out) throw Refusal("has an annotation whose text is not UTF-8");
+    return std::move(*out);
 }
 
 double aspectOf(CoordinateSpace space, const Canvas& canvas) {

@@ -7,9 +7,11 @@
 #include "viewing/display/magnifier.h"
 #include "viewing/display/raster_setup.h"
 #include "viewing/display/report_log.h"
+#include "viewing/display/resampler.h"
 #include "viewing/display/resampling.h"
 #include "viewing/display/separate_planes.h"
 #include "viewing/display/view.h"
+#include "viewing/image/refusal.h"
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccscolorman.h"
 #include "zolcs/ccsframe.h"
@@ -56,10 +58,10 @@ void burnIn(RasterSetup& setup, CCs2dTrafo& view, IMap& map, const std::vector<A
     ReportLog::check();
 }
 
-void drawGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const StoredImage& image,
+void drawGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const GreyImage& image,
               const DisplaySettings& settings, std::vector<std::string>& notes) {
     const std::unique_ptr<IGreyMap> map = makeGreyMap(GreyTransform(image, settings.window));
-    CCsColorMan palette = makePalette(settings.palette, image.inverted != settings.invert);
+    CCsColorMan palette = makePalette(settings.palette, image.presentation.inverse != settings.invert);
     CCsColorMapT colours;
     palette.getColorMap(colours);
     map->setOverlayColors(setup.embeddedColours(), setup.planeColours());
@@ -80,16 +82,16 @@ void drawGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const Store
     if (settings.magnifier) magnify(*shown, frame, view, *settings.magnifier, settings.background);
 }
 
-void drawColours(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const StoredImage& image,
+void drawColours(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, const ColourImage& image,
                  const DisplaySettings& settings, std::vector<std::string>& notes) {
     if (settings.burnIn) burnIn(setup, view, *makeColourMap(image, settings.window), settings.annotations, false);
     resampleColours(setup.raster(), frame, view, settings, notes);
     if (settings.magnifier) magnify(setup.raster(), frame, view, *settings.magnifier, settings.background);
 }
 
-/// Bilinear interpolation takes 12-bit pixels for 16-bit ones, in which there is no room for planes.
+/// Where 12-bit pixels are taken for 16-bit ones, there is no room for planes.
 bool needsSeparatePlanes(const StoredImage& image, const DisplaySettings& settings) {
-    return settings.interpolation == Interpolation::Bilinear && !image.isColour() && image.levels == levels12;
+    return resamplerFor(settings.interpolation).takesGrey16 && !image.isColour() && image.grey().levels == levels12;
 }
 
 }  // namespace
@@ -115,9 +117,9 @@ CCs2dTrafo drawImage(const StoredImage& image, const DisplaySettings& settings, 
     CCs2dTrafo view = makeView(setup.raster(), frame, settings);
     if (image.isColour()) {
         if (settings.palette) notes.emplace_back("has its own colours; the palette is not used");
-        drawColours(setup, frame, view, image, settings, notes);
+        drawColours(setup, frame, view, image.colour(), settings, notes);
     } else {
-        drawGrey(setup, frame, view, image, settings, notes);
+        drawGrey(setup, frame, view, image.grey(), settings, notes);
     }
     return view;
 }

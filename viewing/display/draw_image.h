@@ -2,6 +2,7 @@
 #pragma once
 
 #include "viewing/display/settings.h"
+#include "viewing/image/refusal.h"
 #include "viewing/image/stored_image.h"
 #include "zolcs/ccs2dtrafo.h"
 

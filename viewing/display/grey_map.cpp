@@ -1,5 +1,7 @@
 #include "viewing/display/grey_map.h"
 
+#include "viewing/image/refusal.h"
+
 #include <cmath>
 #include <cstdint>
 #include <vector>

@@ -1,5 +1,7 @@
 #include "viewing/display/grey_transform.h"
 
+#include "viewing/image/voi_choice.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -21,51 +23,52 @@ double alongLine(const GreyLine& line, double value) {
 
 }  // namespace
 
-GreyTransform::GreyTransform(const StoredImage& image, const std::optional<Window>& window) : image_(image) {
-    window_ = window;
-    if (!window_ && !image.voiTable) window_ = image.window;
-    line_ = window_ ? lineOf(*window_, image.function) : fullRange();
-}
-
-double GreyTransform::output(int level) const {
-    const int stored = level + image_.lowest;
-    if (image_.modality) return image_.modality->at(stored);
-    return image_.slope * stored + image_.intercept;
+GreyTransform::GreyTransform(const GreyImage& image, const std::optional<Window>& window) : image_(image) {
+    if (window) {
+        window_ = VoiWindow{*window, functionFor(image)};
+    } else if (const VoiWindow* const chosen = image.window()) {
+        window_ = *chosen;
+    } else {
+        table_ = image.voiTable();
+    }
+    line_ = window_ ? lineOf(*window_) : fullRange();
 }
 
 GreyLine GreyTransform::fullRange() const {
-    GreyLine range{output(image_.minLevel), output(image_.minLevel)};
+    GreyLine range{image_.output(image_.minLevel), image_.output(image_.minLevel)};
     for (int level = image_.minLevel; level <= image_.maxLevel; ++level) {
-        range.black = std::min(range.black, output(level));
-        range.white = std::max(range.white, output(level));
+        range.black = std::min(range.black, image_.output(level));
+        range.white = std::max(range.white, image_.output(level));
     }
     return range;
 }
 
 double GreyTransform::shown(int level) const {
-    const double value = output(level);
-    if (usesTable()) return static_cast<double>(image_.voiTable->at(nearest(value))) / image_.voiTable->top();
-    if (window_ && image_.function == WindowFunction::Sigmoid)
-        return 1.0 / (1.0 + std::exp(-4.0 * (value - window_->centre) / window_->width));
+    const double value = image_.output(level);
+    if (table_ != nullptr) return static_cast<double>(table_->at(nearest(value))) / table_->top();
+    if (window_ && window_->function == WindowFunction::Sigmoid)
+        return 1.0 / (1.0 + std::exp(-4.0 * (value - window_->window.centre) / window_->window.width));
     return alongLine(line_, value);
 }
 
 int GreyTransform::presentationEntry(double shown) const {
-    return nearest(shown * static_cast<double>(image_.presentation->entries.size() - 1));
+    return nearest(shown * static_cast<double>(image_.presentation.table->entries.size() - 1));
 }
 
 double GreyTransform::grey(int level) const {
     const double value = shown(level);
-    if (!image_.presentation) return 255.0 * value;
-    const LookupTable& table = *image_.presentation;
+    if (!image_.presentation.table) return 255.0 * value;
+    const LookupTable& table = *image_.presentation.table;
     return 255.0 * table.entries[static_cast<std::size_t>(presentationEntry(value))] / table.top();
 }
 
 std::optional<RasterWindow> GreyTransform::rasterWindow() const {
-    if (image_.modality || image_.slope <= 0.0 || usesTable()) return std::nullopt;
-    const double first = output(0);
-    if (window_) return toRasterWindow(*window_, image_.function, first, image_.slope, image_.levels);
-    return straightWindow((line_.black - first) / image_.slope, (line_.white - first) / image_.slope, image_.levels);
+    const Modality& modality = image_.modality;
+    if (modality.table || modality.slope <= 0.0 || table_ != nullptr) return std::nullopt;
+    const double first = image_.output(0);
+    if (window_) return toRasterWindow(*window_, first, modality.slope, image_.levels);
+    return straightWindow((line_.black - first) / modality.slope, (line_.white - first) / modality.slope,
+                          image_.levels);
 }
 
 }  // namespace viewing

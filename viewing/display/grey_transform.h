@@ -2,24 +2,21 @@
 #pragma once
 
 #include "viewing/display/raster_window.h"
-#include "viewing/image/stored_image.h"
+#include "viewing/image/grey_image.h"
 
 #include <optional>
 
 namespace viewing {
 
-/// What an image and the window that is chosen for it make of each level. The image must outlive it.
+/// What an image and its values of interest make of each level. The image must outlive it.
 class GreyTransform {
 public:
-    /// `window` goes before what is chosen in the image.
-    GreyTransform(const StoredImage& image, const std::optional<Window>& window);
+    /// `window` replaces what is chosen in the image; it is applied by functionFor(image).
+    GreyTransform(const GreyImage& image, const std::optional<Window>& window);
 
     [[nodiscard]] int levels() const { return image_.levels; }
 
-    /// The level in output units, such as Hounsfield units.
-    [[nodiscard]] double output(int level) const;
-
-    /// What the window or table makes of the level, 0 to 1.
+    /// What the window or table makes of the level, 0 to 1 (DICOM PS3.3 C.11.2.1.1 to C.11.2.1.3).
     [[nodiscard]] double shown(int level) const;
 
     /// The presentation table's entry for what is shown; only with such a table.
@@ -31,15 +28,15 @@ public:
     /// The map's own window that comes nearest; null where no window of the map could.
     [[nodiscard]] std::optional<RasterWindow> rasterWindow() const;
 
-    [[nodiscard]] const std::optional<LookupTable>& presentation() const { return image_.presentation; }
+    [[nodiscard]] const std::optional<LookupTable>& presentation() const { return image_.presentation.table; }
 
 private:
     /// The smallest and largest output that occurs.
     [[nodiscard]] GreyLine fullRange() const;
-    [[nodiscard]] bool usesTable() const { return !window_ && image_.voiTable; }
 
-    const StoredImage& image_;
-    std::optional<Window> window_;
+    const GreyImage& image_;
+    std::optional<VoiWindow> window_;       // at most one of these two
+    const LookupTable* table_ = nullptr;
     GreyLine line_;
 };
 

@@ -1,6 +1,7 @@
 // The pixels of the library's images, locked while they are used.
 #pragma once
 
+#include "viewing/image/refusal.h"
 #include "viewing/image/stored_image.h"
 #include "zolcs/ccsimage.h"
 

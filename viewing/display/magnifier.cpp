@@ -4,6 +4,7 @@
 #include "viewing/display/report_log.h"
 #include "viewing/display/resampling.h"
 #include "viewing/display/view.h"
+#include "viewing/image/refusal.h"
 #include "zolcs/ccsbilinear.h"
 #include "zolcs/ccsframe.h"
 #include "zolcs/ccsimageutils.h"

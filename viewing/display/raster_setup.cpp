@@ -2,6 +2,7 @@
 
 #include "viewing/display/colour_map.h"
 #include "viewing/display/image_pixels.h"
+#include "viewing/image/refusal.h"
 #include "zolcs/ccsedgeenhancement.h"
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
@@ -52,7 +53,7 @@ BitPlane hiddenPixels(const StoredImage& image) {
 
 int rasterType(const StoredImage& image) {
     if (image.isColour()) return CCS_RGB8;
-    return image.levels == levels16 ? CCS_GREY16 : CCS_GREY12;
+    return image.grey().levels == levels16 ? CCS_GREY16 : CCS_GREY12;
 }
 
 /// The pixels of a colour raster under the set bits of a plane, which lies inside it.
@@ -76,24 +77,25 @@ void copyPixels(CCsImage& from, CCsImage& to, Pixel kept) {
 }  // namespace
 
 RasterSetup::RasterSetup(const StoredImage& image, const DisplaySettings& settings)
-    : raster_(image.width, image.height, rasterType(image), image.ratioYx, true, false), padding_(image.padding) {
+    : raster_(image.width, image.height, rasterType(image), image.ratioYx, true, false) {
     if (image.isColour()) {
         showColours(image, settings);
         return;
     }
-    copySamples(image);
+    padding_ = image.grey().padding;
+    copySamples(image.grey());
     if (settings.sharpening) sharpen(*settings.sharpening);
     if (settings.shutters) setShutters(image);
     if (settings.overlays) setOverlays(image);
 }
 
-void RasterSetup::copySamples(const StoredImage& image) {
+void RasterSetup::copySamples(const GreyImage& image) {
     auto sample = image.samples.begin();
     ImagePixels<std::uint16_t>(raster_).forEach([&sample](std::uint16_t& pixel) { pixel = *sample++; });
 }
 
 void RasterSetup::showColours(const StoredImage& image, const DisplaySettings& settings) {
-    mapColours(image, settings.window, raster_);
+    mapColours(image.colour(), settings.window, raster_);
     if (settings.sharpening) sharpen(*settings.sharpening);
     const ImagePixels<std::uint32_t> pixels(raster_);
     if (settings.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
@@ -192,9 +194,10 @@ void RasterSetup::setOverlays(const StoredImage& image) {
     }
 
     // Where planes overlap, graphics lie on top.
-    raster_.setEmbeddedOverlayStatus(!image.embedded.empty());
+    const std::vector<EmbeddedPlane>& embedded = image.grey().embedded;
+    raster_.setEmbeddedOverlayStatus(!embedded.empty());
     for (const PlaneKind kind : {PlaneKind::RegionOfInterest, PlaneKind::Graphics})
-        for (const EmbeddedPlane& plane : image.embedded)
+        for (const EmbeddedPlane& plane : embedded)
             for (unsigned int bits = 0; bits < embeddedColours_.size(); ++bits)
                 if (plane.kind == kind && ((bits >> (plane.bit - 12)) & 1U) != 0)
                     embeddedColours_[bits] = colourOf(kind);

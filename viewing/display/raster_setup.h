@@ -49,7 +49,7 @@ private:
         void takeAsGrey16() { type = CCS_GREY16; }
     };
 
-    void copySamples(const StoredImage& image);
+    void copySamples(const GreyImage& image);
     void setShutters(const StoredImage& image);
     void setOverlays(const StoredImage& image);
     void showColours(const StoredImage& image, const DisplaySettings& settings);

@@ -31,18 +31,18 @@ RasterWindow straightWindow(double black, double white, int levels) {
     return out;
 }
 
-RasterWindow toRasterWindow(const Window& window, WindowFunction function, double first, double slope, int levels) {
+RasterWindow toRasterWindow(const VoiWindow& voi, double first, double slope, int levels) {
     // What lies beyond any stored value is as far away as the largest double, without leaving the doubles.
     constexpr double huge = 1e15;
-    const Window near{std::clamp(window.centre, -huge, huge), std::min(window.width, huge)};
+    const Window near{std::clamp(voi.window.centre, -huge, huge), std::min(voi.window.width, huge)};
     const auto level = [first, slope](double output) { return (output - first) / slope; };
-    if (function == WindowFunction::Sigmoid) {
+    if (voi.function == WindowFunction::Sigmoid) {
         constexpr double reach = 1e6;
         const double middle = std::clamp(std::round(level(near.centre)), -reach, reach);
         const double spread = std::clamp(std::round(near.width / slope), 1.0, reach);
         return {static_cast<int>(middle), static_cast<int>(spread), true};
     }
-    const GreyLine line = lineOf(near, function);
+    const GreyLine line = lineOf({near, voi.function});
     return straightWindow(level(line.black), level(line.white), levels);
 }
 

@@ -20,6 +20,6 @@ RasterWindow straightWindow(double black, double white, int levels);
 
 /// The map's window that comes nearest to a usable window, for levels of which level 0 has the output `first` and each
 /// next one `slope` more. `slope` is positive.
-RasterWindow toRasterWindow(const Window& window, WindowFunction function, double first, double slope, int levels);
+RasterWindow toRasterWindow(const VoiWindow& voi, double first, double slope, int levels);
 
 }  // namespace viewing

@@ -1,6 +1,7 @@
 // What the library reports while an object of this class lives.
 #pragma once
 
+#include "viewing/image/refusal.h"
 #include "viewing/image/stored_image.h"
 #include "zolcs/ccserror.h"
 

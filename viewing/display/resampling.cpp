@@ -2,9 +2,9 @@
 
 #include "viewing/display/image_pixels.h"
 #include "viewing/display/report_log.h"
+#include "viewing/display/resampler.h"
+#include "viewing/image/refusal.h"
 #include "zolcs/ccs2dtrafo.h"
-#include "zolcs/ccsbicubic.h"
-#include "zolcs/ccsbilinear.h"
 #include "zolcs/ccsframe.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsnearest.h"
@@ -55,31 +55,11 @@ void resampleByLoops(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGre
     CCsRaster& raster = setup.raster();
     std::vector<bool> outside;
     if (settings.background != 0) outside = findBackground(raster, frame, view);
-    switch (settings.interpolation) {
-        case Interpolation::Nearest:
-            CCsNearest().nearestGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
-            break;
-        case Interpolation::Bilinear:
-            setup.takeAsGrey16();
-            CCsBilinear().bilinearGrey12IndexMap(raster, frame, view, &map, false, setup.padding(), 0);
-            break;
-        case Interpolation::Bicubic:
-            CCsBicubic().bicubicGrey12IndexMap(raster, frame, view, &map, setup.padding(), 0);
-            break;
-    }
+    const Resampler& resampler = resamplerFor(settings.interpolation);
+    if (resampler.takesGrey16) setup.takeAsGrey16();
+    resampler.grey(raster, frame, view, map, setup.padding());
     ReportLog::check();
     if (settings.background != 0) fillBackground(frame, outside, settings.background);
-}
-
-int accelerateGrey(CCsRaster& values, CCsRaster& picture, CCs2dTrafo& view, Interpolation interpolation) {
-    switch (interpolation) {
-        case Interpolation::Nearest:
-            return CCsNearest().nearestIPPGrey12Grey12(values, picture, view, 0);
-        case Interpolation::Bilinear:
-            return CCsBilinear().bilinearIPPGrey12Grey12(values, picture, view, 0);
-        default:
-            return CCsBicubic().bicubicIPPGrey12Grey12(values, picture, view, 0);
-    }
 }
 
 /// The levels are drawn with so much added that no overshoot of the cubic comes near the background's 0, and mapped
@@ -97,7 +77,7 @@ bool resampleByPrimitives(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view,
         });
     }
     CCsRaster picture(frame.getWidth(), frame.getHeight(), CCS_GREY12, frame.getRatioYx(), true, false);
-    if (accelerateGrey(values, picture, view, settings.interpolation) != done) {
+    if (resamplerFor(settings.interpolation).greyByPrimitives(values, picture, view) != done) {
         ReportLog::forget();
         return false;
     }
@@ -109,18 +89,6 @@ bool resampleByPrimitives(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view,
     mapInto(setup, picture, frame, map, nullptr);
     fillBackground(frame, outside, settings.background);
     return true;
-}
-
-int accelerateColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const DisplaySettings& settings) {
-    const auto background = static_cast<unsigned char>(settings.background);
-    switch (settings.interpolation) {
-        case Interpolation::Nearest:
-            return CCsNearest().nearestIPPRgb8Rgb8(raster, frame, view, background);
-        case Interpolation::Bilinear:
-            return CCsBilinear().bilinearIPPRgb8Rgb8(raster, frame, view, background);
-        default:
-            return CCsBicubic().bicubicIPPRgb8Rgb8(raster, frame, view, background);
-    }
 }
 
 void noteNotAccelerated(std::vector<std::string>& notes) {
@@ -162,23 +130,14 @@ void resampleGrey(RasterSetup& setup, CCsFrame& frame, CCs2dTrafo& view, IGreyMa
 
 void resampleColours(CCsRaster& raster, CCsFrame& frame, CCs2dTrafo& view, const DisplaySettings& settings,
                      std::vector<std::string>& notes) {
+    const Resampler& resampler = resamplerFor(settings.interpolation);
     if (settings.accelerated) {
-        if (accelerateColours(raster, frame, view, settings) == done) return;
+        const auto grey = static_cast<unsigned char>(settings.background);
+        if (resampler.coloursByPrimitives(raster, frame, view, grey) == done) return;
         ReportLog::forget();
         noteNotAccelerated(notes);
     }
-    const unsigned long background = backgroundPixel(settings.background);
-    switch (settings.interpolation) {
-        case Interpolation::Nearest:
-            CCsNearest().nearestRgb8Rgb8(raster, frame, view, background);
-            break;
-        case Interpolation::Bilinear:
-            CCsBilinear().bilinearRgb8Rgb8(raster, frame, view, background, false);
-            break;
-        case Interpolation::Bicubic:
-            CCsBicubic().bicubicRgb8Rgb8(raster, frame, view, background);
-            break;
-    }
+    resampler.colours(raster, frame, view, backgroundPixel(settings.background));
     ReportLog::check();
 }
 

@@ -5,7 +5,7 @@
 
 namespace viewing {
 
-/// The same image without embedded planes: they lie below the planes that were separate before, graphics on top, as the
+/// The same grey image of 12 bits without embedded planes: they lie below the planes that were separate before, graphics on top, as the
 /// library shows them in either place.
 StoredImage withSeparatePlanes(StoredImage image);
 

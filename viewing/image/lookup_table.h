@@ -15,6 +15,8 @@ struct LookupTable {
     int bits = 16;  ///< bits of an entry, 1 to 16: outputs are 0 to 2^bits - 1
     std::vector<std::uint16_t> entries;
 
+    bool operator==(const LookupTable&) const = default;
+
     /// The input of the last entry.
     [[nodiscard]] int last() const { return first + static_cast<int>(entries.size()) - 1; }
     /// The largest output that `bits` allow.

@@ -63,7 +63,7 @@ void drawFrame(const Box& frame, Put put) {
 
 class Canvas {
 public:
-    explicit Canvas(StoredImage& image) : image_(image) {}
+    explicit Canvas(GreyImage& image) : image_(image) {}
 
     void set(int x, int y, int level) { sample(x, y) = static_cast<std::uint16_t>(level); }
 
@@ -91,7 +91,7 @@ private:
         return image_.samples[static_cast<std::size_t>(y) * phantomWidth + static_cast<std::size_t>(x)];
     }
 
-    StoredImage& image_;
+    GreyImage& image_;
 };
 
 /// Sixteen steps above a continuous ramp, both from black on the left to white on the right.
@@ -164,13 +164,14 @@ StoredImage makePhantom() {
     StoredImage image;
     image.width = phantomWidth;
     image.height = phantomHeight;
-    image.samples.assign(static_cast<std::size_t>(phantomWidth) * phantomHeight, background);
-    image.padding = BitPlane(phantomWidth, phantomHeight);
-    image.maxLevel = white;
-    image.voi = {{"", Window{levels12 / 2.0, levels12}, WindowFunction::Linear, {}, {}, {}}};
-    image.window = image.voi.front().window;
+    GreyImage& grey = image.grey();
+    grey.samples.assign(static_cast<std::size_t>(phantomWidth) * phantomHeight, background);
+    grey.padding = BitPlane(phantomWidth, phantomHeight);
+    grey.maxLevel = white;
+    grey.voiChoices = {{"", VoiWindow{{levels12 / 2.0, levels12}}, {}, {}}};
+    grey.voi = grey.voiChoices.front().voi;
 
-    Canvas canvas(image);
+    Canvas canvas(grey);
     const auto whiteDot = [&canvas](int x, int y) { canvas.set(x, y, white); };
     drawFrame({0, 0, phantomWidth - 1, phantomHeight - 1}, whiteDot);
     drawFrame({20, 20, phantomWidth - 21, phantomHeight - 21}, whiteDot);
@@ -179,14 +180,14 @@ StoredImage makePhantom() {
     drawLowContrast(canvas);
     drawCircles(canvas);
     drawOrientation(canvas);
-    drawPadding(canvas, image.padding);
+    drawPadding(canvas, grey.padding);
 
     image.shutters.rectangle = Box{8, 8, phantomWidth - 9, phantomHeight - 9};
     image.shutters.circle = Circle{{phantomWidth / 2, phantomHeight / 2}, 374};
     image.shutters.presentationValue = 0x7000;
     image.overlays.push_back(makeCaption());
     image.overlays.push_back(makeRegion());
-    image.embedded.push_back({embeddedBit, PlaneKind::Graphics});
+    grey.embedded.push_back({embeddedBit, PlaneKind::Graphics});
     drawText("R", 570, 430, 5, [&canvas](int x, int y) { canvas.mark(x, y, embeddedBit); });
     return image;
 }

@@ -1,5 +1,7 @@
 #include "viewing/image/voi_choice.h"
 
+#include "viewing/image/refusal.h"
+
 #include <sstream>
 #include <string>
 
@@ -7,12 +9,10 @@ namespace viewing {
 
 namespace {
 
+bool isTable(const VoiChoice& choice) { return std::holds_alternative<LookupTable>(choice.voi); }
+
 void apply(StoredImage& image, const VoiChoice& choice) {
-    image.window.reset();
-    image.voiTable = choice.table;
-    if (choice.table) return;
-    image.window = choice.window;
-    image.function = choice.function;
+    image.grey().voi = choice.voi;
     if (!choice.note.empty()) image.notes.push_back(choice.note);
 }
 
@@ -28,31 +28,26 @@ const char* functionName(WindowFunction function) {
     return "";
 }
 
-/// What there is in place of a number that there is not.
-Refusal noSuchChoice(const StoredImage& image, int number) {
-    if (image.voi.empty()) return Refusal{"has no window and no VOI LUT to choose"};
+std::string inWords(const VoiWindow& voi) {
+    std::ostringstream out;
+    out << "window, centre " << voi.window.centre << ", width " << voi.window.width << functionName(voi.function);
+    return out.str();
+}
+
+/// The refusal of a number that is not on the list, which is told.
+Refusal noSuchChoice(const GreyImage& image, int number) {
+    if (image.voiChoices.empty()) return Refusal{"has no window and no VOI LUT to choose"};
     std::string list;
-    for (std::size_t i = 0; i < image.voi.size(); ++i)
-        list += (i == 0 ? "" : "; ") + std::to_string(i + 1) + ": " + inWords(image.voi[i]);
+    for (std::size_t i = 0; i < image.voiChoices.size(); ++i)
+        list += (i == 0 ? "" : "; ") + std::to_string(i + 1) + ": " + inWords(image.voiChoices[i]);
     return Refusal{"has no window or VOI LUT " + std::to_string(number) + ", but " + list};
 }
 
 }  // namespace
 
-void apply(StoredImage& image, const Modality& modality) {
-    image.slope = modality.slope;
-    image.intercept = modality.intercept;
-    image.modality = modality.table;
-}
-
-void apply(StoredImage& image, const Presentation& presentation) {
-    image.presentation = presentation.table;
-    image.inverted = presentation.inverse;
-}
-
-bool outputMayBeNegative(const StoredImage& image) {
-    if (image.modality) return false;
-    return image.intercept < 0.0 || image.slope < 0.0 || image.lowest < 0;
+bool outputMayBeNegative(const GreyImage& image) {
+    if (image.modality.table) return false;
+    return image.modality.intercept < 0.0 || image.modality.slope < 0.0 || image.lowest < 0;
 }
 
 std::string inWords(const LookupTable& table) {
@@ -61,47 +56,46 @@ std::string inWords(const LookupTable& table) {
 }
 
 std::string inWords(const VoiChoice& choice) {
-    std::ostringstream out;
-    if (!choice.flaw.empty()) {
-        out << (choice.table ? "table" : "window") << ", cannot be applied: " << choice.flaw;
-    } else if (choice.table) {
-        out << inWords(*choice.table);
+    std::string out;
+    if (choice.flaw.empty()) {
+        out = std::visit([](const auto& voi) { return inWords(voi); }, choice.voi);
     } else {
-        out << "window, centre " << choice.window.centre << ", width " << choice.window.width
-            << functionName(choice.function);
+        out = (isTable(choice) ? "table" : "window") + (", cannot be applied: " + choice.flaw);
     }
-    if (!choice.name.empty()) out << ", \"" << choice.name << '"';
-    if (!choice.note.empty()) out << " (" << choice.note << ')';
-    return out.str();
+    if (!choice.name.empty()) out += ", \"" + choice.name + '"';
+    if (!choice.note.empty()) out += " (" + choice.note + ')';
+    return out;
 }
 
 void chooseVoi(StoredImage& image, int number) {
-    if (number < 1 || number > static_cast<int>(image.voi.size())) throw noSuchChoice(image, number);
-    const VoiChoice& choice = image.voi[static_cast<std::size_t>(number) - 1];
+    const GreyImage& grey = image.grey();
+    if (number < 1 || number > static_cast<int>(grey.voiChoices.size())) throw noSuchChoice(grey, number);
+    const VoiChoice& choice = grey.voiChoices[static_cast<std::size_t>(number) - 1];
     if (choice.flaw.empty()) return apply(image, choice);
-    throw Refusal(choice.table ? choice.flaw : "its window " + std::to_string(number) + " " + choice.flaw);
+    throw Refusal(isTable(choice) ? choice.flaw : "its window " + std::to_string(number) + " " + choice.flaw);
 }
 
 void chooseFirstVoi(StoredImage& image) {
-    chooseNoVoi(image);
+    image.grey().voi.reset();
     std::string passedOver;
-    for (std::size_t i = 0; i < image.voi.size(); ++i) {
-        const VoiChoice& choice = image.voi[i];
+    int number = 0;
+    for (const VoiChoice& choice : image.grey().voiChoices) {
+        ++number;
         if (choice.flaw.empty()) {
             if (!passedOver.empty())
-                image.notes.push_back(passedOver + "; shown with number " + std::to_string(i + 1) + " instead");
+                image.notes.push_back(passedOver + "; shown with number " + std::to_string(number) + " instead");
             return apply(image, choice);
         }
-        if (choice.table) throw Refusal(choice.flaw);
-        passedOver += (i == 0 ? "the file's window " : ", the next one ") + choice.flaw;
+        if (isTable(choice)) throw Refusal(choice.flaw);
+        passedOver += (number == 1 ? "the file's window " : ", the next one ") + choice.flaw;
     }
     if (!passedOver.empty()) image.notes.push_back(passedOver + "; shown with the full range of values instead");
 }
 
-void chooseNoVoi(StoredImage& image) {
-    image.window.reset();
-    image.voiTable.reset();
-    if (!image.voi.empty()) image.function = image.voi.front().function;
+WindowFunction functionFor(const GreyImage& image) {
+    const VoiWindow* window = image.window();
+    if (window == nullptr && !image.voiChoices.empty()) window = std::get_if<VoiWindow>(&image.voiChoices.front().voi);
+    return window == nullptr ? WindowFunction::Linear : window->function;
 }
 
 }  // namespace viewing

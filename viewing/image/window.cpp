@@ -4,12 +4,14 @@
 
 namespace viewing {
 
-bool isUsable(const Window& window, WindowFunction function) {
+bool isUsable(const VoiWindow& voi) {
+    const auto& [window, function] = voi;
     if (!std::isfinite(window.centre) || !std::isfinite(window.width)) return false;
     return function == WindowFunction::Linear ? window.width >= 1.0 : window.width > 0.0;
 }
 
-GreyLine lineOf(const Window& window, WindowFunction function) {
+GreyLine lineOf(const VoiWindow& voi) {
+    const auto& [window, function] = voi;
     // LINEAR counts both ends of the window, which lie between the values.
     const bool counted = function == WindowFunction::Linear;
     const double middle = counted ? window.centre - 0.5 : window.centre;

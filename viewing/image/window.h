@@ -15,6 +15,13 @@ struct Window {
     bool operator==(const Window&) const = default;
 };
 
+/// A window with the function by which it is applied.
+struct VoiWindow {
+    Window window;
+    WindowFunction function = WindowFunction::Linear;
+    bool operator==(const VoiWindow&) const = default;
+};
+
 /// The straight line from black to white, in output units. A value at or below `black` is black, one above `white` is
 /// white, also where both are the same.
 struct GreyLine {
@@ -24,10 +31,10 @@ struct GreyLine {
 
 /// True when the window can be applied: both numbers are finite, and the width is at least 1 for LINEAR and above 0 for
 /// the other functions.
-bool isUsable(const Window& window, WindowFunction function);
+bool isUsable(const VoiWindow& voi);
 
 /// The line of a usable window: C.11.2.1.2.1 for LINEAR, C.11.2.1.3.2 for LINEAR_EXACT; for SIGMOID that of
 /// LINEAR_EXACT, which the curve follows around its centre.
-GreyLine lineOf(const Window& window, WindowFunction function);
+GreyLine lineOf(const VoiWindow& voi);
 
 }  // namespace viewing

@@ -1,6 +1,7 @@
 #include "viewing/output/page_layout.h"
 
 #include "viewing/display/picture_size.h"
+#include "viewing/image/refusal.h"
 
 #include <algorithm>
 #include <array>

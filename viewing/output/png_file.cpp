@@ -1,7 +1,5 @@
 #include "viewing/output/png_file.h"
 
-#include "viewing/image/refusal.h"
-
 #include <png.h>
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "viewing/image/picture.h"
+#include "viewing/image/refusal.h"
 
 #include <string>
 

@@ -53,20 +53,19 @@ TEST(DicomInput, PlainImage) {
     const StoredImage image = load(writer);
     EXPECT_EQ(image.width, 3);
     EXPECT_EQ(image.height, 2);
-    EXPECT_EQ(image.samples, (Words{1, 2, 3, 4, 5, 4095}));
+    EXPECT_EQ(image.grey().samples, (Words{1, 2, 3, 4, 5, 4095}));
     EXPECT_EQ(image.ratioYx, 1.0);
-    EXPECT_EQ(image.slope, 1.0);
-    EXPECT_EQ(image.intercept, 0.0);
-    EXPECT_FALSE(image.inverted);
-    EXPECT_FALSE(image.window);
-    EXPECT_FALSE(image.voiTable);
-    EXPECT_FALSE(image.modality);
-    EXPECT_FALSE(image.presentation);
+    EXPECT_EQ(image.grey().modality.slope, 1.0);
+    EXPECT_EQ(image.grey().modality.intercept, 0.0);
+    EXPECT_FALSE(image.grey().presentation.inverse);
+    EXPECT_FALSE(image.grey().voi);
+    EXPECT_FALSE(image.grey().modality.table);
+    EXPECT_FALSE(image.grey().presentation.table);
     EXPECT_FALSE(image.isColour());
-    EXPECT_EQ(image.levels, levels12);
+    EXPECT_EQ(image.grey().levels, levels12);
     EXPECT_FALSE(image.shutters.any());
     EXPECT_TRUE(image.overlays.empty());
-    EXPECT_TRUE(image.padding.empty());
+    EXPECT_TRUE(image.grey().padding.empty());
     EXPECT_TRUE(image.notes.empty());
 }
 
@@ -77,7 +76,7 @@ TEST(DicomInput, ByteOrdersAgree) {
         writer.pixels({1, 0x102, 0xFFF});
         writer.overlay(0x6000, 1, 3, 1, 1, {0x0005});
         const StoredImage image = load(writer, syntax);
-        EXPECT_EQ(image.samples, (Words{1, 0x102, 0xFFF})) << syntax;
+        EXPECT_EQ(image.grey().samples, (Words{1, 0x102, 0xFFF})) << syntax;
         ASSERT_EQ(image.overlays.size(), 1U);
         EXPECT_TRUE(image.overlays[0].bits.get(0, 0));
         EXPECT_FALSE(image.overlays[0].bits.get(1, 0));
@@ -88,21 +87,21 @@ TEST(DicomInput, ByteOrdersAgree) {
 TEST(DicomInput, EightBitsAllocatedWithAnOddNumberOfPixels) {
     DicomWriter writer(3, 1);
     writer.format(8, 8, 7, 0).remove(DCM_PixelData).bytes({7, 0, 255});
-    EXPECT_EQ(load(writer).samples, (Words{7, 0, 255}));
+    EXPECT_EQ(load(writer).grey().samples, (Words{7, 0, 255}));
 }
 
 TEST(DicomInput, WithoutAHighBitValuesLieLow) {
     DicomWriter writer = image2x2();
     writer.remove(DCM_HighBit);
-    EXPECT_EQ(load(writer).samples, (Words{1, 2, 3, 0x0FFF}));
+    EXPECT_EQ(load(writer).grey().samples, (Words{1, 2, 3, 0x0FFF}));
 }
 
 TEST(DicomInput, SignedValuesAreLifted) {
     DicomWriter writer(2, 1);
     writer.format(16, 12, 11, 1).pixels({0x0800, 0x07FF});
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.samples, (Words{0, 4095}));
-    EXPECT_EQ(image.lowest, -2048);
+    EXPECT_EQ(image.grey().samples, (Words{0, 4095}));
+    EXPECT_EQ(image.grey().lowest, -2048);
 }
 
 TEST(DicomInput, RescaleAndWindow) {
@@ -110,10 +109,9 @@ TEST(DicomInput, RescaleAndWindow) {
     writer.put(DCM_RescaleSlope, "2.5").put(DCM_RescaleIntercept, "-1024");
     writer.put(DCM_WindowCenter, " 40 \\600").put(DCM_WindowWidth, "+400\\1600");
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.slope, 2.5);
-    EXPECT_EQ(image.intercept, -1024.0);
-    EXPECT_EQ(image.window, (Window{40.0, 400.0}));
-    EXPECT_EQ(image.function, WindowFunction::Linear);
+    EXPECT_EQ(image.grey().modality.slope, 2.5);
+    EXPECT_EQ(image.grey().modality.intercept, -1024.0);
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{40.0, 400.0}}));
 }
 
 TEST(DicomInput, SenselessRescaleIsSaidAndLeftOut) {
@@ -123,34 +121,31 @@ TEST(DicomInput, SenselessRescaleIsSaidAndLeftOut) {
         DicomWriter writer = image2x2();
         writer.put(DCM_RescaleSlope, slope).put(DCM_RescaleIntercept, intercept);
         const StoredImage image = load(writer);
-        EXPECT_EQ(image.slope, 1.0) << slope;
-        EXPECT_EQ(image.intercept, 0.0) << intercept;
+        EXPECT_EQ(image.grey().modality.slope, 1.0) << slope;
+        EXPECT_EQ(image.grey().modality.intercept, 0.0) << intercept;
         EXPECT_EQ(image.notes,
                   (std::vector<std::string>{"the rescale slope or intercept makes no sense; shown without them"}));
     }
     DicomWriter half = image2x2();
     half.put(DCM_RescaleIntercept, "-1e9");
-    EXPECT_EQ(load(half).intercept, -1e9);
+    EXPECT_EQ(load(half).grey().modality.intercept, -1e9);
     EXPECT_TRUE(load(half).notes.empty());
 }
 
 TEST(DicomInput, WindowFunctions) {
     DicomWriter sigmoid = image2x2();
     sigmoid.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "0.5").put(DCM_VOILUTFunction, "SIGMOID");
-    EXPECT_EQ(load(sigmoid).function, WindowFunction::Sigmoid);
-    EXPECT_EQ(load(sigmoid).window, (Window{40.0, 0.5}));
+    EXPECT_EQ(load(sigmoid).grey().voi, Voi(VoiWindow{{40.0, 0.5}, WindowFunction::Sigmoid}));
     DicomWriter exact = image2x2();
     exact.put(DCM_WindowCenter, "40.5").put(DCM_WindowWidth, "100.25").put(DCM_VOILUTFunction, "LINEAR_EXACT");
-    EXPECT_EQ(load(exact).function, WindowFunction::LinearExact);
-    EXPECT_EQ(load(exact).window, (Window{40.5, 100.25}));
+    EXPECT_EQ(load(exact).grey().voi, Voi(VoiWindow{{40.5, 100.25}, WindowFunction::LinearExact}));
 }
 
 TEST(DicomInput, AnUnknownWindowFunctionIsSaidAndTakenAsLinear) {
     DicomWriter writer = image2x2();
     writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "100").put(DCM_VOILUTFunction, "SIGMA");
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.function, WindowFunction::Linear);
-    EXPECT_EQ(image.window, (Window{40.0, 100.0}));
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{40.0, 100.0}}));
     EXPECT_EQ(image.notes, (std::vector<std::string>{"the VOI LUT function 'SIGMA' is not known; taken as LINEAR"}));
     writer.put(DCM_VOILUTFunction, "LINEAR");
     EXPECT_TRUE(load(writer).notes.empty());
@@ -162,9 +157,9 @@ TEST(DicomInput, NamesComeInUtf8) {
     writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "2").put(DCM_WindowCenterWidthExplanation, "K\xF6rper");
     writer.lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2}, "Gef\xE4\xDF");
     const StoredImage image = load(writer);
-    ASSERT_EQ(image.voi.size(), 2U);
-    EXPECT_EQ(image.voi[0].name, "K\xC3\xB6rper");
-    EXPECT_EQ(image.voi[1].name, "Gef\xC3\xA4\xC3\x9F");
+    ASSERT_EQ(image.grey().voiChoices.size(), 2U);
+    EXPECT_EQ(image.grey().voiChoices[0].name, "K\xC3\xB6rper");
+    EXPECT_EQ(image.grey().voiChoices[1].name, "Gef\xC3\xA4\xC3\x9F");
 }
 
 TEST(DicomInput, SequencesWithinSequencesEndBeforeTheStackDoes) {
@@ -189,14 +184,13 @@ TEST(DicomInput, TheFirstUsableWindowIsTaken) {
     DicomWriter writer = image2x2();
     writer.put(DCM_WindowCenter, "1\\x\\3\\4").put(DCM_WindowWidth, "0\\2\\30\\40");
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.window, (Window{3.0, 30.0}));
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{3.0, 30.0}}));
     EXPECT_EQ(image.notes, (std::vector<std::string>{"the file's window has a width of 0, the next one cannot be read; "
                                                      "shown with number 3 instead"}));
     writer.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "0");
     writer.lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2});
     const StoredImage table = load(writer);
-    EXPECT_TRUE(table.voiTable);
-    EXPECT_FALSE(table.window);
+    EXPECT_TRUE(table.grey().voiTable());
     EXPECT_EQ(table.notes,
               (std::vector<std::string>{"the file's window has a width of 0; shown with number 2 instead"}));
 }
@@ -205,14 +199,14 @@ TEST(DicomInput, UnusableWindowIsSaidAndLeftOut) {
     DicomWriter zero = image2x2();
     zero.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "0");
     StoredImage image = load(zero);
-    EXPECT_FALSE(image.window);
+    EXPECT_FALSE(image.grey().voi);
     EXPECT_EQ(
         image.notes,
         (std::vector<std::string>{"the file's window has a width of 0; shown with the full range of values instead"}));
     DicomWriter text = image2x2();
     text.put(DCM_WindowCenter, "1").put(DCM_WindowWidth, "wide");
     image = load(text);
-    EXPECT_FALSE(image.window);
+    EXPECT_FALSE(image.grey().voi);
     EXPECT_EQ(image.notes.size(), 1U);
 }
 
@@ -235,7 +229,7 @@ TEST(DicomInput, FunctionalGroupsOfTheFirstFrameCount) {
     item->putAndInsertString(DCM_WindowCenter, "7");
     item->putAndInsertString(DCM_WindowWidth, "9");
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.window, (Window{7.0, 9.0}));
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{7.0, 9.0}}));
     EXPECT_EQ(image.ratioYx, 1.5);
 }
 
@@ -261,8 +255,8 @@ TEST(DicomInput, SixteenBitsAreNeededFromTheFirstLevelThatDoesNotFit) {
         DicomWriter writer(2, 1);
         writer.format(16, 16, 15, 0).pixels({0, static_cast<std::uint16_t>(highest)});
         const StoredImage image = load(writer);
-        EXPECT_EQ(image.levels, levels);
-        EXPECT_EQ(image.samples[1], highest);
+        EXPECT_EQ(image.grey().levels, levels);
+        EXPECT_EQ(image.grey().samples[1], highest);
     }
 }
 
@@ -317,31 +311,31 @@ TEST(DicomInput, SenselessPixelShapesAreSaidAndPassedOver) {
 TEST(DicomInput, LowValuesAreWhiteOnce) {
     DicomWriter one = image2x2();
     one.put(DCM_PhotometricInterpretation, "MONOCHROME1");
-    EXPECT_TRUE(load(one).inverted);
+    EXPECT_TRUE(load(one).grey().presentation.inverse);
     one.put(DCM_PresentationLUTShape, "INVERSE");
-    EXPECT_TRUE(load(one).inverted);
+    EXPECT_TRUE(load(one).grey().presentation.inverse);
     DicomWriter two = image2x2();
     two.put(DCM_PresentationLUTShape, "IDENTITY");
-    EXPECT_FALSE(load(two).inverted);
+    EXPECT_FALSE(load(two).grey().presentation.inverse);
     two.put(DCM_PresentationLUTShape, "INVERSE");
-    EXPECT_TRUE(load(two).inverted);
+    EXPECT_TRUE(load(two).grey().presentation.inverse);
 }
 
 TEST(DicomInput, PaddingValueAndRange) {
     DicomWriter writer(4, 1);
     writer.pixels({0, 60, 61, 4000}).word(DCM_PixelPaddingValue, 0);
     StoredImage image = load(writer);
-    EXPECT_TRUE(image.padding.get(0, 0));
-    EXPECT_FALSE(image.padding.get(1, 0));
-    EXPECT_EQ(image.minLevel, 60);
+    EXPECT_TRUE(image.grey().padding.get(0, 0));
+    EXPECT_FALSE(image.grey().padding.get(1, 0));
+    EXPECT_EQ(image.grey().minLevel, 60);
     writer.word(DCM_PixelPaddingRangeLimit, 60);
     image = load(writer);
-    EXPECT_TRUE(image.padding.get(1, 0));
-    EXPECT_FALSE(image.padding.get(2, 0));
-    EXPECT_EQ(image.minLevel, 61);
+    EXPECT_TRUE(image.grey().padding.get(1, 0));
+    EXPECT_FALSE(image.grey().padding.get(2, 0));
+    EXPECT_EQ(image.grey().minLevel, 61);
     // The range may be written downwards.
     writer.word(DCM_PixelPaddingValue, 60).word(DCM_PixelPaddingRangeLimit, 0);
-    EXPECT_EQ(load(writer).minLevel, 61);
+    EXPECT_EQ(load(writer).grey().minLevel, 61);
 }
 
 TEST(DicomInput, PaddingOfSignedImagesIsSigned) {
@@ -349,9 +343,9 @@ TEST(DicomInput, PaddingOfSignedImagesIsSigned) {
     writer.format(16, 16, 15, 1).pixels({0xF830, 5});
     writer.dataset().putAndInsertSint16(DCM_PixelPaddingValue, -2000);
     const StoredImage image = load(writer);
-    EXPECT_TRUE(image.padding.get(0, 0));
-    EXPECT_FALSE(image.padding.get(1, 0));
-    EXPECT_EQ(image.lowest, 5);
+    EXPECT_TRUE(image.grey().padding.get(0, 0));
+    EXPECT_FALSE(image.grey().padding.get(1, 0));
+    EXPECT_EQ(image.grey().lowest, 5);
 }
 
 TEST(DicomInput, Shutters) {
@@ -435,11 +429,11 @@ TEST(DicomInput, EmbeddedPlanesAboveTwelveBitsStayInThePixels) {
     writer.embeddedOverlay(0x6000, 12, "R").embeddedOverlay(0x6002, 14, "G");
     const StoredImage image = load(writer);
     // Bit 13 is nobody's.
-    EXPECT_EQ(image.samples, (Words{0x1001, 0x4002}));
-    ASSERT_EQ(image.embedded.size(), 2U);
-    EXPECT_EQ(image.embedded[0].bit, 12);
-    EXPECT_EQ(image.embedded[0].kind, PlaneKind::RegionOfInterest);
-    EXPECT_EQ(image.embedded[1].bit, 14);
+    EXPECT_EQ(image.grey().samples, (Words{0x1001, 0x4002}));
+    ASSERT_EQ(image.grey().embedded.size(), 2U);
+    EXPECT_EQ(image.grey().embedded[0].bit, 12);
+    EXPECT_EQ(image.grey().embedded[0].kind, PlaneKind::RegionOfInterest);
+    EXPECT_EQ(image.grey().embedded[1].bit, 14);
     EXPECT_TRUE(image.overlays.empty());
 }
 
@@ -447,7 +441,7 @@ TEST(DicomInput, EmbeddedPlanesElsewhereBecomePlanes) {
     DicomWriter low(2, 1);
     low.format(16, 8, 7, 0).pixels({0x0105, 0x0006}).embeddedOverlay(0x6000, 8);
     StoredImage image = load(low);
-    EXPECT_EQ(image.samples, (Words{5, 6}));
+    EXPECT_EQ(image.grey().samples, (Words{5, 6}));
     ASSERT_EQ(image.overlays.size(), 1U);
     EXPECT_TRUE(image.overlays[0].bits.get(0, 0));
     EXPECT_FALSE(image.overlays[0].bits.get(1, 0));
@@ -455,11 +449,11 @@ TEST(DicomInput, EmbeddedPlanesElsewhereBecomePlanes) {
     DicomWriter shifted(2, 1);
     shifted.format(16, 12, 15, 0).pixels({0x1231, 0x4560}).embeddedOverlay(0x6000, 0);
     image = load(shifted);
-    EXPECT_EQ(image.samples, (Words{0x123, 0x456}));
+    EXPECT_EQ(image.grey().samples, (Words{0x123, 0x456}));
     ASSERT_EQ(image.overlays.size(), 1U);
     EXPECT_TRUE(image.overlays[0].bits.get(0, 0));
     EXPECT_FALSE(image.overlays[0].bits.get(1, 0));
-    EXPECT_TRUE(image.embedded.empty());
+    EXPECT_TRUE(image.grey().embedded.empty());
 }
 
 TEST(DicomInput, EmbeddedPlaneWithinTheValuesIsNotDrawn) {
@@ -467,7 +461,7 @@ TEST(DicomInput, EmbeddedPlaneWithinTheValuesIsNotDrawn) {
     writer.embeddedOverlay(0x6000, 11).embeddedOverlay(0x6002, 16);
     const StoredImage image = load(writer);
     EXPECT_TRUE(image.overlays.empty());
-    EXPECT_TRUE(image.embedded.empty());
+    EXPECT_TRUE(image.grey().embedded.empty());
     EXPECT_EQ(image.notes.size(), 2U);
 }
 
@@ -475,9 +469,9 @@ TEST(DicomInput, EmbeddedPlanesOfDeepImagesBecomePlanes) {
     DicomWriter writer(2, 1);
     writer.format(16, 14, 13, 0).pixels({0x4001, 0xBFFF}).embeddedOverlay(0x6000, 14).embeddedOverlay(0x6002, 15);
     const StoredImage image = load(writer);
-    EXPECT_EQ(image.samples, (Words{1, 0x3FFF}));
-    EXPECT_EQ(image.levels, levels16);
-    EXPECT_TRUE(image.embedded.empty());
+    EXPECT_EQ(image.grey().samples, (Words{1, 0x3FFF}));
+    EXPECT_EQ(image.grey().levels, levels16);
+    EXPECT_TRUE(image.grey().embedded.empty());
     ASSERT_EQ(image.overlays.size(), 2U);
     EXPECT_TRUE(image.overlays[0].bits.get(0, 0));
     EXPECT_FALSE(image.overlays[0].bits.get(1, 0));

@@ -60,9 +60,9 @@ TEST(DicomFrame, EachOfSeveralFrames) {
         bytes.format(8, 8, 7, 0).remove(DCM_PixelData).put(DCM_NumberOfFrames, "3").bytes({1, 2, 3, 4, 5, 6, 7, 8, 9});
         for (int frame = 1; frame <= 3; ++frame) {
             const auto first = static_cast<std::uint16_t>(2 * frame - 1);
-            EXPECT_EQ(load(words, frame, syntax).samples, (Words{first, static_cast<std::uint16_t>(first + 1)}));
+            EXPECT_EQ(load(words, frame, syntax).grey().samples, (Words{first, static_cast<std::uint16_t>(first + 1)}));
             const auto odd = static_cast<std::uint16_t>(3 * frame - 2);
-            EXPECT_EQ(load(bytes, frame, syntax).samples,
+            EXPECT_EQ(load(bytes, frame, syntax).grey().samples,
                       (Words{odd, static_cast<std::uint16_t>(odd + 1), static_cast<std::uint16_t>(odd + 2)}));
         }
     }
@@ -75,16 +75,16 @@ TEST(DicomFrame, FramesThatAreNotThereAreRefused) {
     DicomWriter three(2, 1);
     three.put(DCM_NumberOfFrames, "3").pixels({1, 2, 3, 4});
     EXPECT_EQ(refusal(three, 4), "has 3 frames; there is no frame 4");
-    EXPECT_EQ(load(three, 2).samples, (Words{3, 4}));
+    EXPECT_EQ(load(three, 2).grey().samples, (Words{3, 4}));
     EXPECT_EQ(refusal(three, 3), "is truncated: its Pixel Data has 8 of 12 bytes");
     DicomWriter absurd(2, 1);
     absurd.put(DCM_NumberOfFrames, "2147483647").pixels({1, 2});
-    EXPECT_EQ(load(absurd).samples, (Words{1, 2}));
+    EXPECT_EQ(load(absurd).grey().samples, (Words{1, 2}));
     EXPECT_EQ(refusal(absurd, 2147483647), "is truncated: its Pixel Data has 4 of 8589934588 bytes");
     for (const char* senseless : {"0", "-5", "1e99", "many"}) {
         DicomWriter writer(2, 1);
         writer.put(DCM_NumberOfFrames, senseless).pixels({1, 2});
-        EXPECT_EQ(load(writer).samples, (Words{1, 2})) << senseless;
+        EXPECT_EQ(load(writer).grey().samples, (Words{1, 2})) << senseless;
     }
 }
 
@@ -105,18 +105,18 @@ TEST(DicomFrame, GroupsAndPlanesGoWithTheirFrame) {
     writer.overlay(0x6002, 1, 2, 1, 1, {0x0003}).word(DcmTagKey(0x6002, 0x0051), 2);
     writer.overlay(0x6004, 1, 2, 1, 1, {0x0002});
     const StoredImage first = load(writer, 1);
-    EXPECT_EQ(first.window, (Window{10.0, 9.0}));
+    EXPECT_EQ(first.grey().voi, Voi(VoiWindow{{10.0, 9.0}}));
     ASSERT_EQ(first.overlays.size(), 1U);
     EXPECT_TRUE(first.overlays[0].bits.get(1, 0));
     EXPECT_EQ(first.notes, (std::vector<std::string>{"overlay 6000 belongs to other frames; not drawn",
                                                      "overlay 6002 belongs to other frames; not drawn"}));
     const StoredImage second = load(writer, 2);
-    EXPECT_EQ(second.window, (Window{20.0, 9.0}));
+    EXPECT_EQ(second.grey().voi, Voi(VoiWindow{{20.0, 9.0}}));
     ASSERT_EQ(second.overlays.size(), 3U);
     EXPECT_TRUE(second.overlays[0].bits.get(0, 0));
     EXPECT_FALSE(second.overlays[0].bits.get(1, 0));
     const StoredImage third = load(writer, 3);
-    EXPECT_EQ(third.window, (Window{30.0, 9.0}));
+    EXPECT_EQ(third.grey().voi, Voi(VoiWindow{{30.0, 9.0}}));
     ASSERT_EQ(third.overlays.size(), 2U);
     EXPECT_FALSE(third.overlays[0].bits.get(0, 0));
     EXPECT_TRUE(third.overlays[0].bits.get(1, 0));
@@ -139,8 +139,8 @@ TEST(DicomFrame, RunLengths) {
     // High bytes first: three zeroes and a 1, then a run of 9 and one literal.
     putFragments(writer, EXS_RLELossless,
                  {runLengths({{0xFE, 0, 0, 1}, {0xFE, 9, 0, 7}}), runLengths({{0xFD, 2}, {3, 1, 2, 3, 4}})});
-    EXPECT_EQ(load(writer, 1, EXS_RLELossless).samples, (Words{9, 9, 9, 0x107}));
-    EXPECT_EQ(load(writer, 2, EXS_RLELossless).samples, (Words{0x201, 0x202, 0x203, 0x204}));
+    EXPECT_EQ(load(writer, 1, EXS_RLELossless).grey().samples, (Words{9, 9, 9, 0x107}));
+    EXPECT_EQ(load(writer, 2, EXS_RLELossless).grey().samples, (Words{0x201, 0x202, 0x203, 0x204}));
 }
 
 TEST(DicomFrame, BrokenRunLengthsAreRefused) {
@@ -182,7 +182,7 @@ TEST(DicomFrame, RunLengthsInSeveralFragmentsAreJoined) {
         DicomWriter writer(4, 1);
         const auto split = whole.begin() + static_cast<std::ptrdiff_t>(first);
         putFragments(writer, EXS_RLELossless, {Bytes(whole.begin(), split), Bytes(split, whole.end())});
-        EXPECT_EQ(load(writer, 1, EXS_RLELossless).samples, (Words{5, 6, 7, 0x108})) << first;
+        EXPECT_EQ(load(writer, 1, EXS_RLELossless).grey().samples, (Words{5, 6, 7, 0x108})) << first;
     }
 }
 
@@ -191,7 +191,8 @@ TEST(DicomFrame, RunLengthsOfColoursLieInPlanes) {
         DicomWriter writer(2, 1);
         writer.colours("RGB", 8, planar, Words(6));
         putFragments(writer, EXS_RLELossless, {runLengths({{1, 0x10, 0x20}, {1, 0x30, 0x40}, {0xFF, 0x50}})});
-        EXPECT_EQ(load(writer, 1, EXS_RLELossless).rgb8, (std::vector<std::uint32_t>{0x103050, 0x204050}));
+        EXPECT_EQ(std::get<Rgb8Pixels>(load(writer, 1, EXS_RLELossless).colour().pixels),
+                  (std::vector<std::uint32_t>{0x103050, 0x204050}));
     }
 }
 
@@ -249,9 +250,9 @@ const std::vector<Coding>& codings() {
 TEST(DicomFrame, JpegsShowTheirImage) {
     for (const Coding& coding : codings()) {
         DicomWriter writer = greyImage(24, 16, coding.allocated, coding.stored);
-        const Words expected = load(writer).samples;
+        const Words expected = load(writer).grey().samples;
         putFragments(writer, coding.syntax, {encodeAs(writer, coding.syntax)});
-        const Words found = load(writer, 1, coding.syntax).samples;
+        const Words found = load(writer, 1, coding.syntax).grey().samples;
         const bool isLossless = coding.syntax == EXS_JPEGProcess14SV1 || coding.syntax == EXS_JPEGLSLossless;
         ASSERT_EQ(found.size(), expected.size());
         for (std::size_t i = 0; i < found.size(); ++i)
@@ -265,7 +266,7 @@ TEST(DicomFrame, JpegsCutShortAreRefusedWhetherOrNotTheyAreClosed) {
         const Bytes whole = encodeAs(writer, coding.syntax);
         ASSERT_EQ(whole.back(), 0xD9);
         putFragments(writer, coding.syntax, {whole});
-        const Words expected = load(writer, 1, coding.syntax).samples;
+        const Words expected = load(writer, 1, coding.syntax).grey().samples;
         for (std::size_t kept = 2; kept + 2 < whole.size(); kept += 1 + whole.size() / 41) {
             Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(kept));
             putFragments(writer, coding.syntax, {cut});
@@ -274,7 +275,7 @@ TEST(DicomFrame, JpegsCutShortAreRefusedWhetherOrNotTheyAreClosed) {
             putFragments(writer, coding.syntax, {cut});
             // The last bytes may be filling.
             if (refusal(writer, 1, coding.syntax).empty()) {
-                EXPECT_EQ(load(writer, 1, coding.syntax).samples, expected) << coding.syntax << ' ' << kept;
+                EXPECT_EQ(load(writer, 1, coding.syntax).grey().samples, expected) << coding.syntax << ' ' << kept;
             }
         }
     }
@@ -319,20 +320,20 @@ TEST(DicomFrame, DepthsThatTheStandardAllowsAreShown) {
     for (const E_TransferSyntax syntax : {EXS_JPEGProcess14SV1, EXS_JPEGLSLossless}) {
         // 8 bits in 16 allocated ones.
         DicomWriter narrow = greyImage(8, 8, 8, 8);
-        const Words expected = load(narrow).samples;
+        const Words expected = load(narrow).grey().samples;
         const Bytes eight = encodeAs(narrow, syntax);
         narrow.word(DCM_BitsAllocated, 16);
         putFragments(narrow, syntax, {eight});
-        EXPECT_EQ(load(narrow, 1, syntax).samples, expected);
+        EXPECT_EQ(load(narrow, 1, syntax).grey().samples, expected);
         EXPECT_TRUE(load(narrow, 1, syntax).notes.empty());
     }
     // More bits than are stored: planes may lie above them. Fewer: the codestream counts, and it is said.
     DicomWriter writer(4, 1);
     putFragments(writer, EXS_JPEG2000, {encodeJpeg2000({4, 1, 1, 16}, {1, 2, 3, 4095})});
-    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).samples, (Words{1, 2, 3, 4095}));
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).grey().samples, (Words{1, 2, 3, 4095}));
     EXPECT_TRUE(load(writer, 1, EXS_JPEG2000).notes.empty());
     putFragments(writer, EXS_JPEG2000, {encodeJpeg2000({4, 1, 1, 10}, {1, 2, 3, 1023})});
-    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).samples, (Words{1, 2, 3, 1023}));
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).grey().samples, (Words{1, 2, 3, 1023}));
     EXPECT_EQ(load(writer, 1, EXS_JPEG2000).notes,
               (std::vector<std::string>{"its JPEG 2000 codestream has 10 bits a sample, Bits Stored says 12; shown as "
                                         "the codestream has them"}));
@@ -342,10 +343,12 @@ TEST(DicomFrame, ColoursOfJpegsBecomeRedGreenAndBlue) {
     DicomWriter writer(8, 8);
     writer.colours("RGB", 8, 0, Words(192));
     putFragments(writer, EXS_JPEGProcess1, {zoltest::jpegOfOneColour({100, 150, 90})});
-    EXPECT_EQ(load(writer, 1, EXS_JPEGProcess1).rgb8, std::vector<std::uint32_t>(64, 0x64965A));
+    EXPECT_EQ(std::get<Rgb8Pixels>(load(writer, 1, EXS_JPEGProcess1).colour().pixels),
+              std::vector<std::uint32_t>(64, 0x64965A));
     for (const char* photometric : {"YBR_FULL_422", "YBR_FULL"}) {
         writer.put(DCM_PhotometricInterpretation, photometric);
-        EXPECT_EQ(load(writer, 1, EXS_JPEGProcess1).rgb8, std::vector<std::uint32_t>(64, 0x2F788B));
+        EXPECT_EQ(std::get<Rgb8Pixels>(load(writer, 1, EXS_JPEGProcess1).colour().pixels),
+                  std::vector<std::uint32_t>(64, 0x2F788B));
         EXPECT_TRUE(load(writer, 1, EXS_JPEGProcess1).notes.empty());
     }
 }
@@ -357,7 +360,9 @@ TEST(DicomFrame, ColoursWithoutLossAreWhatTheyWere) {
         DicomWriter writer(8, 8);
         writer.colours("RGB", 8, 0, words);
         putFragments(writer, syntax, {encodeAs(writer, syntax)});
-        EXPECT_EQ(load(writer, 1, syntax).rgb8, std::vector<std::uint32_t>(64, 0xC06030)) << syntax;
+        EXPECT_EQ(std::get<Rgb8Pixels>(load(writer, 1, syntax).colour().pixels),
+                  std::vector<std::uint32_t>(64, 0xC06030))
+            << syntax;
     }
 }
 
@@ -416,8 +421,9 @@ TEST(DicomFrame, Jpeg2000InOneFragmentOrMany) {
         writer.format(16, 16, 15, 1);
         putFragments(writer, EXS_JPEG2000LosslessOnly, fragments);
         const StoredImage image = load(writer, 1, EXS_JPEG2000LosslessOnly);
-        EXPECT_EQ(image.levels, levels16);
-        for (int i = 0; i < 8; ++i) EXPECT_EQ(image.samples[static_cast<std::size_t>(i)] - 32768, -4000 + 1000 * i);
+        EXPECT_EQ(image.grey().levels, levels16);
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(image.grey().samples[static_cast<std::size_t>(i)] - 32768, -4000 + 1000 * i);
     }
 }
 
@@ -426,8 +432,8 @@ TEST(DicomFrame, Jpeg2000Frames) {
     writer.put(DCM_NumberOfFrames, "2");
     putFragments(writer, EXS_JPEG2000,
                  {encodeJpeg2000({4, 1, 1, 12}, ramp(4, 5, 1)), encodeJpeg2000({4, 1, 1, 12}, ramp(4, 4000, 3))});
-    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).samples, (Words{5, 6, 7, 8}));
-    EXPECT_EQ(load(writer, 2, EXS_JPEG2000).samples, (Words{4000, 4003, 4006, 4009}));
+    EXPECT_EQ(load(writer, 1, EXS_JPEG2000).grey().samples, (Words{5, 6, 7, 8}));
+    EXPECT_EQ(load(writer, 2, EXS_JPEG2000).grey().samples, (Words{4000, 4003, 4006, 4009}));
 }
 
 TEST(DicomFrame, Jpeg2000Colours) {
@@ -437,14 +443,15 @@ TEST(DicomFrame, Jpeg2000Colours) {
         const bool transformed = photometric != std::string("RGB");
         putFragments(writer, EXS_JPEG2000LosslessOnly,
                      {encodeJpeg2000({4, 1, 3, 8, false, transformed}, ramp(12, 10, 20))});
-        EXPECT_EQ(load(writer, 1, EXS_JPEG2000LosslessOnly).rgb8,
+        EXPECT_EQ(std::get<Rgb8Pixels>(load(writer, 1, EXS_JPEG2000LosslessOnly).colour().pixels),
                   (std::vector<std::uint32_t>{0x0A1E32, 0x465A6E, 0x8296AA, 0xBED2E6}))
             << photometric;
     }
     DicomWriter ybr(4, 1);
     ybr.colours("YBR_FULL", 8, 0, Words(12));
     putFragments(ybr, EXS_JPEG2000LosslessOnly, {encodeJpeg2000({4, 1, 3, 8}, std::vector<int>(12, 128))});
-    EXPECT_EQ(load(ybr, 1, EXS_JPEG2000LosslessOnly).rgb8, std::vector<std::uint32_t>(4, 0x808080));
+    EXPECT_EQ(std::get<Rgb8Pixels>(load(ybr, 1, EXS_JPEG2000LosslessOnly).colour().pixels),
+              std::vector<std::uint32_t>(4, 0x808080));
 }
 
 TEST(DicomFrame, BrokenJpeg2000IsRefused) {

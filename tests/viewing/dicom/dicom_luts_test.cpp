@@ -1,6 +1,7 @@
 // Tables and windows as files carry them, and the choice among them.
 #include "support/dicom_writer.h"
 #include "viewing/dicom/dicom_file.h"
+#include "viewing/image/voi_choice.h"
 #include "viewing/open.h"
 
 #include <gtest/gtest.h>
@@ -41,22 +42,20 @@ TEST(DicomLuts, AllWindowsAndTablesAreListedAndChosen) {
     writer.put(DCM_WindowCenterWidthExplanation, "SOFT\\BONE");
     writer.lut(DCM_VOILUTSequence, {2, 5, 12}, {1, 4095}, "ODD").lut(DCM_VOILUTSequence, {3, 0, 8}, {1, 2, 3});
     const StoredImage image = load(writer);
-    ASSERT_EQ(image.voi.size(), 5U);
-    EXPECT_EQ(image.voi[0].name, "SOFT");
-    EXPECT_EQ(image.voi[1].name, "BONE");
-    EXPECT_EQ(image.voi[1].window, (Window{300.5, 1500.0}));
-    EXPECT_EQ(image.voi[2].flaw, "has a width of 0");
-    EXPECT_EQ(image.voi[3].name, "ODD");
-    EXPECT_EQ(image.voi[3].table->first, 5);
-    EXPECT_EQ(image.voi[3].table->bits, 12);
-    EXPECT_EQ(image.voi[4].table->entries, (Words{1, 2, 3}));
-    EXPECT_EQ(image.window, (Window{40.0, 400.0}));
-    EXPECT_FALSE(image.voiTable);
+    ASSERT_EQ(image.grey().voiChoices.size(), 5U);
+    EXPECT_EQ(image.grey().voiChoices[0].name, "SOFT");
+    EXPECT_EQ(image.grey().voiChoices[1].name, "BONE");
+    EXPECT_EQ(image.grey().voiChoices[1].voi, Voi(VoiWindow{{300.5, 1500.0}}));
+    EXPECT_EQ(image.grey().voiChoices[2].flaw, "has a width of 0");
+    EXPECT_EQ(image.grey().voiChoices[3].name, "ODD");
+    EXPECT_EQ(std::get<LookupTable>(image.grey().voiChoices[3].voi).first, 5);
+    EXPECT_EQ(std::get<LookupTable>(image.grey().voiChoices[3].voi).bits, 12);
+    EXPECT_EQ(std::get<LookupTable>(image.grey().voiChoices[4].voi).entries, (Words{1, 2, 3}));
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{40.0, 400.0}}));
 
-    EXPECT_EQ(load(writer, voi(2)).window, (Window{300.5, 1500.0}));
+    EXPECT_EQ(load(writer, voi(2)).grey().voi, Voi(VoiWindow{{300.5, 1500.0}}));
     const StoredImage table = load(writer, voi(4));
-    EXPECT_FALSE(table.window);
-    EXPECT_EQ(table.voiTable->entries, (Words{1, 4095}));
+    EXPECT_EQ(table.grey().voiTable()->entries, (Words{1, 4095}));
     EXPECT_EQ(refusal(writer, voi(3)), "its window 3 has a width of 0");
     const std::string list =
         "1: window, centre 40, width 400, \"SOFT\"; 2: window, centre 300.5, width 1500, \"BONE\"; 3: window, cannot "
@@ -73,10 +72,10 @@ TEST(DicomLuts, WhatIsNotChosenMayBeBroken) {
     DicomWriter writer(2, 2);
     writer.lut(DCM_VOILUTSequence, {3, 5, 12}, {1, 4095}).lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 2});
     EXPECT_EQ(refusal(writer), "has a VOI LUT with 2 of 3 entries");
-    EXPECT_EQ(load(writer, voi(2)).voiTable->entries, (Words{1, 2}));
+    EXPECT_EQ(load(writer, voi(2)).grey().voiTable()->entries, (Words{1, 2}));
     OpenSettings own;
     own.ownWindow = true;
-    EXPECT_FALSE(load(writer, own).voiTable);
+    EXPECT_FALSE(load(writer, own).grey().voi);
 
     // Nor is anything said of it.
     DicomWriter windows(2, 2);
@@ -85,16 +84,16 @@ TEST(DicomLuts, WhatIsNotChosenMayBeBroken) {
     EXPECT_TRUE(load(windows, voi(2)).notes.empty());
     const StoredImage image = load(windows, own);
     EXPECT_TRUE(image.notes.empty());
-    EXPECT_FALSE(image.window);
-    EXPECT_EQ(image.function, WindowFunction::Sigmoid);
+    EXPECT_FALSE(image.grey().voi);
+    EXPECT_EQ(functionFor(image.grey()), WindowFunction::Sigmoid);
 }
 
 TEST(DicomLuts, WithoutWindowsTheFirstTableIsTaken) {
     DicomWriter writer(2, 2);
     writer.lut(DCM_VOILUTSequence, {2, 5, 12}, {1, 4095});
-    EXPECT_EQ(load(writer).voiTable->entries, (Words{1, 4095}));
+    EXPECT_EQ(load(writer).grey().voiTable()->entries, (Words{1, 4095}));
     for (const E_TransferSyntax syntax : {EXS_LittleEndianImplicit, EXS_BigEndianExplicit})
-        EXPECT_EQ(load(writer, {}, syntax).voiTable->entries, (Words{1, 4095})) << syntax;
+        EXPECT_EQ(load(writer, {}, syntax).grey().voiTable()->entries, (Words{1, 4095})) << syntax;
 }
 
 TEST(DicomLuts, BrokenTablesAreRefusedOnlyWhenTheyAreNeeded) {
@@ -102,7 +101,7 @@ TEST(DicomLuts, BrokenTablesAreRefusedOnlyWhenTheyAreNeeded) {
     writer.lut(DCM_VOILUTSequence, {3, 5, 12}, {1, 4095});
     EXPECT_EQ(refusal(writer), "has a VOI LUT with 2 of 3 entries");
     writer.put(DCM_WindowCenter, "4").put(DCM_WindowWidth, "4");
-    EXPECT_EQ(load(writer).window, (Window{4.0, 4.0}));
+    EXPECT_EQ(load(writer).grey().voi, Voi(VoiWindow{{4.0, 4.0}}));
     EXPECT_EQ(refusal(writer, voi(2)), "has a VOI LUT with 2 of 3 entries");
 
     DicomWriter modality(2, 2);
@@ -122,13 +121,13 @@ TEST(DicomLuts, BrokenTablesAreRefusedOnlyWhenTheyAreNeeded) {
 TEST(DicomLuts, EntriesOfEightBitsMayBePacked) {
     DicomWriter writer(2, 2);
     writer.lut(DCM_VOILUTSequence, {3, 0, 8}, {0x0201, 0x0003});
-    EXPECT_EQ(load(writer).voiTable->entries, (Words{1, 2, 3}));
+    EXPECT_EQ(load(writer).grey().voiTable()->entries, (Words{1, 2, 3}));
 }
 
 TEST(DicomLuts, MoreBitsThanDeclaredAreCounted) {
     DicomWriter writer(2, 2);
     writer.lut(DCM_VOILUTSequence, {2, 0, 8}, {1, 1023});
-    EXPECT_EQ(load(writer).voiTable->bits, 10);
+    EXPECT_EQ(load(writer).grey().voiTable()->bits, 10);
 }
 
 TEST(DicomLuts, FirstInputsAreSignedWhereTheyCanBe) {
@@ -136,7 +135,7 @@ TEST(DicomLuts, FirstInputsAreSignedWhereTheyCanBe) {
         DicomWriter writer(2, 2);
         writer.format(16, 12, 11, representation).put(DCM_RescaleIntercept, intercept).put(DCM_RescaleSlope, slope);
         writer.lut(DCM_VOILUTSequence, {2, -3, 12, declared}, {1, 2});
-        return load(writer).voiTable->first;
+        return load(writer).grey().voiTable()->first;
     };
     EXPECT_EQ(first(0, "0", false), 65533);
     EXPECT_EQ(first(0, "0", true), -3);
@@ -152,9 +151,9 @@ TEST(DicomLuts, TablesFromOtherFilesAreSignedAsTheImageIs) {
     OpenSettings settings;
     settings.modalityFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
     DicomWriter writer(2, 2);
-    EXPECT_EQ(load(writer, settings).modality->first, 65533);
+    EXPECT_EQ(load(writer, settings).grey().modality.table->first, 65533);
     writer.format(16, 12, 11, 1);
-    EXPECT_EQ(load(writer, settings).modality->first, -3);
+    EXPECT_EQ(load(writer, settings).grey().modality.table->first, -3);
 }
 
 TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
@@ -164,7 +163,7 @@ TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
     zoltest::putDescriptor(*item, DCM_LUTDescriptor, {2, 0, 12});
     const Uint8 bytes[] = {0x01, 0x00, 0xFF, 0x0F};
     item->putAndInsertUint8Array(DcmTag(DCM_LUTData, EVR_OB), bytes, sizeof bytes);
-    EXPECT_EQ(load(writer).voiTable->entries, (Words{1, 4095}));
+    EXPECT_EQ(load(writer).grey().voiTable()->entries, (Words{1, 4095}));
 }
 
 TEST(DicomLuts, OtherFilesLendTheirTables) {
@@ -188,26 +187,23 @@ TEST(DicomLuts, OtherFilesLendTheirTables) {
     OpenSettings settings;
     settings.modalityFile = settings.voiFile = settings.presentationFile = lender;
     const StoredImage image = load(writer, settings);
-    EXPECT_EQ(image.modality->entries, (Words{1, 2}));
-    EXPECT_EQ(image.voiTable->entries, (Words{5, 6}));
-    EXPECT_FALSE(image.window);
-    EXPECT_EQ(image.presentation->entries, (Words{3, 4}));
+    EXPECT_EQ(image.grey().modality.table->entries, (Words{1, 2}));
+    EXPECT_EQ(image.grey().voiTable()->entries, (Words{5, 6}));
+    EXPECT_EQ(image.grey().presentation.table->entries, (Words{3, 4}));
     // A presentation state says all about black and white.
-    EXPECT_FALSE(image.inverted);
+    EXPECT_FALSE(image.grey().presentation.inverse);
 
     settings.voi = 2;
     const StoredImage second = load(writer, settings);
-    EXPECT_EQ(second.window, (Window{7.0, 8.0}));
-    EXPECT_EQ(second.function, WindowFunction::Sigmoid);
-    EXPECT_FALSE(second.voiTable);
+    EXPECT_EQ(second.grey().voi, Voi(VoiWindow{{7.0, 8.0}, WindowFunction::Sigmoid}));
     settings.voi = 3;
     EXPECT_EQ(refusal(writer, settings),
               "has no window or VOI LUT 3, but 1: table of 2 entries from 0, 8 bits; 2: window, centre 7, width 8, "
               "sigmoid");
 
     const StoredImage phantom = openImage("phantom", {1, {}, lender, lender, lender});
-    EXPECT_EQ(phantom.modality->entries, (Words{1, 2}));
-    EXPECT_EQ(phantom.voiTable->entries, (Words{5, 6}));
+    EXPECT_EQ(phantom.grey().modality.table->entries, (Words{1, 2}));
+    EXPECT_EQ(phantom.grey().voiTable()->entries, (Words{5, 6}));
 }
 
 TEST(DicomLuts, OtherFilesLendSlopeAndShape) {
@@ -219,11 +215,11 @@ TEST(DicomLuts, OtherFilesLendSlopeAndShape) {
     OpenSettings settings;
     settings.modalityFile = settings.presentationFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
     const StoredImage image = load(writer, settings);
-    EXPECT_FALSE(image.modality);
-    EXPECT_EQ(image.slope, 2.0);
-    EXPECT_EQ(image.intercept, -9.0);
-    EXPECT_FALSE(image.presentation);
-    EXPECT_TRUE(image.inverted);
+    EXPECT_FALSE(image.grey().modality.table);
+    EXPECT_EQ(image.grey().modality.slope, 2.0);
+    EXPECT_EQ(image.grey().modality.intercept, -9.0);
+    EXPECT_FALSE(image.grey().presentation.table);
+    EXPECT_TRUE(image.grey().presentation.inverse);
 }
 
 TEST(DicomLuts, FilesThatHaveNothingToLendAreNamed) {

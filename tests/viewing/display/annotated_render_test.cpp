@@ -1,8 +1,8 @@
 // Where annotations come to lie in a picture, and in which colours.
 #include "support/folders.h"
 #include "viewing/annotations/annotations.h"
-#include "viewing/render.h"
 #include "viewing/image/phantom.h"
+#include "viewing/render.h"
 
 #include <gtest/gtest.h>
 
@@ -19,9 +19,9 @@ StoredImage flatImage(int width, int height, std::uint16_t level) {
     StoredImage image;
     image.width = width;
     image.height = height;
-    image.samples.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), level);
-    image.maxLevel = 4095;
-    image.window = Window{2048.0, 4096.0};
+    image.grey().samples.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), level);
+    image.grey().maxLevel = 4095;
+    image.grey().voi = VoiWindow{{2048.0, 4096.0}};
     return image;
 }
 
@@ -224,7 +224,7 @@ TEST(BurnIn, IsMagnifiedWithTheImage) {
 
 TEST(BurnIn, IsWhiteOnInvertedImagesToo) {
     StoredImage image = flatImage(64, 48, 1024);
-    image.inverted = true;
+    image.grey().presentation.inverse = true;
     DisplaySettings settings;
     settings.burnIn = true;
     const std::string line = R"({"figure": "line", "points": [[10, 20], [50, 20]]})";

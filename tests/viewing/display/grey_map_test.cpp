@@ -13,15 +13,15 @@ namespace {
 using namespace viewing;
 using Words = std::vector<std::uint16_t>;
 
-StoredImage imageOf(int levels) {
-    StoredImage image;
+GreyImage imageOf(int levels) {
+    GreyImage image;
     image.levels = levels;
     image.maxLevel = levels - 1;
     return image;
 }
 
 /// What the map makes of each level with a palette of greys.
-std::vector<int> greysOf(const StoredImage& image, const std::optional<Window>& window = {}) {
+std::vector<int> greysOf(const GreyImage& image, const std::optional<Window>& window = {}) {
     const std::unique_ptr<IGreyMap> map = makeGreyMap(GreyTransform(image, window));
     CCsColorMan ramp;
     CCsColorMapT greys;
@@ -33,7 +33,7 @@ std::vector<int> greysOf(const StoredImage& image, const std::optional<Window>& 
     return out;
 }
 
-void expectWithinOneGrey(const StoredImage& image, const std::vector<int>& greys) {
+void expectWithinOneGrey(const GreyImage& image, const std::vector<int>& greys) {
     const GreyTransform transform(image, {});
     for (int level = 0; level < image.levels; ++level)
         ASSERT_NEAR(greys[static_cast<std::size_t>(level)], transform.grey(level), 1.0) << level;
@@ -42,19 +42,20 @@ void expectWithinOneGrey(const StoredImage& image, const std::vector<int>& greys
 TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
     zoltest::Random random(41);
     for (int run = 0; run < 120; ++run) {
-        StoredImage image = imageOf(run % 10 == 0 ? levels16 : levels12);
-        image.function = std::array{WindowFunction::Linear, WindowFunction::LinearExact,
-                                    WindowFunction::Sigmoid}[static_cast<std::size_t>(random.integer(0, 2))];
+        GreyImage image = imageOf(run % 10 == 0 ? levels16 : levels12);
+        const WindowFunction function =
+            std::array{WindowFunction::Linear, WindowFunction::LinearExact,
+                       WindowFunction::Sigmoid}[static_cast<std::size_t>(random.integer(0, 2))];
         image.lowest = random.integer(-40000, 1000);
-        image.slope = random.chance(0.5) ? 1.0 : random.real(0.01, 20.0);
-        image.intercept = random.real(-2000.0, 2000.0);
-        const double low = image.slope * image.lowest + image.intercept;
-        const double span = image.slope * image.levels;
+        image.modality.slope = random.chance(0.5) ? 1.0 : random.real(0.01, 20.0);
+        image.modality.intercept = random.real(-2000.0, 2000.0);
+        const double low = image.modality.slope * image.lowest + image.modality.intercept;
+        const double span = image.modality.slope * image.levels;
         double width = std::exp(random.real(std::log(1.0), std::log(4.0 * span + 2.0)));
         if (random.chance(0.5)) width = std::round(width);
         double centre = low + random.real(-0.5, 1.5) * span;
         if (random.chance(0.5)) centre = std::round(centre);
-        image.window = Window{centre, std::max(width, 1.0)};
+        image.voi = VoiWindow{{centre, std::max(width, 1.0)}, function};
         const std::vector<int> greys = greysOf(image);
         expectWithinOneGrey(image, greys);
         ASSERT_TRUE(std::is_sorted(greys.begin(), greys.end())) << run;
@@ -65,8 +66,8 @@ TEST(GreyMap, RandomWindowsAreWithinOneGreyAndNeverFall) {
 TEST(GreyMap, SmallWindowsAreWithinOneGreyAtEveryHalfStep) {
     for (double width = 1.0; width <= 12.0; width += 0.5) {
         for (double centre = 99.5; centre <= 101.0; centre += 0.25) {
-            StoredImage image = imageOf(levels12);
-            image.window = Window{centre, width};
+            GreyImage image = imageOf(levels12);
+            image.voi = VoiWindow{{centre, width}};
             expectWithinOneGrey(image, greysOf(image));
             if (HasFatalFailure()) FAIL() << centre << '/' << width;
         }
@@ -75,9 +76,8 @@ TEST(GreyMap, SmallWindowsAreWithinOneGreyAtEveryHalfStep) {
 
 TEST(GreyMap, TheLastDeepLevelIsNoDarkerThanTheOneBefore) {
     // The map's own sigmoid leaves it black, which is within one grey here.
-    StoredImage image = imageOf(levels16);
-    image.function = WindowFunction::Sigmoid;
-    image.window = Window{79493.6, 10000.0};
+    GreyImage image = imageOf(levels16);
+    image.voi = VoiWindow{{79493.6, 10000.0}, WindowFunction::Sigmoid};
     const std::vector<int> greys = greysOf(image);
     EXPECT_EQ(greys[65535], 1);
     EXPECT_TRUE(std::is_sorted(greys.begin(), greys.end()));
@@ -85,9 +85,9 @@ TEST(GreyMap, TheLastDeepLevelIsNoDarkerThanTheOneBefore) {
 
 TEST(GreyMap, FallingSlopesAreDarkAtHighLevels) {
     for (const int levels : {levels12, levels16}) {
-        StoredImage image = imageOf(levels);
-        image.slope = -1.0;
-        image.window = Window{-levels / 2.0, levels / 4.0};
+        GreyImage image = imageOf(levels);
+        image.modality.slope = -1.0;
+        image.voi = VoiWindow{{-levels / 2.0, levels / 4.0}};
         const std::vector<int> greys = greysOf(image);
         expectWithinOneGrey(image, greys);
         EXPECT_TRUE(std::is_sorted(greys.rbegin(), greys.rend()));
@@ -99,7 +99,7 @@ TEST(GreyMap, FallingSlopesAreDarkAtHighLevels) {
 TEST(GreyMap, TablesComeOutExactly) {
     zoltest::Random random(42);
     for (int run = 0; run < 24; ++run) {
-        StoredImage image = imageOf(run % 3 == 0 ? levels16 : levels12);
+        GreyImage image = imageOf(run % 3 == 0 ? levels16 : levels12);
         LookupTable table;
         table.bits = random.integer(1, 16);
         table.first = random.integer(-100, image.levels);
@@ -107,9 +107,9 @@ TEST(GreyMap, TablesComeOutExactly) {
         // The largest entry may be far below what the bits allow, which must not make the picture brighter.
         const int top = random.chance(0.5) ? table.top() : table.top() / 3;
         for (std::uint16_t& entry : table.entries) entry = static_cast<std::uint16_t>(random.integer(0, top));
-        if (random.chance(0.3)) image.modality = table;
-        if (random.chance(0.7) || !image.modality) image.voiTable = table;
-        if (random.chance(0.5)) image.presentation = table;
+        if (random.chance(0.3)) image.modality.table = table;
+        if (random.chance(0.7) || !image.modality.table) image.voi = table;
+        if (random.chance(0.5)) image.presentation.table = table;
         const GreyTransform transform(image, {});
         const std::vector<int> greys = greysOf(image);
         for (int level = 0; level < image.levels; ++level)
@@ -119,24 +119,24 @@ TEST(GreyMap, TablesComeOutExactly) {
 }
 
 TEST(GreyMap, PresentationTablesGoThroughTheTwelveBitMap) {
-    StoredImage image = imageOf(levels12);
-    image.window = Window{2048.0, 4096.0};
-    image.presentation = LookupTable{0, 8, Words(256, 7)};
+    GreyImage image = imageOf(levels12);
+    image.voi = VoiWindow{{2048.0, 4096.0}};
+    image.presentation.table = LookupTable{0, 8, Words(256, 7)};
     EXPECT_TRUE(makeGreyMap(GreyTransform(image, {}))->hasPresentationLut());
     image.levels = levels16;
     EXPECT_FALSE(makeGreyMap(GreyTransform(image, {}))->hasPresentationLut());
 }
 
 TEST(GreyMap, TheWindowGoesBeforeTheTable) {
-    StoredImage image = imageOf(levels12);
-    image.voiTable = LookupTable{0, 8, {255, 0}};
+    GreyImage image = imageOf(levels12);
+    image.voi = LookupTable{0, 8, {255, 0}};
     EXPECT_EQ(greysOf(image)[0], 255);
     EXPECT_EQ(greysOf(image, Window{100.0, 2.0})[0], 0);
     EXPECT_EQ(greysOf(image, Window{100.0, 2.0})[100], 255);
 }
 
 TEST(GreyMap, FallsFromWhite) {
-    const StoredImage image = imageOf(levels12);
+    const GreyImage image = imageOf(levels12);
     const std::unique_ptr<IGreyMap> map = makeGreyMap(GreyTransform(image, {}));
     CCsColorMan palette;
     CCsColorMapT colours;

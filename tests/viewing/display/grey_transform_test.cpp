@@ -8,37 +8,21 @@ namespace {
 
 using namespace viewing;
 
-StoredImage image12() {
-    StoredImage image;
+GreyImage image12() {
+    GreyImage image;
     image.maxLevel = 4095;
     return image;
 }
 
-TEST(GreyTransform, OutputIsRescaledOrLookedUp) {
-    StoredImage image = image12();
-    image.lowest = -1024;
-    image.slope = 2.0;
-    image.intercept = 5.0;
-    EXPECT_EQ(GreyTransform(image, {}).output(0), -2043.0);
-    image.modality = LookupTable{-1020, 12, {10, 20, 30}};
-    const GreyTransform looked(image, {});
-    EXPECT_EQ(looked.output(0), 10.0);
-    EXPECT_EQ(looked.output(4), 10.0);
-    EXPECT_EQ(looked.output(5), 20.0);
-    EXPECT_EQ(looked.output(6), 30.0);
-    EXPECT_EQ(looked.output(4095), 30.0);
-}
-
 TEST(GreyTransform, LinearCountsValuesAndExactMeasuresLengths) {
-    StoredImage image = image12();
-    image.window = Window{100.0, 11.0};
+    GreyImage image = image12();
+    image.voi = VoiWindow{{100.0, 11.0}};
     const GreyTransform counted(image, {});
     EXPECT_EQ(counted.grey(94), 0.0);
     EXPECT_DOUBLE_EQ(counted.grey(95), 255.0 * 0.05);
     EXPECT_DOUBLE_EQ(counted.grey(104), 255.0 * 0.95);
     EXPECT_EQ(counted.grey(105), 255.0);
-    image.function = WindowFunction::LinearExact;
-    image.window = Window{100.0, 10.0};
+    image.voi = VoiWindow{{100.0, 10.0}, WindowFunction::LinearExact};
     const GreyTransform exact(image, {});
     EXPECT_EQ(exact.grey(95), 0.0);
     EXPECT_DOUBLE_EQ(exact.grey(96), 255.0 * 0.1);
@@ -47,32 +31,31 @@ TEST(GreyTransform, LinearCountsValuesAndExactMeasuresLengths) {
 }
 
 TEST(GreyTransform, WidthOneStepsAtTheCentre) {
-    StoredImage image = image12();
-    image.window = Window{100.0, 1.0};
+    GreyImage image = image12();
+    image.voi = VoiWindow{{100.0, 1.0}};
     EXPECT_EQ(GreyTransform(image, {}).grey(99), 0.0);
     EXPECT_EQ(GreyTransform(image, {}).grey(100), 255.0);
 }
 
 TEST(GreyTransform, SigmoidIsHalfAtTheCentre) {
-    StoredImage image = image12();
-    image.function = WindowFunction::Sigmoid;
-    image.window = Window{100.0, 40.0};
+    GreyImage image = image12();
+    image.voi = VoiWindow{{100.0, 40.0}, WindowFunction::Sigmoid};
     const GreyTransform transform(image, {});
     EXPECT_DOUBLE_EQ(transform.shown(100), 0.5);
     EXPECT_DOUBLE_EQ(transform.shown(110), 1.0 / (1.0 + std::exp(-1.0)));
 }
 
 TEST(GreyTransform, FullRangeIsThatOfTheOutput) {
-    StoredImage image = image12();
+    GreyImage image = image12();
     image.minLevel = 10;
     image.maxLevel = 20;
     EXPECT_EQ(GreyTransform(image, {}).grey(10), 0.0);
     EXPECT_DOUBLE_EQ(GreyTransform(image, {}).grey(15), 127.5);
     EXPECT_EQ(GreyTransform(image, {}).grey(20), 255.0);
-    image.slope = -1.0;
+    image.modality.slope = -1.0;
     EXPECT_EQ(GreyTransform(image, {}).grey(10), 255.0);
     EXPECT_EQ(GreyTransform(image, {}).grey(20), 0.0);
-    image.modality = LookupTable{10, 8, {9, 3, 9, 5}};
+    image.modality.table = LookupTable{10, 8, {9, 3, 9, 5}};
     EXPECT_EQ(GreyTransform(image, {}).grey(11), 0.0);
     EXPECT_EQ(GreyTransform(image, {}).grey(12), 255.0);
     image.minLevel = image.maxLevel = 3;
@@ -80,9 +63,9 @@ TEST(GreyTransform, FullRangeIsThatOfTheOutput) {
 }
 
 TEST(GreyTransform, TablesTakeTheNearestEntry) {
-    StoredImage image = image12();
-    image.slope = 0.5;
-    image.voiTable = LookupTable{1, 4, {0, 15, 3}};
+    GreyImage image = image12();
+    image.modality.slope = 0.5;
+    image.voi = LookupTable{1, 4, {0, 15, 3}};
     const GreyTransform transform(image, {});
     EXPECT_DOUBLE_EQ(transform.shown(0), 0.0);
     EXPECT_DOUBLE_EQ(transform.shown(2), 0.0);
@@ -94,9 +77,9 @@ TEST(GreyTransform, TablesTakeTheNearestEntry) {
 }
 
 TEST(GreyTransform, PresentationSpreadsOverAllEntries) {
-    StoredImage image = image12();
-    image.window = Window{2048.0, 4096.0};
-    image.presentation = LookupTable{0, 8, {5, 80, 255}};
+    GreyImage image = image12();
+    image.voi = VoiWindow{{2048.0, 4096.0}};
+    image.presentation.table = LookupTable{0, 8, {5, 80, 255}};
     const GreyTransform transform(image, {});
     EXPECT_EQ(transform.presentationEntry(0.0), 0);
     EXPECT_EQ(transform.presentationEntry(0.24), 0);
@@ -108,15 +91,15 @@ TEST(GreyTransform, PresentationSpreadsOverAllEntries) {
 }
 
 TEST(GreyTransform, OnlyRisingLinesHaveAWindowOfTheMap) {
-    StoredImage image = image12();
+    GreyImage image = image12();
     EXPECT_TRUE(GreyTransform(image, {}).rasterWindow());
-    image.slope = -1.0;
+    image.modality.slope = -1.0;
     EXPECT_FALSE(GreyTransform(image, {}).rasterWindow());
-    image.slope = 1.0;
-    image.modality = LookupTable{0, 8, {1}};
+    image.modality.slope = 1.0;
+    image.modality.table = LookupTable{0, 8, {1}};
     EXPECT_FALSE(GreyTransform(image, {}).rasterWindow());
-    image.modality.reset();
-    image.voiTable = LookupTable{0, 8, {1}};
+    image.modality.table.reset();
+    image.voi = LookupTable{0, 8, {1}};
     EXPECT_FALSE(GreyTransform(image, {}).rasterWindow());
     EXPECT_TRUE(GreyTransform(image, Window{1.0, 2.0}).rasterWindow());
 }

@@ -17,7 +17,7 @@ int mapGrey(const RasterWindow& window, int level) {
 }
 
 RasterWindow linear(const Window& window, double slope = 1.0, double first = 0.0) {
-    return toRasterWindow(window, WindowFunction::Linear, first, slope, levels12);
+    return toRasterWindow({window, WindowFunction::Linear}, first, slope, levels12);
 }
 
 TEST(RasterWindow, WidthOneIsAThresholdAtTheCentre) {
@@ -44,7 +44,7 @@ TEST(RasterWindow, SlopeAndFirstOutputAreTakenOut) {
 }
 
 TEST(RasterWindow, ExactWindowsKeepTheirLength) {
-    EXPECT_EQ(toRasterWindow({100.0, 50.0}, WindowFunction::LinearExact, 0.0, 1.0, levels12),
+    EXPECT_EQ(toRasterWindow({{100.0, 50.0}, WindowFunction::LinearExact}, 0.0, 1.0, levels12),
               (RasterWindow{100, 50, false}));
 }
 
@@ -62,7 +62,8 @@ TEST(RasterWindow, WindowsBesideAllLevelsAreBlackOrWhiteAllOver) {
 TEST(RasterWindow, EndlessWindowsKeepTheGreyOfTheMiddle) {
     for (const int levels : {levels12, levels16}) {
         for (const double width : {1e8, 1e9, 1e300}) {
-            const RasterWindow window = toRasterWindow({levels / 2.0, width}, WindowFunction::Linear, 0.0, 1.0, levels);
+            const RasterWindow window =
+                toRasterWindow({{levels / 2.0, width}, WindowFunction::Linear}, 0.0, 1.0, levels);
             EXPECT_LE(window.width, levels * 256);
             EXPECT_NEAR(window.centre, levels / 2, levels) << width;
         }
@@ -79,9 +80,9 @@ TEST(RasterWindow, SteepSlopesStayWithinTheIntegers) {
 }
 
 TEST(RasterWindow, SigmoidTakesCentreAndWidthAsTheyAre) {
-    EXPECT_EQ(toRasterWindow({748.0, 1579.0}, WindowFunction::Sigmoid, 0.0, 1.0, levels12),
+    EXPECT_EQ(toRasterWindow({{748.0, 1579.0}, WindowFunction::Sigmoid}, 0.0, 1.0, levels12),
               (RasterWindow{748, 1579, true}));
-    EXPECT_EQ(toRasterWindow({150.0, 200.0}, WindowFunction::Sigmoid, 100.0, 0.5, levels12),
+    EXPECT_EQ(toRasterWindow({{150.0, 200.0}, WindowFunction::Sigmoid}, 100.0, 0.5, levels12),
               (RasterWindow{100, 400, true}));
 }
 

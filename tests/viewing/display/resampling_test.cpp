@@ -1,8 +1,8 @@
 // Interpolations, the image primitives, sharpening and the magnifier, as a picture shows them.
 #include "viewing/display/raster_setup.h"
-#include "viewing/render.h"
 #include "viewing/display/separate_planes.h"
 #include "viewing/image/phantom.h"
+#include "viewing/render.h"
 
 #include <gtest/gtest.h>
 
@@ -33,10 +33,10 @@ StoredImage makeImage(int width, int height, const std::function<int(int, int)>&
     image.width = width;
     image.height = height;
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) image.samples.push_back(static_cast<std::uint16_t>(level(x, y)));
-    image.levels = levels;
-    image.maxLevel = levels - 1;
-    image.window = Window{levels / 2.0, static_cast<double>(levels)};
+        for (int x = 0; x < width; ++x) image.grey().samples.push_back(static_cast<std::uint16_t>(level(x, y)));
+    image.grey().levels = levels;
+    image.grey().maxLevel = levels - 1;
+    image.grey().voi = VoiWindow{{levels / 2.0, static_cast<double>(levels)}};
     return image;
 }
 
@@ -44,8 +44,10 @@ StoredImage makeColourImage(int width, int height, const std::function<std::uint
     StoredImage image;
     image.width = width;
     image.height = height;
+    Rgb8Pixels pixels;
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) image.rgb8.push_back(colour(x, y));
+        for (int x = 0; x < width; ++x) pixels.push_back(colour(x, y));
+    image.pixels = ColourImage{std::move(pixels)};
     return image;
 }
 
@@ -211,7 +213,7 @@ TEST(Interpolation, AViewThatThePrimitivesRefuseIsDrawnWithoutThemAndSaid) {
 
 TEST(Interpolation, OverlaysKeepTheirEdgesAndColours) {
     StoredImage image = makeImage(6, 4, [](int x, int y) { return surface(x, y) | (x == 4 ? 0x2000 : 0); });
-    image.embedded.push_back({13, PlaneKind::RegionOfInterest});
+    image.grey().embedded.push_back({13, PlaneKind::RegionOfInterest});
     OverlayPlane plane{{1, 1}, BitPlane(1, 1), PlaneKind::Graphics};
     plane.bits.set(0, 0);
     image.overlays = {plane};
@@ -243,11 +245,11 @@ TEST(Interpolation, OverlaysKeepTheirEdgesAndColours) {
 
 TEST(SeparatePlanes, EmbeddedPlanesGoBehindTheSeparateOnesGraphicsFirst) {
     StoredImage image = makeImage(3, 2, [](int x, int y) { return (y * 3 + x) | (x == 0 ? 0x1000 : 0x4000); });
-    image.embedded = {{12, PlaneKind::RegionOfInterest}, {14, PlaneKind::Graphics}};
+    image.grey().embedded = {{12, PlaneKind::RegionOfInterest}, {14, PlaneKind::Graphics}};
     image.overlays = {OverlayPlane{{2, 1}, BitPlane(1, 1), PlaneKind::RegionOfInterest}};
     const StoredImage separate = withSeparatePlanes(image);
-    EXPECT_TRUE(separate.embedded.empty());
-    EXPECT_EQ(separate.samples, (std::vector<std::uint16_t>{0, 1, 2, 3, 4, 5}));
+    EXPECT_TRUE(separate.grey().embedded.empty());
+    EXPECT_EQ(separate.grey().samples, (std::vector<std::uint16_t>{0, 1, 2, 3, 4, 5}));
     ASSERT_EQ(separate.overlays.size(), 3U);
     EXPECT_EQ(separate.overlays[0].origin, (Point{2, 1}));
     EXPECT_EQ(separate.overlays[1].kind, PlaneKind::Graphics);
@@ -280,7 +282,7 @@ TEST(Sharpening, RaisesEdgesOfGreyAndColourAndLeavesFlatAreas) {
 
 TEST(Sharpening, KeepsEmbeddedPlanesEverywhere) {
     StoredImage image = makeImage(9, 7, [](int x, int y) { return surface(x, y) | ((x + y) % 2 == 0 ? 0x1000 : 0); });
-    image.embedded.push_back({12, PlaneKind::Graphics});
+    image.grey().embedded.push_back({12, PlaneKind::Graphics});
     DisplaySettings settings;
     settings.sharpening = Sharpening{5, 3};
     const Picture picture = show(image, settings);

@@ -9,19 +9,19 @@ namespace {
 using namespace viewing;
 
 int level(const StoredImage& image, int x, int y) {
-    return image.samples[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
-                         static_cast<std::size_t>(x)] &
+    return image.grey().samples[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                                static_cast<std::size_t>(x)] &
            0xFFF;
 }
 
 TEST(Phantom, IsTheSameEachTime) {
     const StoredImage first = makePhantom();
-    EXPECT_EQ(first.samples, makePhantom().samples);
-    EXPECT_EQ(first.samples.size(), 640U * 512U);
+    EXPECT_EQ(first.grey().samples, makePhantom().grey().samples);
+    EXPECT_EQ(first.grey().samples.size(), 640U * 512U);
 
     // FNV-1a over the samples: made of integers, so the same on every platform.
     std::uint32_t digest = 2166136261U;
-    for (const std::uint16_t sample : first.samples)
+    for (const std::uint16_t sample : first.grey().samples)
         for (const unsigned int byte : {sample & 0xFFU, static_cast<unsigned int>(sample) >> 8U})
             digest = (digest ^ byte) * 16777619U;
     EXPECT_EQ(digest, 750959291U);
@@ -32,8 +32,8 @@ TEST(Phantom, UsesAllLevelsUpToTwelveBits) {
     EXPECT_EQ(level(image, 40, 100), 0);
     EXPECT_EQ(level(image, 599, 100), 4095);
     for (int x = 41; x < 600; ++x) EXPECT_GE(level(image, x, 100), level(image, x - 1, 100));
-    EXPECT_EQ(image.minLevel, 0);
-    EXPECT_EQ(image.maxLevel, 4095);
+    EXPECT_EQ(image.grey().minLevel, 0);
+    EXPECT_EQ(image.grey().maxLevel, 4095);
 }
 
 TEST(Phantom, HasLinesOnItsOutermostPixels) {
@@ -52,11 +52,11 @@ TEST(Phantom, CarriesEverythingAnImageCanCarry) {
     StoredImage image = makePhantom();
     EXPECT_TRUE(image.shutters.rectangle);
     EXPECT_TRUE(image.shutters.circle);
-    EXPECT_FALSE(image.padding.empty());
+    EXPECT_FALSE(image.grey().padding.empty());
     ASSERT_EQ(image.overlays.size(), 2U);
-    ASSERT_EQ(image.embedded.size(), 1U);
-    EXPECT_TRUE(std::any_of(image.samples.begin(), image.samples.end(), [&image](std::uint16_t sample) {
-        return ((sample >> image.embedded.front().bit) & 1) != 0;
+    ASSERT_EQ(image.grey().embedded.size(), 1U);
+    EXPECT_TRUE(std::any_of(image.grey().samples.begin(), image.grey().samples.end(), [&image](std::uint16_t sample) {
+        return ((sample >> image.grey().embedded.front().bit) & 1) != 0;
     }));
     for (OverlayPlane& plane : image.overlays) {
         EXPECT_GE(plane.origin.x, 0);
