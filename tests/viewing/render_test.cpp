@@ -148,7 +148,6 @@ TEST(Render, CircularShutterIsRoundOnTheScreenForEveryPixelShape) {
 }
 
 TEST(Render, ShuttersTogetherLeaveWhatLiesInsideAll) {
-    // Pixels of 2:1 take the way through a bitmap; the same pixels must be visible as with the shutters' own tests.
     StoredImage image = makeImage(60, 60, [](int, int) { return 4095; });
     image.ratioYx = 2.0;
     image.shutters.rectangle = Box{10, 10, 40, 40};

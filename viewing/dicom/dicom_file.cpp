@@ -181,7 +181,7 @@ void readPixelShape(const Attributes& attributes, StoredImage& image) {
 }
 
 void readShutters(const Attributes& attributes, StoredImage& image) {
-    // Each output pixel is tested against every edge.
+    // Each row of pixels is tested against every edge.
     constexpr std::size_t maxVertices = 1024;
 
     const auto number = [&attributes](const DcmTagKey& tag) { return attributes.number(tag); };

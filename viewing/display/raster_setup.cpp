@@ -2,14 +2,13 @@
 
 #include "viewing/display/colour_map.h"
 #include "viewing/display/image_pixels.h"
+#include "viewing/display/shutter_plane.h"
 #include "viewing/image/refusal.h"
 #include "zolcs/ccsedgeenhancement.h"
-#include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsoverlay.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 namespace viewing {
@@ -17,39 +16,6 @@ namespace viewing {
 namespace {
 
 unsigned int colourOf(PlaneKind kind) { return kind == PlaneKind::Graphics ? graphicsColour : regionColour; }
-
-std::vector<CPoint> toVertices(const std::vector<Point>& polygon) {
-    std::vector<CPoint> vertices;
-    vertices.reserve(polygon.size());
-    for (const Point& point : polygon) vertices.emplace_back(point.x, point.y);
-    return vertices;
-}
-
-/// The radius counts columns: where pixels are so far from square that it comes to another number of rows, the circle
-/// is an ellipse of pixels, which the raster's own circular shutter is not.
-bool isEllipse(const StoredImage& image) {
-    const auto& circle = image.shutters.circle;
-    return circle && std::lround(circle->radius / image.ratioYx) != circle->radius;
-}
-
-/// A set bit for each pixel outside any of the shutters.
-BitPlane hiddenPixels(const StoredImage& image) {
-    const Shutters& shutters = image.shutters;
-    const std::vector<CPoint> vertices = toVertices(shutters.polygon);
-    BitPlane hidden(image.width, image.height);
-    for (int y = 0; y < image.height; ++y) {
-        for (int x = 0; x < image.width; ++x) {
-            bool visible = true;
-            if (const auto& r = shutters.rectangle)
-                visible = x >= r->left && x <= r->right && y >= r->top && y <= r->bottom;
-            if (const auto& c = shutters.circle)
-                visible = visible && std::hypot(x - c->centre.x, (y - c->centre.y) * image.ratioYx) <= c->radius;
-            if (!vertices.empty()) visible = visible && CCsImageUtils::isPointInsidePolygon(vertices, x, y);
-            if (!visible) hidden.set(x, y);
-        }
-    }
-    return hidden;
-}
 
 int rasterType(const StoredImage& image) {
     if (image.isColour()) return CCS_RGB8;
@@ -101,7 +67,7 @@ void RasterSetup::showColours(const StoredImage& image, const DisplaySettings& s
     if (settings.invert) pixels.forEach([](std::uint32_t& pixel) { pixel ^= 0xFFFFFFU; });
     if (settings.shutters && image.shutters.any()) {
         const std::uint32_t grey = (image.shutters.presentationValue >> 8) * 0x010101U;
-        paintBits(pixels, hiddenPixels(image), {0, 0}, grey);
+        paintBits(pixels, hiddenPixels(image.shutters, image.width, image.height, image.ratioYx), {0, 0}, grey);
     }
     if (!settings.overlays) return;
     // The first plane lies on top, as it does on grey images.
@@ -156,26 +122,18 @@ void RasterSetup::burnInGrey(IMap& map, CCsOverlay& overlay, CCs2dTrafo& trafo, 
 }
 
 void RasterSetup::setShutters(const StoredImage& image) {
-    const Shutters& shutters = image.shutters;
-    raster_.setPresentationShutterValue(shutters.presentationValue);
-    if (isEllipse(image)) {
-        hidden_ = hiddenPixels(image);
-        CCsBitmapShutterInfo info;
-        info.tag = 1;
-        info.originX = 1;
-        info.originY = 1;
-        info.rows = static_cast<std::uint16_t>(image.height);
-        info.columns = static_cast<std::uint16_t>(image.width);
-        info.data = hidden_.data();
-        info.presentationValue = shutters.presentationValue;
-        raster_.setBitmapShutterInfo(info);
-        return;
-    }
-    if (const auto& r = shutters.rectangle) raster_.setRectShutter({r->left, r->top, r->right, r->bottom});
-    if (const auto& c = shutters.circle)
-        raster_.setCircShutter(
-            {c->centre.x - c->radius, c->centre.y - c->radius, c->centre.x + c->radius, c->centre.y + c->radius});
-    if (!shutters.polygon.empty()) raster_.setPolygonalShutter(toVertices(shutters.polygon));
+    if (!image.shutters.any()) return;
+    // The raster's own circular and polygonal shutters are looked up beside pixel centres.
+    hidden_ = hiddenPixels(image.shutters, image.width, image.height, image.ratioYx);
+    CCsBitmapShutterInfo info;
+    info.tag = 1;
+    info.originX = 1;
+    info.originY = 1;
+    info.rows = static_cast<std::uint16_t>(image.height);
+    info.columns = static_cast<std::uint16_t>(image.width);
+    info.data = hidden_.data();
+    info.presentationValue = image.shutters.presentationValue;
+    raster_.setBitmapShutterInfo(info);
 }
 
 void RasterSetup::setOverlays(const StoredImage& image) {
