@@ -55,7 +55,8 @@ std::uint64_t brought(int value, int from, int to) {
 
 /// The pixels with channels of `bits` bits, each in so many bits of a pixel.
 template <typename Pixels>
-Pixels convertAll(std::size_t count, const Samples& samples, int bitsStored, bool isRgb, int bits, unsigned int channel) {
+Pixels convertAll(std::size_t count, const Samples& samples, int bitsStored, bool isRgb, int bits,
+                  unsigned int channel) {
     Pixels pixels;
     pixels.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {

@@ -31,9 +31,9 @@ struct ColourLayout {
     }
 };
 
-/// The first so many pixels of a frame as red, green and blue: of 8 bits a channel, or of 12 where a sample has more than
-/// 8 bits; of more than 12 bits the upper ones are taken. YBR is converted by the inverse of DICOM PS3.3 C.7.6.3.1.2.
-/// `words` holds as many as the layout needs. Sample values are not signed.
+/// The first so many pixels of a frame as red, green and blue: of 8 bits a channel, or of 12 where a sample has more
+/// than 8 bits; of more than 12 bits the upper ones are taken. YBR is converted by the inverse of DICOM PS3.3
+/// C.7.6.3.1.2. `words` holds as many as the layout needs. Sample values are not signed.
 ColourImage toColours(std::size_t pixels, std::span<const std::uint16_t> words, const PixelFormat& format,
                       const ColourLayout& layout);
 

@@ -1,6 +1,8 @@
 #include "viewing/dicom/dicom_palette.h"
 
 #include "viewing/dicom/dicom_luts.h"
+#include "viewing/image/limits.h"
+#include "zolipp/zolipp.h"
 
 #include <algorithm>
 
@@ -43,6 +45,20 @@ Palette toPalette(const PaletteTables& tables) {
     for (int i = 0; i <= last; ++i)
         palette[static_cast<std::size_t>(i)] = tables.colour(tables.red.first + (2 * i * steps + last) / (2 * last));
     return palette;
+}
+
+Rgb8Pixels toColours(const PaletteTables& tables, const std::vector<std::uint16_t>& words, int width,
+                     const PixelFormat& format, const std::optional<PaddingRange>& padding) {
+    std::vector<std::uint32_t> colours(levels16);
+    for (std::size_t word = 0; word < colours.size(); ++word) {
+        const int stored = format.value(static_cast<std::uint16_t>(word));
+        colours[word] = padding && padding->contains(stored) ? 0 : tables.colour(stored);
+    }
+    Rgb8Pixels pixels(words.size());
+    // A grey map's palette would do for 256 colours; an image's may have 65536.
+    const IppiSize size{width, static_cast<int>(words.size()) / width};
+    ZOLippiLUTPalette_16u32u_C1R(words.data(), width * 2, pixels.data(), width * 4, size, colours.data(), 16);
+    return pixels;
 }
 
 }  // namespace viewing

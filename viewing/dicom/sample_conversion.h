@@ -30,10 +30,10 @@ struct PaddingRange {
     [[nodiscard]] bool contains(int value) const { return value >= low && value <= high; }
 };
 
-/// Fills samples, levels, lowest, minLevel, maxLevel and padding of a grey image whose width and height are set; `words`
-/// holds width * height words. Up to 12 bits stored, every storable value has one of 4096 levels; above, the values
-/// that occur have, padding aside, where they fit, and every storable value has one of 65536 where not. `embeddedBits`
-/// (bits 12 to 15, none above 12 bits stored) are carried over into the samples.
+/// Fills samples, levels, lowest, minLevel, maxLevel and padding of a grey image whose width and height are set;
+/// `words` holds width * height words. Up to 12 bits stored, every storable value has one of 4096 levels; above, the
+/// values that occur have, padding aside, where they fit, and every storable value has one of 65536 where not.
+/// `embeddedBits` (bits 12 to 15, none above 12 bits stored) are carried over into the samples.
 void convertSamples(StoredImage& image, std::span<const std::uint16_t> words, const PixelFormat& format,
                     std::optional<PaddingRange> padding, std::uint16_t embeddedBits);
 

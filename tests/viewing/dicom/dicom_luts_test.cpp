@@ -1,5 +1,5 @@
 // Tables and windows as files carry them, and the choice among them.
-#include "support/dicom_writer.h"
+#include "support/opened.h"
 #include "viewing/dicom/dicom_file.h"
 #include "viewing/image/voi_choice.h"
 #include "viewing/open.h"
@@ -12,28 +12,21 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::load;
+using zoltest::refusal;
 using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
-
-StoredImage load(DicomWriter& writer, const OpenSettings& settings = {},
-                 E_TransferSyntax syntax = EXS_LittleEndianExplicit) {
-    const TemporaryFolder folder;
-    return openImage(writer.save(folder, syntax), settings);
-}
-
-std::string refusal(DicomWriter& writer, const OpenSettings& settings = {}) {
-    try {
-        load(writer, settings);
-    } catch (const Refusal& refused) {
-        return refused.what();
-    }
-    return {};
-}
 
 OpenSettings voi(int number) {
     OpenSettings settings;
     settings.voi = number;
     return settings;
+}
+
+DicomWriter image2x2() {
+    DicomWriter writer(2, 2);
+    writer.pixels({1, 2, 3, 0x0FFF});
+    return writer;
 }
 
 TEST(DicomLuts, AllWindowsAndTablesAreListedAndChosen) {
@@ -144,18 +137,6 @@ TEST(DicomLuts, FirstInputsAreSignedWhereTheyCanBe) {
     EXPECT_EQ(first(0, "0", false, "-1"), -3);
 }
 
-TEST(DicomLuts, TablesFromOtherFilesAreSignedAsTheImageIs) {
-    const TemporaryFolder folder;
-    DicomWriter lender(1, 1);
-    lender.lut(DCM_ModalityLUTSequence, {2, -3, 8}, {1, 2});
-    OpenSettings settings;
-    settings.modalityFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
-    DicomWriter writer(2, 2);
-    EXPECT_EQ(load(writer, settings).grey().modality.table->first, 65533);
-    writer.format(16, 12, 11, 1);
-    EXPECT_EQ(load(writer, settings).grey().modality.table->first, -3);
-}
-
 TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
     DicomWriter writer(2, 2);
     DcmItem* item = nullptr;
@@ -166,88 +147,51 @@ TEST(DicomLuts, EntriesMayBeDeclaredAsBytes) {
     EXPECT_EQ(load(writer).grey().voiTable()->entries, (Words{1, 4095}));
 }
 
-TEST(DicomLuts, OtherFilesLendTheirTables) {
-    const TemporaryFolder folder;
-    DicomWriter state(1, 1);
-    for (const DcmTagKey& tag : {DCM_PixelData, DCM_Rows, DCM_Columns, DCM_PhotometricInterpretation})
-        state.remove(tag);
-    state.lut(DCM_ModalityLUTSequence, {2, 0, 8}, {1, 2}).lut(DCM_PresentationLUTSequence, {2, 0, 8}, {3, 4});
-    DcmItem* item = nullptr;
-    state.dataset().findOrCreateSequenceItem(DCM_SoftcopyVOILUTSequence, item);
-    zoltest::addLut(*item, DCM_VOILUTSequence, {2, 0, 8}, {5, 6});
-    state.dataset().findOrCreateSequenceItem(DCM_SoftcopyVOILUTSequence, item, -2);
-    item->putAndInsertString(DCM_WindowCenter, "7");
-    item->putAndInsertString(DCM_WindowWidth, "8");
-    item->putAndInsertString(DCM_VOILUTFunction, "SIGMOID");
-    const std::string lender = state.save(folder, EXS_LittleEndianExplicit, "state.dcm");
-
-    DicomWriter writer(2, 2);
-    writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "400").put(DCM_RescaleSlope, "3");
-    writer.put(DCM_PhotometricInterpretation, "MONOCHROME1");
-    OpenSettings settings;
-    settings.modalityFile = settings.voiFile = settings.presentationFile = lender;
-    const StoredImage image = load(writer, settings);
-    EXPECT_EQ(image.grey().modality.table->entries, (Words{1, 2}));
-    EXPECT_EQ(image.grey().voiTable()->entries, (Words{5, 6}));
-    EXPECT_EQ(image.grey().presentation.table->entries, (Words{3, 4}));
-    // A presentation state says all about black and white.
-    EXPECT_FALSE(image.grey().presentation.inverse);
-
-    settings.voi = 2;
-    const StoredImage second = load(writer, settings);
-    EXPECT_EQ(second.grey().voi, Voi(VoiWindow{{7.0, 8.0}, WindowFunction::Sigmoid}));
-    settings.voi = 3;
-    EXPECT_EQ(refusal(writer, settings),
-              "has no window or VOI LUT 3, but 1: table of 2 entries from 0, 8 bits; 2: window, centre 7, width 8, "
-              "sigmoid");
-
-    const StoredImage phantom = openImage("phantom", {1, {}, lender, lender, lender});
-    EXPECT_EQ(phantom.grey().modality.table->entries, (Words{1, 2}));
-    EXPECT_EQ(phantom.grey().voiTable()->entries, (Words{5, 6}));
+TEST(DicomLuts, RescaleAndWindow) {
+    DicomWriter writer = image2x2();
+    writer.put(DCM_RescaleSlope, "2.5").put(DCM_RescaleIntercept, "-1024");
+    writer.put(DCM_WindowCenter, " 40 \\600").put(DCM_WindowWidth, "+400\\1600");
+    const StoredImage image = load(writer);
+    EXPECT_EQ(image.grey().modality.slope, 2.5);
+    EXPECT_EQ(image.grey().modality.intercept, -1024.0);
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{40.0, 400.0}}));
 }
 
-TEST(DicomLuts, OtherFilesLendSlopeAndShape) {
-    const TemporaryFolder folder;
-    DicomWriter lender(1, 1);
-    lender.put(DCM_RescaleSlope, "2").put(DCM_RescaleIntercept, "-9").put(DCM_PresentationLUTShape, "INVERSE");
-    DicomWriter writer(2, 2);
-    writer.lut(DCM_ModalityLUTSequence, {2, 0, 8}, {1, 2}).lut(DCM_PresentationLUTSequence, {2, 0, 8}, {3, 4});
-    OpenSettings settings;
-    settings.modalityFile = settings.presentationFile = lender.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
-    const StoredImage image = load(writer, settings);
-    EXPECT_FALSE(image.grey().modality.table);
-    EXPECT_EQ(image.grey().modality.slope, 2.0);
-    EXPECT_EQ(image.grey().modality.intercept, -9.0);
-    EXPECT_FALSE(image.grey().presentation.table);
-    EXPECT_TRUE(image.grey().presentation.inverse);
+TEST(DicomLuts, SenselessRescaleIsSaidAndLeftOut) {
+    const std::pair<const char*, const char*> senseless[] = {
+        {"0", "5"}, {"1e-10", "5"}, {"1e10", "5"}, {"2", "1e10"}, {"steep", "5"}, {"2", "high"}, {"nan", "5"}};
+    for (const auto& [slope, intercept] : senseless) {
+        DicomWriter writer = image2x2();
+        writer.put(DCM_RescaleSlope, slope).put(DCM_RescaleIntercept, intercept);
+        const StoredImage image = load(writer);
+        EXPECT_EQ(image.grey().modality.slope, 1.0) << slope;
+        EXPECT_EQ(image.grey().modality.intercept, 0.0) << intercept;
+        EXPECT_EQ(image.notes,
+                  (std::vector<std::string>{"the rescale slope or intercept makes no sense; shown without them"}));
+    }
+    DicomWriter half = image2x2();
+    half.put(DCM_RescaleIntercept, "-1e9");
+    EXPECT_EQ(load(half).grey().modality.intercept, -1e9);
+    EXPECT_TRUE(load(half).notes.empty());
 }
 
-TEST(DicomLuts, FilesThatHaveNothingToLendAreNamed) {
-    const TemporaryFolder folder;
-    DicomWriter plain(1, 1);
-    const std::string lender = plain.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
-    DicomWriter writer(2, 2);
-    const auto words = [&](const OpenSettings& settings) {
-        try {
-            load(writer, settings);
-        } catch (const FileRefusal& refused) {
-            EXPECT_EQ(refused.file(), lender);
-            return std::string(refused.what());
-        }
-        return std::string();
-    };
-    EXPECT_EQ(words({1, {}, lender, "", ""}), "has no Modality LUT and no rescale slope");
-    EXPECT_EQ(words({1, {}, "", lender, ""}), "has no window and no VOI LUT");
-    EXPECT_EQ(words({1, {}, "", "", lender}), "has no Presentation LUT and no shape");
-    plain.put(DCM_RescaleSlope, "0");
-    plain.save(folder, EXS_LittleEndianExplicit, "lender.dcm");
-    EXPECT_EQ(words({1, {}, lender, "", ""}), "has a rescale slope or intercept that makes no sense");
+TEST(DicomLuts, WindowFunctions) {
+    DicomWriter sigmoid = image2x2();
+    sigmoid.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "0.5").put(DCM_VOILUTFunction, "SIGMOID");
+    EXPECT_EQ(load(sigmoid).grey().voi, Voi(VoiWindow{{40.0, 0.5}, WindowFunction::Sigmoid}));
+    DicomWriter exact = image2x2();
+    exact.put(DCM_WindowCenter, "40.5").put(DCM_WindowWidth, "100.25").put(DCM_VOILUTFunction, "LINEAR_EXACT");
+    EXPECT_EQ(load(exact).grey().voi, Voi(VoiWindow{{40.5, 100.25}, WindowFunction::LinearExact}));
 }
 
-TEST(DicomLuts, ColourImagesHaveNothingToChoose) {
-    DicomWriter writer(1, 1);
-    writer.colours("RGB", 8, 0, {1, 2, 3});
-    EXPECT_EQ(refusal(writer, voi(1)), "is a colour image, which has no windows and tables to choose");
+TEST(DicomLuts, AnUnknownWindowFunctionIsSaidAndTakenAsLinear) {
+    DicomWriter writer = image2x2();
+    writer.put(DCM_WindowCenter, "40").put(DCM_WindowWidth, "100").put(DCM_VOILUTFunction, "SIGMA");
+    const StoredImage image = load(writer);
+    EXPECT_EQ(image.grey().voi, Voi(VoiWindow{{40.0, 100.0}}));
+    EXPECT_EQ(image.notes, (std::vector<std::string>{"the VOI LUT function 'SIGMA' is not known; taken as LINEAR"}));
+    writer.put(DCM_VOILUTFunction, "LINEAR");
+    EXPECT_TRUE(load(writer).notes.empty());
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include "support/gdi_count.h"
 #include "support/test_data.h"
 #include "viewing/annotations/annotations.h"
-#include "viewing/render.h"
 #include "viewing/image/phantom.h"
 #include "viewing/print.h"
+#include "viewing/render.h"
 
 #include <dcmtk/dcmdata/dctk.h>
 #include <gtest/gtest.h>

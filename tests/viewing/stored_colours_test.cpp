@@ -1,7 +1,7 @@
 // Colour images of every kind, from the file to the picture: each pixel as DICOM defines it.
 #include "support/dicom_writer.h"
-#include "viewing/render.h"
 #include "viewing/open.h"
+#include "viewing/render.h"
 
 #include <dcmtk/dcmdata/dcrleerg.h>
 #include <dcmtk/dcmdata/dcrlerp.h>
@@ -25,8 +25,8 @@ using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
 using Pixels = std::vector<std::uint32_t>;
 
-Picture show(DicomWriter& writer, const DisplaySettings& settings = {}, E_TransferSyntax syntax = EXS_LittleEndianExplicit,
-             int frame = 1) {
+Picture show(DicomWriter& writer, const DisplaySettings& settings = {},
+             E_TransferSyntax syntax = EXS_LittleEndianExplicit, int frame = 1) {
     const TemporaryFolder folder;
     std::vector<std::string> notes;
     OpenSettings load;

@@ -1,8 +1,8 @@
 // Small files of every kind, from the file to the picture: each pixel as DICOM defines it.
 #include "support/dicom_writer.h"
 #include "viewing/dicom/dicom_file.h"
-#include "viewing/render.h"
 #include "viewing/open.h"
+#include "viewing/render.h"
 
 #include <gtest/gtest.h>
 
