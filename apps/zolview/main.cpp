@@ -11,6 +11,6 @@ int main(int argc, char** argv) {
         const std::optional<zolview::Options> options = zolview::parseOptions(argc, argv, std::cout);
         return options ? zolview::run(*options) : zolview::exitDone;
     } catch (const zolview::UsageError& error) {
-        return zolview::fail(zolview::exitUsage, std::string(error.what()) + " (zolview --help tells more)");
+        return zolview::fail(zolview::exitUsage, std::string(error.what()) + " (see zolview --help)");
     }
 }

@@ -14,10 +14,11 @@ using namespace viewing;
 
 namespace {
 
-constexpr const char* description = R"(zolview shows medical images: a DICOM file in, a PNG picture or a PDF page out.
+constexpr const char* description =
+    R"(zolview shows medical images: it reads a DICOM file and writes a PNG picture or a PDF page.
 
-INPUT is a DICOM file (grey or colour, up to 16 bits a sample; uncompressed, RLE, JPEG, JPEG-LS or JPEG 2000)
-or the word 'phantom', a built-in test picture that needs no file.
+INPUT is a DICOM file (grey or colour, up to 16 bits per sample; uncompressed, deflated, RLE, JPEG, JPEG-LS or
+JPEG 2000), or the word 'phantom': a built-in test picture that needs no file.
 
   zolview render phantom -o phantom.png
   zolview render ct.dcm -o bone.png --window 300/1500 --size 1024x1024
@@ -30,9 +31,9 @@ or the word 'phantom', a built-in test picture that needs no file.
   zolview print ct.dcm -o ct.pdf --rotate 90 --true-size
   zolview info ct.dcm)";
 
-constexpr const char* footer = R"(The view is made in this order: flip, rotate, zoom, pan.
+constexpr const char* footer = R"(The view is applied in this order: flip, rotate, zoom, pan.
 
-Exit status: 0 done, 1 the input cannot be shown or the picture not written, 2 wrong usage.)";
+Exit status: 0 done, 1 the input cannot be shown or the output cannot be written, 2 wrong usage.)";
 
 /// Adds an option whose text `parse` turns into a value or refuses; `expected` tells what would have been right.
 template <typename Parse, typename Store>
@@ -59,10 +60,11 @@ CLI::Option* addName(CLI::App& command, const std::string& name, std::string& va
 }
 
 void addAnnotationOptions(CLI::App& command, Options& options) {
-    CLI::Option* const annotate =
-        addName(command, "--annotate", options.annotationFile, "Draw the annotations of this JSON file", "FILE.json");
+    CLI::Option* const annotate = addName(command, "--annotate", options.annotationFile,
+                                          "Draw the annotations of this JSON file over the picture", "FILE.json");
     command
-        .add_flag("--burn-in", options.display.burnIn, "Write them into the image's pixels instead of over the picture")
+        .add_flag("--burn-in", options.display.burnIn,
+                  "Write the annotations into the image's pixels instead of over the picture")
         ->needs(annotate);
 }
 
@@ -71,9 +73,9 @@ void addOpenOptions(CLI::App& command, OpenSettings& settings) {
     const auto parseOrdinal = [](const std::string& text) {
         return parseWhole(text, 1, std::numeric_limits<int>::max());
     };
-    addParsed(command, "--frame", "Of several frames the one with this number, from 1", "N", "a whole number from 1",
-              parseOrdinal, [&settings](int frame) { settings.frame = frame; });
-    addParsed(command, "--voi", "The window or VOI LUT with this number on the list of 'zolview info'", "N",
+    addParsed(command, "--frame", "Frame to show, counted from 1", "N", "a whole number from 1", parseOrdinal,
+              [&settings](int frame) { settings.frame = frame; });
+    addParsed(command, "--voi", "Use the window or VOI LUT with this number in the list of 'zolview info'", "N",
               "a whole number from 1", parseOrdinal, [&settings](int number) { settings.voi = number; })
         ->excludes("--window");
     const std::string unit = "FILE.dcm";
@@ -90,21 +92,21 @@ void addOpenOptions(CLI::App& command, OpenSettings& settings) {
 void addImageOptions(CLI::App& command, Options& options) {
     DisplaySettings& settings = options.display;
     addParsed(command, "--window",
-              "Values from black to white, in the image's units such as HU (default: the file's, or else all)",
+              "Window, in the image's units such as HU (default: the file's first window or VOI LUT, else all values)",
               "CENTRE/WIDTH", "CENTRE/WIDTH, two numbers up to 1000000000, the width 1 or more", parseWindow,
               [&settings](Window window) { settings.window = window; });
     addName(command, "--palette", options.palette,
             "Show grey in colours: HOT_IRON, PET, HOT_METAL_BLUE, PET_20_STEP, SPRING, SUMMER, FALL, WINTER, or the "
             "palette of a file",
             "NAME|FILE.dcm");
-    addParsed(command, "--flip", "Mirror the image: h exchanges left and right, v top and bottom", "h|v", "h or v",
-              parseFlip, [&settings](Flip flip) { settings.flip = flip; });
-    addParsed(command, "--sharpen", "Unsharp masking by the mean of a square box, in pixels of the image",
+    addParsed(command, "--flip", "Mirror the image: h exchanges left and right, v exchanges top and bottom", "h|v",
+              "h or v", parseFlip, [&settings](Flip flip) { settings.flip = flip; });
+    addParsed(command, "--sharpen", "Sharpen by unsharp masking with a square box, in pixels of the image",
               "BOX,STRENGTH", "BOX,STRENGTH, two whole numbers from 1, the strength at most 1000", parseSharpening,
               [&settings](Sharpening sharpening) { settings.sharpening = sharpening; });
     command.add_flag("--invert", settings.invert, "Exchange black and white");
     command.add_flag_callback(
-        "--no-overlays", [&settings] { settings.overlays = false; }, "Leave the image's overlay planes out");
+        "--no-overlays", [&settings] { settings.overlays = false; }, "Leave out the image's overlay planes");
     command.add_flag_callback(
         "--no-shutters", [&settings] { settings.shutters = false; }, "Show what the image's shutters hide");
     addAnnotationOptions(command, options);
@@ -120,25 +122,25 @@ void addViewOptions(CLI::App& command, DisplaySettings& settings) {
         command, "--zoom", "Magnification; 1 (the default) shows the whole image", "FACTOR",
         "a number from 0.001 to 1000", [](const std::string& text) { return parseNumber(text, minZoom, maxZoom); },
         [&settings](double zoom) { settings.zoom = zoom; });
-    addParsed(command, "--pan", "Move the image by so many pixels of the picture, right and down", "X,Y",
+    addParsed(command, "--pan", "Move the image right and down, in pixels of the picture", "X,Y",
               "X,Y, two numbers from -1000000 to 1000000", parsePan, [&settings](Pan pan) { settings.pan = pan; });
     addParsed(
         command, "--rotate", "Turn the image clockwise", "DEGREES", "a number of degrees from -1000000 to 1000000",
         [](const std::string& text) { return parseNumber(text, -maxDegrees, maxDegrees); },
         [&settings](double degrees) { settings.degrees = degrees; });
     addParsed(
-        command, "--background", "Grey of what lies outside the image, 0 (the default, black) to 255", "GREY",
+        command, "--background", "Grey outside the image, from 0 (black, the default) to 255", "GREY",
         "a whole number from 0 to 255", [](const std::string& text) { return parseWhole(text, 0, 255); },
         [&settings](int grey) { settings.background = grey; });
 }
 
 /// How the image's pixels become the picture's.
 void addDrawingOptions(CLI::App& command, DisplaySettings& settings) {
-    addParsed(command, "--interpolation", "Between pixels: nearest (the default), bilinear or bicubic", "METHOD",
-              "nearest, bilinear or bicubic", parseInterpolation,
+    addParsed(command, "--interpolation", "Interpolation between pixels: nearest (the default), bilinear or bicubic",
+              "METHOD", "nearest, bilinear or bicubic", parseInterpolation,
               [&settings](Interpolation interpolation) { settings.interpolation = interpolation; });
-    command.add_flag("--accelerated", settings.accelerated, "Draw through the host's image primitives");
-    addParsed(command, "--magnifier", "A round glass in the picture that shows the image larger by a factor",
+    command.add_flag("--accelerated", settings.accelerated, "Draw with the host's image primitives");
+    addParsed(command, "--magnifier", "Put a round magnifier on the picture: centre, radius and magnification",
               "X,Y,RADIUS,FACTOR",
               "X,Y,RADIUS,FACTOR: whole pixels of the picture, the radius from 1 to 4096, the factor from 0.01 to 100",
               parseMagnifier, [&settings](Magnifier magnifier) { settings.magnifier = magnifier; });
@@ -146,20 +148,21 @@ void addDrawingOptions(CLI::App& command, DisplaySettings& settings) {
 
 void addPageOptions(CLI::App& command, Options& options) {
     PageSettings& page = options.page;
-    addParsed(command, "--rotate", "Turn the image clockwise, by quarters", "DEGREES", "0, 90, 180 or 270",
+    addParsed(command, "--rotate", "Turn the image clockwise by quarters", "DEGREES", "0, 90, 180 or 270",
               parseQuarterTurn, [&options](int degrees) { options.display.degrees = degrees; });
     addParsed(command, "--paper", "Size of the page: A4 (the default), A3 or letter", "PAPER", "A4, A3 or letter",
               parsePaper, [&page](Millimetres paper) { page.paper = paper; });
     command.add_flag("--landscape", page.landscape, "Turn the page on its side");
     addParsed(
-        command, "--margin", "Free millimetres on all sides (default: 10)", "MM", "a number from 0 to 90",
+        command, "--margin", "Margin on every side, in millimetres (default: 10)", "MM", "a number from 0 to 90",
         [](const std::string& text) { return parseNumber(text, 0.0, maxMargin); },
         [&page](double margin) { page.margin = margin; });
     addParsed(
-        command, "--dpi", "Dots per inch in which lines and places are counted (default: 600)", "N",
+        command, "--dpi", "Resolution of lines and positions, in dots per inch (default: 600)", "N",
         "a whole number from " + std::to_string(minDpi) + " to " + std::to_string(maxDpi),
         [](const std::string& text) { return parseWhole(text, minDpi, maxDpi); }, [&page](int dpi) { page.dpi = dpi; });
-    command.add_flag("--true-size", page.trueSize, "As large as the pixel spacing says, not as the page allows");
+    command.add_flag("--true-size", page.trueSize,
+                     "Print at the size that the pixel spacing gives, not at the largest that fits");
 }
 
 /// Writes what was asked for where the exception is a request for help or the version, and is an error otherwise.
@@ -176,11 +179,11 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, std::ostr
     app.set_version_flag("--version", "zolview " ZOLVIEW_VERSION);
     app.require_subcommand(1);
     app.footer(footer);
-    CLI::App& renderCommand = *app.add_subcommand("render", "Show the image in a PNG file");
+    CLI::App& renderCommand = *app.add_subcommand("render", "Write the image to a PNG file");
     CLI::App& printCommand = *app.add_subcommand("print", "Put the image on a page of a PDF file");
-    CLI::App& infoCommand = *app.add_subcommand("info", "Tell what the input contains and whether it can be shown");
+    CLI::App& infoCommand = *app.add_subcommand("info", "Report what the input contains and whether it can be shown");
     for (CLI::App* const command : {&renderCommand, &printCommand, &infoCommand})
-        addName(*command, "INPUT", options.input, "A DICOM file, or the word phantom", "")->required();
+        addName(*command, "INPUT", options.input, "A DICOM file, or the word 'phantom'", "")->required();
     addName(renderCommand, "-o,--output", options.output, "The PNG file to write", "OUT.png")->required();
     addName(printCommand, "-o,--output", options.output, "The PDF file to write", "OUT.pdf")->required();
     renderCommand.footer(footer);
@@ -191,7 +194,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, std::ostr
         addImageOptions(*command, options);
         addOpenOptions(*command, options.open);
         command->add_flag("--progress", options.progress,
-                          "Tell on standard error what is being done (a terminal is told when it lasts)");
+                          "Report each stage on standard error (on a terminal: after 0.5 s even without this option)");
     }
 
     try {

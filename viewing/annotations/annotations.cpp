@@ -83,8 +83,8 @@ const auto& choose(const Words& words, const Json& value, const std::string& key
 double numberFrom(const Json& value, double low, const std::string& what) {
     const double number = value.is_number() ? value.get<double>() : std::nan("");
     if (!(number >= low && number <= farthest))
-        throw Refusal(what + " must be " + (low > 0.0 ? "a number above 0 and up to" : "a number of at most") +
-                      " 1000000" + (low > 0.0 ? "" : " either way"));
+        throw Refusal(what + " must be a number " + (low > 0.0 ? "above 0 and up to" : "from -1000000 to") +
+                      " 1000000");
     return number;
 }
 
@@ -159,7 +159,7 @@ Annotation annotationFrom(const Json& figure, const Rules& rules) {
     for (const auto& [key, value] : figure.items()) {
         const bool known = std::find(common.begin(), common.end(), key) != common.end() ||
                            std::find(rules.keys.begin(), rules.keys.end(), key) != rules.keys.end();
-        if (!known) throw Refusal("has nothing called \"" + key + "\"");
+        if (!known) throw Refusal("has no property \"" + key + "\"");
         if (key == "points") out.points = pointsFrom(value, rules);
         readProperty(key, value, out);
     }

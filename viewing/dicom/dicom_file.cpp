@@ -37,7 +37,7 @@ ColourLayout layoutOf(const Frame& frame, const StoredImage& image) {
 /// What makes grey of the samples of a grey image, and the windows and tables that there are to choose from.
 void readGreyTables(const Attributes& attributes, const PixelDescription& description, StoredImage& image) {
     if (attributes.has(DCM_RedPaletteColorLookupTableDescriptor))
-        image.notes.emplace_back("the palette that it has beside its greys is not applied");
+        image.notes.emplace_back("has a palette although it is grey; the palette is not applied");
     GreyImage& grey = image.grey();
     grey.modality = readModality(attributes, description.format.isSigned, image.notes).value_or(Modality());
     grey.presentation = readPresentation(attributes).value_or(Presentation());

@@ -165,16 +165,20 @@ TEST_F(Program, TheSameCommandMakesTheSameFile) {
 }
 
 TEST_F(Program, HelpAndVersion) {
-    for (const char* arguments : {"--help", "render --help", "info --help"}) {
+    for (const char* arguments : {"--help", "render --help", "print --help", "info --help"}) {
         const Outcome help = run(arguments);
         EXPECT_EQ(help.status, 0);
         EXPECT_EQ(help.err, "");
         EXPECT_NE(help.out.find("INPUT"), std::string::npos);
     }
-    for (const char* option : {"--size", "--window", "--zoom", "--pan", "--rotate", "--flip", "--invert",
-                               "--no-overlays", "--no-shutters", "--background", "--output", "--annotate", "--burn-in",
-                               "--frame", "--voi", "--modality-lut", "--voi-lut", "--presentation-lut", "--palette"})
+    for (const char* option :
+         {"--size",    "--window",        "--zoom",        "--pan",          "--rotate",    "--flip",
+          "--invert",  "--no-overlays",   "--no-shutters", "--background",   "--output",    "--annotate",
+          "--burn-in", "--frame",         "--voi",         "--modality-lut", "--voi-lut",   "--presentation-lut",
+          "--palette", "--interpolation", "--accelerated", "--sharpen",      "--magnifier", "--progress"})
         EXPECT_NE(run("render --help").out.find(option), std::string::npos) << option;
+    for (const char* option : {"--paper", "--landscape", "--rotate", "--margin", "--dpi", "--true-size"})
+        EXPECT_NE(run("print --help").out.find(option), std::string::npos) << option;
     const Outcome version = run("--version");
     EXPECT_EQ(version.status, 0);
     EXPECT_TRUE(version.out.starts_with("zolview "));
@@ -238,7 +242,7 @@ TEST_F(Program, WrongValuesEndWithTwoAndSayWhatIsRight) {
     EXPECT_EQ(
         render("phantom --size 0x0").err,
         "zolview: --size: must be WIDTHxHEIGHT with sides from 1 to 32767 and at most 67108864 pixels in all, not "
-        "'0x0' (zolview --help tells more)\n");
+        "'0x0' (see zolview --help)\n");
 }
 
 TEST_F(Program, RefusesWhatItCannotShow) {
@@ -266,7 +270,7 @@ TEST_F(Program, RefusesEmptyNames) {
         expectOnePlainLine(outcome.err);
         EXPECT_FALSE(hasPicture());
     }
-    EXPECT_EQ(run("info ''").err, "zolview: INPUT: must not be empty (zolview --help tells more)\n");
+    EXPECT_EQ(run("info ''").err, "zolview: INPUT: must not be empty (see zolview --help)\n");
 }
 
 TEST_F(Program, NeverWritesOverAnInput) {

@@ -80,7 +80,7 @@ TEST(DicomFile, PalettesBesideGreysAreSaid) {
     DicomWriter writer = image2x2();
     zoltest::putDescriptor(writer.dataset(), DCM_RedPaletteColorLookupTableDescriptor, {2, 0, 16});
     EXPECT_EQ(load(writer).notes,
-              (std::vector<std::string>{"the palette that it has beside its greys is not applied"}));
+              (std::vector<std::string>{"has a palette although it is grey; the palette is not applied"}));
 }
 
 TEST(DicomFile, FunctionalGroupsOfTheFirstFrameCount) {
