@@ -15,6 +15,7 @@ using zolcs::MemberCall;
 using zolcs::MemberChecks;
 using zolcs::MemberReports;
 using zolcs::Polling;
+using zolcs::runMember;
 using zolcs::Stepping;
 
 constexpr const wchar_t* module = L"source\\zolcs\\ccsbicubic";
@@ -31,7 +32,7 @@ CubicGrey greyOf(const MemberCall& call, bool keepOverlayBits) {
     const bool twelveBits = call.src.getType() == CCS_GREY12;
     const std::uint16_t mask = twelveBits ? 0x0FFF : 0xFFFF;
     const std::uint16_t keptBits = twelveBits && keepOverlayBits ? 0xF000 : 0;
-    return {{{call.lock.source(), call.src.getPitch()}, call.stepping, zolcs::deepCubicWeights()}, mask, keptBits};
+    return {{{call.lock.source(), call.src.getPitch()}, call.stepping, zolcs::fineCubicWeights()}, mask, keptBits};
 }
 
 CubicRgb rgbOf(const MemberCall& call) {
@@ -65,16 +66,7 @@ void CCsBicubic::Get_RgbL(long& r, long& g, long& b, unsigned char* pixel, long&
 Stepping CCsBicubic::adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
     srcWidth = src.getWidth();
     srcHeight = src.getHeight();
-    return zolcs::prepareStepping(src, dst, trafo,
-                                  {stepXu, stepXv, stepYu, stepYv, originU, originV, srcLimitU, srcLimitV, srcPitch,
-                                   dstWidth, dstHeight, dstPitch});
-}
-
-template <typename Draw>
-int CCsBicubic::resample_(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                          CCs2dTrafo& trafo, const Draw& draw) {
-    return zolcs::runMember(
-        reports, checks, src, dst, [&] { return adaptTransformation_(src, dst, trafo); }, draw);
+    return zolcs::prepareStepping(src, dst, trafo, *this);
 }
 
 int CCsBicubic::bicubicGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned short background,
@@ -83,7 +75,7 @@ int CCsBicubic::bicubicGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& t
     const bool typesFit = isGrey(src.getType()) || isGrey(dst.getType());
     const MemberChecks checks{typesFit && zolcs::pixelSizesAre(src, dst, 2, 2), true,
                               !ignoreAbort && zolcs::isRaised(abortFlag)};
-    return resample_(grey12Grey12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, grey12Grey12Reports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return zolcs::draw(call, background, greyOf(call, keepOverlayBits), Copy<std::uint16_t>{},
                            ignoreAbort ? Polling::never() : Polling::everyPixel(abortFlag));
     });
@@ -93,7 +85,7 @@ int CCsBicubic::bicubicGrey12Grey12_ForMagicGlass(CCsImage& src, CCsImage& dst, 
                                                   unsigned short background) {
     const bool typesFit = src.getType() == CCS_GREY12 && dst.getType() == CCS_GREY12;
     const MemberChecks checks{typesFit, true, zolcs::isRaised(abortFlag)};
-    return resample_(magicGlassReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, magicGlassReports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return zolcs::draw(call, background, greyOf(call, false), Copy<std::uint16_t>{},
                            Polling::everyPixel(abortFlag));
     });
@@ -102,39 +94,28 @@ int CCsBicubic::bicubicGrey12Grey12_ForMagicGlass(CCsImage& src, CCsImage& dst, 
 int CCsBicubic::bicubicGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, IMap* map,
                                       unsigned char* pixelPadding, unsigned char background) {
     const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
-    return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, grey12IndexMapReports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return zolcs::drawMapped(call, {src, map, pixelPadding, background}, greyOf(call, false),
                                  Polling::everyPixel(abortFlag));
     });
 }
 
-template <typename Convert>
-int CCsBicubic::resampleRgb_(const MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
-                             CCs2dTrafo& trafo, unsigned long background, const Convert& convert) {
-    const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
-    const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
-    return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::draw(call, static_cast<std::uint32_t>(background), rgbOf(call), convert(),
-                           Polling::everyPixel(abortFlag));
-    });
-}
-
 int CCsBicubic::bicubicRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned long background) {
-    return resampleRgb_(rgb8Rgb8Reports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+    return zolcs::resampleColours(*this, rgb8Rgb8Reports, {{src, dst, trafo}, true, background},
+                                  Polling::everyPixel(abortFlag), rgbOf, [] { return Copy<std::uint32_t>{}; });
 }
 
 int CCsBicubic::bicubicRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
                                    unsigned long background) {
-    return resampleRgb_(rgb8Rgb8MapReports, table != nullptr, src, dst, trafo, background,
-                        [&] { return ColourTables(table, table, table); });
+    return zolcs::resampleColours(*this, rgb8Rgb8MapReports, {{src, dst, trafo}, table != nullptr, background},
+                                  Polling::everyPixel(abortFlag), rgbOf,
+                                  [&] { return ColourTables(table, table, table); });
 }
 
 int CCsBicubic::bicubicIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedGrey, {src, dst, trafo, background});
 }
 
 int CCsBicubic::bicubicIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedRgb8, {src, dst, trafo, background});
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccssteppingfields.h"
 
 #include <cstdint>
 
@@ -10,8 +11,7 @@ class CCsRaster;
 class IMap;
 
 namespace zolcs {
-class MemberReports;
-struct MemberChecks;
+struct ResamplerAccess;
 struct Stepping;
 }  // namespace zolcs
 
@@ -33,7 +33,7 @@ struct Stepping;
 /// All objects share two tables of weights, which the first constructor builds, without a lock: construct the first
 /// object before rendering threads start. An object holds the state of one call: one thread at a time, but for
 /// setAbortFlag.
-class ZOLWEBCS_API CCsBicubic {
+class ZOLWEBCS_API CCsBicubic : private zolcs::SteppingFields {
 public:
     /// Carries nothing yet, and is not asked to stop. Throws 1 (an int) when there is no memory for the weights.
     CCsBicubic();
@@ -103,34 +103,12 @@ public:
     int bicubicIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
 
 private:
-    /// Fills the fields, saturated where 32 bits do not hold the value, and gives the stepping that the loops use.
+    friend struct zolcs::ResamplerAccess;  // the members' common code
+
+    /// Sets the transformation's sizes, fills the fields and gives the stepping that the loops use.
     zolcs::Stepping adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo);
 
-    /// What all members do around their pixels; `draw` fills the destination. 255, or 0 after a report or a stop.
-    template <typename Draw>
-    int resample_(const zolcs::MemberReports& reports, const zolcs::MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                  CCs2dTrafo& trafo, const Draw& draw);
-
-    /// The colour members; `convert()` gives what makes display pixels of interpolated ones.
-    template <typename Convert>
-    int resampleRgb_(const zolcs::MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
-                     CCs2dTrafo& trafo, unsigned long background, const Convert& convert);
-
-    // Changes of the source column u and row v per destination column (X) and row (Y), and their values at the
-    // destination's origin, in 16.16 fixed point.
-    std::int32_t stepXu = 0;
-    std::int32_t stepXv = 0;
-    std::int32_t stepYu = 0;
-    std::int32_t stepYv = 0;
-    std::int32_t originU = 0;
-    std::int32_t originV = 0;
-    std::int32_t srcLimitU = 0;
-    std::int32_t srcLimitV = 0;
-    std::int32_t srcPitch = 0;
-    std::int32_t dstWidth = 0;
-    std::int32_t dstHeight = 0;
-    std::int32_t dstPitch = 0;
     std::int32_t abortFlag = 0;
-    std::int32_t srcWidth = 0;
+    std::int32_t srcWidth = 0;  ///< observable to no one, as are the inherited fields
     std::int32_t srcHeight = 0;
 };

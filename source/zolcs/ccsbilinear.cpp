@@ -19,6 +19,7 @@ using zolcs::MemberCall;
 using zolcs::MemberChecks;
 using zolcs::MemberReports;
 using zolcs::Polling;
+using zolcs::runMember;
 using zolcs::Stepping;
 
 constexpr const wchar_t* module = L"source\\zolcs\\ccsbilinear";
@@ -48,6 +49,8 @@ constexpr AcceleratedMember<Ipp16u> acceleratedGrey{
 constexpr AcceleratedMember<Ipp8u> acceleratedRgb8{
     {module, L"bilinearIPPRgb8Rgb8", {1266, 1284, 1365, 1369, 1381}}, zolcs::colourPrimitives, IPPI_INTER_LINEAR};
 
+BilinearRgb rgbOf(const MemberCall& call) { return BilinearRgb(sourceOf<std::uint32_t>(call)); }
+
 }  // namespace
 
 CCsBilinear::~CCsBilinear() = default;
@@ -55,16 +58,7 @@ CCsBilinear::~CCsBilinear() = default;
 void CCsBilinear::setAbortFlag(int flag) { zolcs::setFlag(abortFlag, flag); }
 
 Stepping CCsBilinear::adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
-    return zolcs::prepareStepping(src, dst, trafo,
-                                  {stepXu, stepXv, stepYu, stepYv, originU, originV, srcLimitU, srcLimitV, srcPitch,
-                                   dstWidth, dstHeight, dstPitch});
-}
-
-template <typename Draw>
-int CCsBilinear::resample_(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                           CCs2dTrafo& trafo, const Draw& draw) {
-    return zolcs::runMember(
-        reports, checks, src, dst, [&] { return adaptTransformation_(src, dst, trafo); }, draw);
+    return zolcs::prepareStepping(src, dst, trafo, *this);
 }
 
 int CCsBilinear::bilinearGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned short background,
@@ -72,7 +66,7 @@ int CCsBilinear::bilinearGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo&
     const auto isGrey = [](int type) { return type == CCS_GREY12 || type == CCS_GREY16; };
     const bool typesFit = isGrey(src.getType()) || isGrey(dst.getType());
     const MemberChecks checks{typesFit && zolcs::pixelSizesAre(src, dst, 2, 2)};
-    return resample_(grey12Grey12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, grey12Grey12Reports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         const bool keepsBits = keepOverlayBits && src.isEmbeddedOverlayPresent();
         const Copy<std::uint16_t> convert;
         if (zolcs::processorCapability() == 0 || keepsBits) {
@@ -87,45 +81,35 @@ int CCsBilinear::bilinearGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo&
 int CCsBilinear::bilinearGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, IMap* map, bool /*unused*/,
                                         unsigned char* pixelPadding, unsigned char background) {
     const MemberChecks checks{zolcs::areGreyToDisplay(src, dst), true, zolcs::isRaised(abortFlag)};
-    return resample_(grey12IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, grey12IndexMapReports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return zolcs::drawMapped(call, {src, map, pixelPadding, background}, plainGrey(call, false),
                                  Polling::everyRow(abortFlag));
     });
 }
 
-template <typename Convert>
-int CCsBilinear::resampleRgb_(const MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
-                              CCs2dTrafo& trafo, unsigned long background, const Convert& convert) {
-    const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
-    const MemberChecks checks{typesFit, tablesGiven, zolcs::isRaised(abortFlag)};
-    return resample_(reports, checks, src, dst, trafo, [&](const MemberCall& call) {
-        return zolcs::draw(call, static_cast<std::uint32_t>(background), BilinearRgb(sourceOf<std::uint32_t>(call)),
-                           convert(), Polling::everyRow(abortFlag));
-    });
-}
-
 int CCsBilinear::bilinearRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned long background,
                                   bool /*unused*/) {
-    return resampleRgb_(rgb8Rgb8Reports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+    return zolcs::resampleColours(*this, rgb8Rgb8Reports, {{src, dst, trafo}, true, background},
+                                  Polling::everyRow(abortFlag), rgbOf, [] { return Copy<std::uint32_t>{}; });
 }
 
 int CCsBilinear::bilinearRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
                                      unsigned long background) {
-    return resampleRgb_(rgb8Rgb8MapReports, table != nullptr, src, dst, trafo, background,
-                        [&] { return ColourTables(table, table, table); });
+    return zolcs::resampleColours(*this, rgb8Rgb8MapReports, {{src, dst, trafo}, table != nullptr, background},
+                                  Polling::everyRow(abortFlag), rgbOf,
+                                  [&] { return ColourTables(table, table, table); });
 }
 
 int CCsBilinear::bilinearRgb8Rgb8_ForMagicGlass(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo,
                                                 unsigned long background) {
-    return resampleRgb_(magicGlassReports, true, src, dst, trafo, background, [] { return Copy<std::uint32_t>{}; });
+    return zolcs::resampleColours(*this, magicGlassReports, {{src, dst, trafo}, true, background},
+                                  Polling::everyRow(abortFlag), rgbOf, [] { return Copy<std::uint32_t>{}; });
 }
 
 int CCsBilinear::bilinearIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedGrey, {src, dst, trafo, background});
 }
 
 int CCsBilinear::bilinearIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedRgb8, {src, dst, trafo, background});
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccssteppingfields.h"
 
 #include <cstdint>
 
@@ -10,8 +11,7 @@ class CCsRaster;
 class IMap;
 
 namespace zolcs {
-class MemberReports;
-struct MemberChecks;
+struct ResamplerAccess;
 struct Stepping;
 }  // namespace zolcs
 
@@ -30,7 +30,7 @@ struct Stepping;
 /// after a report or when it was stopped. Both images are unlocked on every path.
 ///
 /// An object holds the state of one call: one thread at a time, but for setAbortFlag.
-class ZOLWEBCS_API CCsBilinear {
+class ZOLWEBCS_API CCsBilinear : private zolcs::SteppingFields {
 public:
     /// Carries nothing yet, and is not asked to stop.
     CCsBilinear() = default;
@@ -99,32 +99,10 @@ public:
     int bilinearIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
 
 private:
-    /// Fills the fields, saturated where 32 bits do not hold the value, and gives the stepping that the loops use.
+    friend struct zolcs::ResamplerAccess;  // the members' common code
+
+    /// Sets the transformation's sizes, fills the fields and gives the stepping that the loops use.
     zolcs::Stepping adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo);
 
-    /// What all members do around their pixels; `draw` fills the destination. 255, or 0 after a report or a stop.
-    template <typename Draw>
-    int resample_(const zolcs::MemberReports& reports, const zolcs::MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                  CCs2dTrafo& trafo, const Draw& draw);
-
-    /// The colour members; `convert()` gives what makes display pixels of interpolated ones.
-    template <typename Convert>
-    int resampleRgb_(const zolcs::MemberReports& reports, bool tablesGiven, CCsImage& src, CCsImage& dst,
-                     CCs2dTrafo& trafo, unsigned long background, const Convert& convert);
-
-    // Changes of the source column u and row v per destination column (X) and row (Y), and their values at the
-    // destination's origin, in 16.16 fixed point.
-    std::int32_t stepXu = 0;
-    std::int32_t stepXv = 0;
-    std::int32_t stepYu = 0;
-    std::int32_t stepYv = 0;
-    std::int32_t originU = 0;
-    std::int32_t originV = 0;
-    std::int32_t srcLimitU = 0;
-    std::int32_t srcLimitV = 0;
-    std::int32_t srcPitch = 0;
-    std::int32_t dstWidth = 0;
-    std::int32_t dstHeight = 0;
-    std::int32_t dstPitch = 0;
     std::int32_t abortFlag = 0;
 };

@@ -93,8 +93,8 @@ struct GreyImages {
     ImageView<const std::uint16_t> source;
     ImageView<std::uint16_t> destination;
 
-    [[nodiscard]] const std::uint16_t* line(std::int64_t y, std::uint16_t* /*room*/) const { return source.line(y); }
-    void put(std::int64_t y, const std::uint16_t* samples) const { std::copy_n(samples, width, destination.line(y)); }
+    [[nodiscard]] const std::uint16_t* row(std::int64_t y, std::uint16_t* /*room*/) const { return source.row(y); }
+    void put(std::int64_t y, const std::uint16_t* samples) const { std::copy_n(samples, width, destination.row(y)); }
 };
 
 /// Four bytes a pixel. The fourth one is sharpened with the others, which costs less than to leave it out.
@@ -119,13 +119,13 @@ struct ColourImages {
     ImageView<const SourcePixel> source;
     ImageView<std::uint32_t> destination;
 
-    [[nodiscard]] const std::uint8_t* line(std::int64_t y, std::uint8_t* room) const {
-        return bytesOf(source.line(y), width, room);
+    [[nodiscard]] const std::uint8_t* row(std::int64_t y, std::uint8_t* room) const {
+        return bytesOf(source.row(y), width, room);
     }
     /// Leaves the fourth byte of a pixel.
     void put(std::int64_t y, const std::uint8_t* bytes) const {
         constexpr std::uint32_t fourth = 0xFF000000U;
-        std::uint32_t* const pixels = destination.line(y);
+        std::uint32_t* const pixels = destination.row(y);
         for (int x = 0; x < width; ++x) {
             std::uint32_t colour = 0;
             std::memcpy(&colour, bytes + std::ptrdiff_t{x} * 4, sizeof colour);

@@ -10,9 +10,9 @@ namespace {
 using zolcs::AcceleratedMember;
 using zolcs::areGreyToDisplay;
 using zolcs::ByteTable;
+using zolcs::Colour12Table;
 using zolcs::ColourTables;
 using zolcs::Copy;
-using zolcs::DeepColourTable;
 using zolcs::GreyTable;
 using zolcs::MemberCall;
 using zolcs::MemberChecks;
@@ -23,6 +23,7 @@ using zolcs::pixelSizesAre;
 using zolcs::ReversedRgb24;
 using zolcs::Rgb24;
 using zolcs::RuledFiller;
+using zolcs::runMember;
 using zolcs::Stepping;
 
 /// Channels of a 32-bit display pixel; the fourth byte is 0.
@@ -65,50 +66,42 @@ constexpr AcceleratedMember<Ipp8u> acceleratedRgb8{
 
 }  // namespace
 
-CCsNearest::CCsNearest() = default;
+CCsNearest::CCsNearest() : SteppingFields(-1) {}
 
 CCsNearest::~CCsNearest() = default;
 
 Stepping CCsNearest::adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
-    return zolcs::prepareStepping(src, dst, trafo,
-                                  {stepXu, stepXv, stepYu, stepYv, originU, originV, srcLimitU, srcLimitV, srcPitch,
-                                   dstWidth, dstHeight, dstPitch});
-}
-
-template <typename Draw>
-int CCsNearest::resample_(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                          CCs2dTrafo& trafo, const Draw& draw) {
-    return zolcs::runMember(
-        reports, checks, src, dst, [&] { return adaptTransformation_(src, dst, trafo); }, draw);
+    return zolcs::prepareStepping(src, dst, trafo, *this);
 }
 
 int CCsNearest::nearestGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned short background,
                                     bool /*unused*/) {
     const bool typesFit = src.getType() == CCS_GREY12 && dst.getType() == CCS_GREY12;
-    return resample_(grey12Grey12Reports, {typesFit}, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, grey12Grey12Reports, {src, dst, trafo}, {typesFit}, [&](const MemberCall& call) {
         return drawNearest<std::uint16_t, std::uint16_t>(call, background, Copy<std::uint16_t>{});
     });
 }
 
 void CCsNearest::nearestGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, IMap* map,
                                        unsigned char* pixelPadding, unsigned char background) {
-    resample_(grey12IndexMapReports, {areGreyToDisplay(src, dst)}, src, dst, trafo, [&](const MemberCall& call) {
-        auto* greyMap = dynamic_cast<IGreyMap*>(map);
-        const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, call.stepping);
-        const auto table = zolcs::greyTable(greyMap, src.getType() == CCS_GREY12, rules.embeddedColours());
-        const GreyTable convert{table.data()};
-        const auto source = sourceOf<std::uint16_t>(call);
+    runMember(*this, grey12IndexMapReports, {src, dst, trafo}, {areGreyToDisplay(src, dst)},
+              [&](const MemberCall& call) {
+                  auto* greyMap = dynamic_cast<IGreyMap*>(map);
+                  const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, call.stepping);
+                  const auto table = zolcs::greyTable(greyMap, src.getType() == CCS_GREY12, rules.embeddedColours());
+                  const GreyTable convert{table.data()};
+                  const auto source = sourceOf<std::uint16_t>(call);
 
-        auto filler = zolcs::makeFiller(call.stepping, source, convert, zolcs::StopFlag());
-        if (!rules.positionsAreFree()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, source);
-        return zolcs::fillDisplay(call.stepping, zolcs::displayOf<std::uint32_t>(call, background), *filler);
-    });
+                  auto filler = zolcs::makeFiller(call.stepping, source, convert, zolcs::StopFlag());
+                  if (!rules.empty()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, source);
+                  return zolcs::fillDisplay(call.stepping, zolcs::displayOf<std::uint32_t>(call, background), *filler);
+              });
 }
 
 void CCsNearest::nearestGrey8Grey8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
     const bool typesFit = src.getType() == CCS_GREY8 || dst.getType() == CCS_GREY8;
     const MemberChecks checks{typesFit && pixelSizesAre(src, dst, 1, 1)};
-    resample_(grey8Grey8Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, grey8Grey8Reports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return drawNearest<std::uint8_t, std::uint8_t>(call, background, Copy<std::uint8_t>{});
     });
 }
@@ -117,14 +110,14 @@ void CCsNearest::nearestGrey8IndexMap(CCsImage& src, CCsImage& dst, CCs2dTrafo& 
                                       unsigned char background) {
     const bool typesFit = src.getType() == CCS_GREY8 || dst.getType() == CCS_INDEX8;
     const MemberChecks checks{typesFit && pixelSizesAre(src, dst, 1, 1), table != nullptr};
-    resample_(grey8IndexMapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, grey8IndexMapReports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return drawNearest<std::uint8_t, std::uint8_t>(call, table[background], ByteTable{table});
     });
 }
 
 void CCsNearest::nearestIndexIndex(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
     const bool typesFit = src.getType() == CCS_INDEX8 && dst.getType() == CCS_INDEX8;
-    resample_(indexIndexReports, {typesFit}, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, indexIndexReports, {src, dst, trafo}, {typesFit}, [&](const MemberCall& call) {
         return drawNearest<std::uint8_t, std::uint8_t>(call, background, Copy<std::uint8_t>{});
     });
 }
@@ -132,7 +125,7 @@ void CCsNearest::nearestIndexIndex(CCsImage& src, CCsImage& dst, CCs2dTrafo& tra
 void CCsNearest::nearestRgb12Rgb12(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, std::uint64_t background) {
     const bool typesFit = src.getType() == CCS_RGB12 || dst.getType() == CCS_RGB12;
     const MemberChecks checks{typesFit && pixelSizesAre(src, dst, 8, 8)};
-    resample_(rgb12Rgb12Reports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, rgb12Rgb12Reports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return drawNearest<std::uint64_t, std::uint64_t>(call, background, Copy<std::uint64_t>{});
     });
 }
@@ -141,22 +134,22 @@ void CCsNearest::nearestRgb12Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& t
                                      unsigned long background) {
     const bool typesFit = src.getType() == CCS_RGB12 || dst.getType() == CCS_RGB8;
     const MemberChecks checks{typesFit && pixelSizesAre(src, dst, 8, 4), table != nullptr};
-    resample_(rgb12Rgb8MapReports, checks, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, rgb12Rgb8MapReports, {src, dst, trafo}, checks, [&](const MemberCall& call) {
         return drawNearest<std::uint64_t, std::uint32_t>(call, static_cast<std::uint32_t>(background),
-                                                         DeepColourTable{table});
+                                                         Colour12Table{table});
     });
 }
 
 void CCsNearest::nearestRgb8Rgb24Save(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB24;
-    resample_(rgb8Rgb24SaveReports, {typesFit}, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, rgb8Rgb24SaveReports, {src, dst, trafo}, {typesFit}, [&](const MemberCall& call) {
         return drawNearest<std::uint32_t, Rgb24>(call, {{background, background, background}}, ReversedRgb24{});
     });
 }
 
 int CCsNearest::nearestRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned long background) {
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
-    return resample_(rgb8Rgb8Reports, {typesFit}, src, dst, trafo, [&](const MemberCall& call) {
+    return runMember(*this, rgb8Rgb8Reports, {src, dst, trafo}, {typesFit}, [&](const MemberCall& call) {
         return drawNearest<std::uint32_t, std::uint32_t>(call, static_cast<std::uint32_t>(background),
                                                          Copy<std::uint32_t>{});
     });
@@ -165,7 +158,7 @@ int CCsNearest::nearestRgb8Rgb8(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo,
 void CCsNearest::nearestRgb8Rgb8Map(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char* const table,
                                     unsigned long background) {
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
-    resample_(rgb8Rgb8MapReports, {typesFit, table != nullptr}, src, dst, trafo, [&](const MemberCall& call) {
+    runMember(*this, rgb8Rgb8MapReports, {src, dst, trafo}, {typesFit, table != nullptr}, [&](const MemberCall& call) {
         return drawNearest<std::uint32_t, std::uint32_t>(call, static_cast<std::uint32_t>(background),
                                                          ColourTables(table, table, table));
     });
@@ -177,19 +170,18 @@ void CCsNearest::nearestRgb8Rgb8MapSeperate(CCsImage& src, CCsImage& dst, CCs2dT
                                             unsigned char greenBackground, unsigned char blueBackground) {
     const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
     const bool tablesGiven = redTable != nullptr && greenTable != nullptr && blueTable != nullptr;
-    resample_(rgb8Rgb8MapSeperateReports, {typesFit, tablesGiven}, src, dst, trafo, [&](const MemberCall& call) {
-        return drawNearest<std::uint32_t, std::uint32_t>(call,
-                                                         displayPixel(redBackground, greenBackground, blueBackground),
-                                                         ColourTables(blueTable, greenTable, redTable));
-    });
+    runMember(*this, rgb8Rgb8MapSeperateReports, {src, dst, trafo}, {typesFit, tablesGiven},
+              [&](const MemberCall& call) {
+                  return drawNearest<std::uint32_t, std::uint32_t>(
+                      call, displayPixel(redBackground, greenBackground, blueBackground),
+                      ColourTables(blueTable, greenTable, redTable));
+              });
 }
 
 int CCsNearest::nearestIPPGrey12Grey12(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedGrey, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedGrey, {src, dst, trafo, background});
 }
 
 int CCsNearest::nearestIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background) {
-    return zolcs::runAccelerated(acceleratedRgb8, {src, dst, trafo, background},
-                                 [&] { adaptTransformation_(src, dst, trafo); });
+    return zolcs::runAccelerated(*this, acceleratedRgb8, {src, dst, trafo, background});
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zolcs/ccsexport.h"
+#include "zolcs/ccssteppingfields.h"
 
 #include <cstdint>
 
@@ -10,8 +11,7 @@ class CCsRaster;
 class IMap;
 
 namespace zolcs {
-class MemberReports;
-struct MemberChecks;
+struct ResamplerAccess;
 struct Stepping;
 }  // namespace zolcs
 
@@ -32,7 +32,7 @@ struct Stepping;
 /// was filled and 0 after a report. Both images are unlocked on every path.
 ///
 /// An object holds the state of one call: one thread at a time.
-class ZOLWEBCS_API CCsNearest {
+class ZOLWEBCS_API CCsNearest : private zolcs::SteppingFields {
 public:
     /// Carries nothing yet: every field is -1.
     CCsNearest();
@@ -110,26 +110,8 @@ public:
     int nearestIPPRgb8Rgb8(CCsRaster& src, CCsImage& dst, CCs2dTrafo& trafo, unsigned char background);
 
 private:
-    /// Fills the fields, saturated where 32 bits do not hold the value, and gives the stepping that the loops use.
+    friend struct zolcs::ResamplerAccess;  // the members' common code
+
+    /// Sets the transformation's sizes, fills the fields and gives the stepping that the loops use.
     zolcs::Stepping adaptTransformation_(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo);
-
-    /// What all members do around their pixels; `draw` fills the destination. 255, or 0 after a report.
-    template <typename Draw>
-    int resample_(const zolcs::MemberReports& reports, const zolcs::MemberChecks& checks, CCsImage& src, CCsImage& dst,
-                  CCs2dTrafo& trafo, const Draw& draw);
-
-    // Changes of the source column u and row v per destination column (X) and row (Y), and their values at the
-    // destination's origin, in 16.16 fixed point.
-    std::int32_t stepXu = -1;
-    std::int32_t stepXv = -1;
-    std::int32_t stepYu = -1;
-    std::int32_t stepYv = -1;
-    std::int32_t originU = -1;
-    std::int32_t originV = -1;
-    std::int32_t srcLimitU = -1;
-    std::int32_t srcLimitV = -1;
-    std::int32_t srcPitch = -1;
-    std::int32_t dstWidth = -1;
-    std::int32_t dstHeight = -1;
-    std::int32_t dstPitch = -1;
 };

@@ -9,7 +9,7 @@
 
 namespace zolipp {
 
-#if defined(ZOLIPP_SSE2)
+#if defined(ZOL_SSE2)
 
 template <typename Format>
 __m128i reversed(__m128i pixels) {

@@ -17,16 +17,10 @@ T load(const std::byte* from) {
     return value;
 }
 
-#if defined(ZOLIPP_SSE2)
+#if defined(ZOL_SSE2)
 
 constexpr std::size_t vectorPixels = 4;
 constexpr std::size_t blockPixels = 32;
-
-// How far ahead of the look-up both sides are touched, and how often on the destination's side. The processors' own
-// prefetching stops at every page, and a bypassing store that is the first to meet a page waits for its translation:
-// together a fifth of the time where a whole image streams by.
-constexpr std::size_t prefetchBytes = 4096;
-constexpr std::size_t pageBytes = 4096;
 
 // Two samples in 32 bits, twice: quicker than four in 64 bits and than four loads.
 template <typename Mask>
@@ -49,8 +43,8 @@ struct SomeBits {
     [[nodiscard]] Ipp16u ofOne(Ipp16u sample) const { return sample & bits; }
 };
 
-// How pixels reach the destination. Cached and bypassing stores must not meet in one cache line, which costs more than
-// either; so a row's ends go the same way as its middle.
+// How pixels reach the destination. Cached and non-temporal stores must not meet in one cache line, which costs more
+// than either; so a row's ends go the same way as its middle.
 struct CachedStores {
     static constexpr bool needAlignment = false;
     static void four(std::byte* to, __m128i pixels) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), pixels); }
@@ -58,20 +52,18 @@ struct CachedStores {
     static void prefetch(const std::byte* /*source*/, const std::byte* /*destination*/, std::size_t /*block*/) {}
 };
 
-struct BypassingStores {
+struct NonTemporalStores {
     static constexpr bool needAlignment = true;
     static void four(std::byte* to, __m128i pixels) { _mm_stream_si128(reinterpret_cast<__m128i*>(to), pixels); }
     static void one(std::byte* to, Ipp32u pixel) {
         _mm_stream_si32(reinterpret_cast<int*>(to), static_cast<int>(pixel));
     }
+    // Without this, a fifth of the time goes where a whole image streams by.
     static void prefetch(const std::byte* source, const std::byte* destination, std::size_t block) {
-        touch(source);
-        if (block % (pageBytes / (4 * blockPixels)) == 0) touch(destination);
-    }
-    static void touch(const std::byte* position) {
-        // As a number: the address may lie beyond the image.
-        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(position) + prefetchBytes),
-                     _MM_HINT_NTA);
+        zolplatform::prefetchForOneUse(source, zolplatform::pageBytes);
+        if (block % (zolplatform::pageBytes / (4 * blockPixels)) == 0) {
+            zolplatform::prefetchForOneUse(destination, zolplatform::pageBytes);
+        }
     }
 };
 
@@ -112,7 +104,7 @@ void mapRow(const std::byte* source, std::byte* destination, std::size_t count, 
 }
 
 // Only rows of whole pixels can reach an aligned vector.
-bool canBypassCache(const LutPaletteJob& job) {
+bool canBeNonTemporal(const LutPaletteJob& job) {
     return reinterpret_cast<std::uintptr_t>(job.destination) % sizeof(Ipp32u) == 0 &&
            job.destinationStep % static_cast<std::ptrdiff_t>(sizeof(Ipp32u)) == 0;
 }
@@ -146,9 +138,9 @@ void lutPaletteScalar(const LutPaletteJob& job) {
     });
 }
 
-#if defined(ZOLIPP_SSE2)
+#if defined(ZOL_SSE2)
 
-void lutPaletteFast(const LutPaletteJob& job, bool bypassCache) {
+void lutPaletteFast(const LutPaletteJob& job, bool nonTemporal) {
     const auto run = [&](auto stores, auto mask) {
         forEachRow(job, [&](const std::byte* source, std::byte* destination, std::size_t count) {
             mapRow<decltype(stores)>(source, destination, count, job.table, mask);
@@ -157,8 +149,8 @@ void lutPaletteFast(const LutPaletteJob& job, bool bypassCache) {
     const auto runMasked = [&](auto stores) {
         job.mask == 0xFFFF ? run(stores, AllBits{}) : run(stores, SomeBits{job.mask});
     };
-    if (bypassCache && canBypassCache(job)) {
-        runMasked(BypassingStores{});
+    if (nonTemporal && canBeNonTemporal(job)) {
+        runMasked(NonTemporalStores{});
         _mm_sfence();
     } else {
         runMasked(CachedStores{});
@@ -167,18 +159,11 @@ void lutPaletteFast(const LutPaletteJob& job, bool bypassCache) {
 
 #else
 
-void lutPaletteFast(const LutPaletteJob& job, bool /*bypassCache*/) { lutPaletteScalar(job); }
+void lutPaletteFast(const LutPaletteJob& job, bool /*nonTemporal*/) { lutPaletteScalar(job); }
 
 #endif
 
 }  // namespace zolipp
-
-namespace {
-
-// Above this the destination would only push everything else out of the cache before anybody reads it.
-constexpr std::int64_t cacheableBytes = std::int64_t{4} << 20;
-
-}  // namespace
 
 IppStatus ZOLippiLUTPalette_16u32u_C1R(const Ipp16u* pSrc, int srcStep, Ipp32u* pDst, int dstStep, IppiSize roiSize,
                                        const Ipp32u* pTable, int nBitSize) {
@@ -195,6 +180,6 @@ IppStatus ZOLippiLUTPalette_16u32u_C1R(const Ipp16u* pSrc, int srcStep, Ipp32u* 
                                     .size = roiSize,
                                     .table = pTable,
                                     .mask = static_cast<Ipp16u>((1U << nBitSize) - 1U)};
-    zolipp::lutPaletteFast(job, std::int64_t{dstStep} * roiSize.height > cacheableBytes);
+    zolipp::lutPaletteFast(job, zolplatform::isTooLargeForTheCache(std::int64_t{dstStep} * roiSize.height));
     return ippStsNoErr;
 }

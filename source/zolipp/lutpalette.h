@@ -22,8 +22,8 @@ struct LutPaletteJob {
 /// The obvious form: one pixel after the other.
 void lutPaletteScalar(const LutPaletteJob& job);
 
-/// The form that the primitive runs: unrolled table loads, and on processors with SSE2 whole vectors of pixels that
-/// bypass the cache where the destination is too large to stay in it. `bypassCache` forces the choice for tests.
-void lutPaletteFast(const LutPaletteJob& job, bool bypassCache);
+/// The form that the primitive runs: unrolled table loads, and on processors with SSE2 whole vectors of pixels, stored
+/// past the cache with `nonTemporal`, which the primitive chooses for destinations too large to stay in it.
+void lutPaletteFast(const LutPaletteJob& job, bool nonTemporal);
 
 }  // namespace zolipp

@@ -148,7 +148,7 @@ private:
     void prefetchNext(const std::byte* row) const {
         const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(columns_.firstColumn()) * pixelBytes<Format>;
         const std::ptrdiff_t bytes = std::ptrdiff_t{columns_.width()} * pixelBytes<Format>;
-        for (std::ptrdiff_t i = 0; i < bytes; i += cacheLine) prefetch(row, source_.rows.step + first + i);
+        for (std::ptrdiff_t i = 0; i < bytes; i += cacheLineBytes) prefetch(row, source_.rows.step + first + i);
     }
 
     void widen(const std::byte* row) {

@@ -264,10 +264,10 @@ std::ptrdiff_t exchange(std::byte* run, std::byte* other, std::ptrdiff_t bytes, 
         store(there, a, b);
         done += size;
     };
-    while (done + cacheLine <= bytes) {
+    while (done + cacheLineBytes <= bytes) {
         prefetch(run + done, ahead.run);
-        prefetch(partnerOf<order>(other, done, cacheLine), ahead.other);
-        for (std::ptrdiff_t i = 0; i < cacheLine; i += size) one();
+        prefetch(partnerOf<order>(other, done, cacheLineBytes), ahead.other);
+        for (std::ptrdiff_t i = 0; i < cacheLineBytes; i += size) one();
     }
     while (done + size <= bytes) one();
     return done;

@@ -34,7 +34,7 @@ void transposePlainly(const Piece& piece) {
     }
 }
 
-#if defined(ZOLIPP_SSE2)
+#if defined(ZOL_SSE2)
 
 /// Turns the 8 x 8 or 4 x 4 pixels that `load` gives row by row.
 template <typename Load, typename Store>
@@ -76,28 +76,28 @@ void transposeBlock(std::integral_constant<int, 4> /*bytes*/, Load load, Store s
 template <typename Format>
 void transposeTile(const Piece& tile) {
     constexpr int bytes = pixelBytes<Format>;
-    constexpr int side = static_cast<int>(cacheLine) / bytes;
+    constexpr int side = static_cast<int>(cacheLineBytes) / bytes;
     constexpr int block = static_cast<int>(sizeof(__m128i)) / bytes;
-    alignas(cacheLine) std::byte turned[static_cast<std::size_t>(side * cacheLine)];
+    alignas(cacheLineBytes) std::byte turned[static_cast<std::size_t>(side * cacheLineBytes)];
     for (int y = 0; y < side; y += block) {
         for (int x = 0; x < side; x += block) {
             transposeBlock(
                 std::integral_constant<int, bytes>{},
                 [&](int i) { return loadVector(tile.source.at(y + i) + x * bytes); },
-                [&](int i, __m128i pixels) { storeVector(turned + (x + i) * cacheLine + y * bytes, pixels); });
+                [&](int i, __m128i pixels) { storeVector(turned + (x + i) * cacheLineBytes + y * bytes, pixels); });
         }
     }
     for (int x = 0; x < side; ++x) {
         std::byte* to = tile.target.at(x);
-        const std::byte* from = turned + x * cacheLine;
-        for (std::ptrdiff_t i = 0; i < cacheLine; i += static_cast<std::ptrdiff_t>(sizeof(__m128i)))
+        const std::byte* from = turned + x * cacheLineBytes;
+        for (std::ptrdiff_t i = 0; i < cacheLineBytes; i += static_cast<std::ptrdiff_t>(sizeof(__m128i)))
             storeVector(to + i, loadVector(from + i));
     }
 }
 
 template <typename Format>
 void transposeFast(const Piece& piece) {
-    constexpr int side = static_cast<int>(cacheLine) / pixelBytes<Format>;
+    constexpr int side = static_cast<int>(cacheLineBytes) / pixelBytes<Format>;
     const int wholeWidth = piece.size.width / side * side;
     const int wholeHeight = piece.size.height / side * side;
     for (int y = 0; y < wholeHeight; y += side) {

@@ -9,7 +9,7 @@
 #include "zolcs/ccsbicubic.h"
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/display.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 #include "zolcs/resample/stopflag.h"
 
 #include <gtest/gtest.h>
@@ -75,11 +75,11 @@ void expectSameAsPlain(const ResamplerMembers<Resampler>& members, std::uint64_t
             CCs2dTrafo trafo = anyView(random, src, dst);
             const std::vector<unsigned char> before = dst.memory.all();
 
-            zolcs::SpanOperations::choose("plain");
+            zolcs::simd::choose("plain");
             ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
             const std::vector<unsigned char> expected = dst.memory.all();
             dst.memory.all() = before;
-            zolcs::SpanOperations::choose(variant);
+            zolcs::simd::choose(variant);
             ASSERT_EQ(member.call(resampler, src, dst, trafo), 255);
             ASSERT_TRUE(dst.memory.all() == expected)
                 << narrow(member.name) << " round " << round << ' ' << srcWidth << 'x' << src.getHeight() << " type "
@@ -115,7 +115,7 @@ void expectStopWithinABlock(const zolcs::DisplayToImage& matrix, const std::vect
         int written = 0;
         std::int32_t flag = 0;
         const RaisingTable convert{left, written, flag};
-        const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0);
+        const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::fineCubicWeights()}, 0x0FFF, 0);
         Filler filler(kernel, convert, zolcs::StopFlag(flag));
         std::vector<std::uint32_t> shown(static_cast<std::size_t>(size) * size);
         const zolcs::Display<std::uint32_t> display{{shown.data(), size}, 7};

@@ -1,7 +1,7 @@
 // Runs a check with the plain loops, the portable operations and everything that the processor has.
 #pragma once
 
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ namespace zoltest {
 class VariantGuard {
 public:
     VariantGuard() = default;
-    ~VariantGuard() { zolcs::SpanOperations::choose(""); }
+    ~VariantGuard() { zolcs::simd::choose(""); }
     VariantGuard(const VariantGuard&) = delete;
     VariantGuard& operator=(const VariantGuard&) = delete;
 };
@@ -22,9 +22,9 @@ public:
 template <typename Check>
 void forEachVariant(const Check& check) {
     const VariantGuard guard;
-    for (const std::string& variant : zolcs::SpanOperations::variants()) {
+    for (const std::string& variant : zolcs::simd::variants()) {
         SCOPED_TRACE(variant);
-        ASSERT_TRUE(zolcs::SpanOperations::choose(variant));
+        ASSERT_TRUE(zolcs::simd::choose(variant));
         check(variant);
         if (::testing::Test::HasFatalFailure()) return;
     }

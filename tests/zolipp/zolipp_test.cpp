@@ -145,16 +145,16 @@ TEST(LutPalette, FormsAgreeForEveryBitCount) {
                                   table.data(),
                                   static_cast<Ipp16u>((1U << bits) - 1U)};
         zolipp::lutPaletteScalar(job);
-        for (const bool bypass : {false, true}) {
+        for (const bool nonTemporal : {false, true}) {
             std::vector<std::byte> fast(4 * 131);
             job.destination = fast.data();
-            zolipp::lutPaletteFast(job, bypass);
+            zolipp::lutPaletteFast(job, nonTemporal);
             EXPECT_EQ(fast, scalar) << bits << " bits";
         }
     }
 }
 
-// Large enough that the primitive itself decides to bypass the cache.
+// Large enough that the primitive itself decides to nonTemporal the cache.
 TEST(LutPalette, LargeImageThroughThePrimitive) {
     zoltest::Random random(43);
     const auto table = randomTable(random, 65536);

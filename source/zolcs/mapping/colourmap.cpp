@@ -12,12 +12,13 @@ bool buildLevels(std::span<unsigned char> table, const Window& window, const Rep
     return true;
 }
 
-Columns columnsInCircle(const CCsCircularShutterInfo& circle, int line) {
-    // The whole line goes in, so that what a pixel shows does not depend on the segment that it is mapped with.
-    Columns columns = {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
-    const bool shown = circle.present == 0 ||
-                       CCsImageUtils::findCircleScanLineIntersectionPoints(circle, line, columns.first, columns.last);
-    return shown ? columns : Columns{0, -1};
+ColumnRange columnsInCircle(const CCsCircularShutterInfo& circle, int y) {
+    constexpr int most = std::numeric_limits<int>::max();
+    // The whole row goes in, so that what a pixel shows does not depend on the segment that it is mapped with.
+    int first = std::numeric_limits<int>::min();
+    int last = most;
+    if (circle.present != 0 && !CCsImageUtils::findCircleScanLineIntersectionPoints(circle, y, first, last)) return {};
+    return {first, last < most ? last + 1 : most};
 }
 
 }  // namespace zolcs::mapping

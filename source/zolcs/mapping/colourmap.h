@@ -1,13 +1,14 @@
 // The maps of colour channels. Their sample type, depth and reports are parameters; there is one implementation.
 #pragma once
 
+#include "platform/cache.h"
 #include "zolcs/ccsexport.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
 #include "zolcs/mapping/levelramp.h"
 #include "zolcs/mapping/windowlut.h"
 #include "zolcs/pixels/imagepair.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/view/spans.h"
 
 #include <algorithm>
 #include <array>
@@ -33,14 +34,8 @@ bool buildLevels(std::span<unsigned char> table, const Window& window, const Rep
 /// ORs a rendered bitmap into 32-bit pixels; the mark of blanked pixels clears them. Results as mergeDIBtoData.
 int burnIntoColours(CCsRaster& raster, const BITMAPINFO* dib);
 
-/// Columns [first, last] of a line; empty for first > last.
-struct Columns {
-    int first;
-    int last;
-};
-
-/// The part of a line that a circle lets through, ends included; all of it without a circle.
-Columns columnsInCircle(const CCsCircularShutterInfo& circle, int line);
+/// The columns of a row that a circle lets through; all of them without a circle.
+ColumnRange columnsInCircle(const CCsCircularShutterInfo& circle, int y);
 
 /// The pixels of a locked image of four channels a pixel.
 template <typename Channel>
@@ -61,8 +56,8 @@ void mapSpan(const Channel* from, unsigned char* to, std::int64_t pixels,
     for (std::int64_t i = 0; i < pixels; ++i, from += 4, to += 4) {
         // The processor's own prefetching stops at every page.
         if (i % pagePixels == 0 && i + pagePixels < pixels) {
-            prefetchStart(from + pagePixels * 4);
-            prefetchStart(to + pagePixels * 4);
+            zolplatform::prefetchRow(from + pagePixels * 4);
+            zolplatform::prefetchRow(to + pagePixels * 4);
         }
         const std::uint32_t pixel = level(first, from[0]) | level(second, from[1]) << 8U | level(third, from[2]) << 16U;
         std::memcpy(to, &pixel, sizeof pixel);  // one store takes less time than four of a byte
@@ -84,13 +79,13 @@ public:
         if (!acceptMemory(images, kind_.images)) return 0;
         CCsCircularShutterInfo circle;
         CCsImageUtils::findCircShutterInfo(circle, src);
-        const bool isLarge = std::int64_t{dst.getWidth()} * dst.getHeight() >= uncachedPixels;
+        const bool isLarge = zolplatform::isTooLargeForTheCache(std::int64_t{dst.getWidth()} * dst.getHeight() * 4);
         const LONG bottom = std::min<LONG>(segment.bottom, src.getHeight());
         const LONG right = std::min<LONG>(segment.right, src.getWidth());
         for (LONG y = std::max<LONG>(segment.top, 0); y < bottom; ++y) {
-            const Columns shown = columnsInCircle(circle, static_cast<int>(y));
-            const LONG begin = std::max<LONG>({segment.left, 0, shown.first});
-            const LONG end = shown.last < right ? shown.last + 1 : right;
+            const ColumnRange shown = columnsInCircle(circle, static_cast<int>(y));
+            const LONG begin = std::max<LONG>({segment.left, 0, shown.begin});
+            const LONG end = std::min<LONG>(shown.end, right);
             if (begin >= end) continue;
             show(channelsAt<Channel>(images.source(), src, begin, y),
                  channelsAt<unsigned char>(images.destination(), dst, begin, y), end - begin, isLarge);
@@ -134,16 +129,11 @@ protected:
     void makeStale() { lutValid_ = false; }
 
 private:
-    /// So many pixels would only push everything else out of the cache before anybody reads them.
-    static constexpr std::int64_t uncachedPixels = std::int64_t{1} << 20;
-    /// Shorter pieces of a row go through the cache: whole pages do not come together there.
-    static constexpr std::int64_t minimumBypassingPixels = 512;
-
     void show(const Channel* from, unsigned char* to, std::int64_t pixels, bool isLarge) const {
         // A table for bytes is small enough to be quick.
         if constexpr (std::is_same_v<Channel, std::uint16_t>) {
-            const bool bypassCache = isLarge && pixels >= minimumBypassingPixels;
-            if (ramp_ && fillLevelRamp(*ramp_, from, to, static_cast<std::size_t>(pixels), bypassCache)) return;
+            const bool nonTemporal = isLarge && pixels >= zolplatform::shortestNonTemporalRun;
+            if (ramp_ && fillLevelRamp(*ramp_, from, to, static_cast<std::size_t>(pixels), nonTemporal)) return;
         }
         mapSpan(from, to, pixels, lut_, lut_, lut_);
     }

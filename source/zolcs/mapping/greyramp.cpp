@@ -1,7 +1,7 @@
 #include "zolcs/mapping/greyramp.h"
 
 #include "zolcs/mapping/greyrampvectors.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <array>
 #include <cmath>
@@ -22,7 +22,7 @@ constexpr std::int64_t maximumShift = 0xFFFF;
 
 GreyRampFill vectorFill() {
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return vectorGreyRampFill();
+    if (simd::usesVectors()) return vectorGreyRampFill();
 #endif
     return nullptr;
 }
@@ -65,8 +65,8 @@ std::optional<GreyRamp> findGreyRamp(std::span<const std::uint32_t> table, const
 }
 
 void fillGreyRamp(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels, std::size_t count,
-                  bool bypassCache) {
-    vectorFill()(ramp, values, pixels, count, bypassCache);
+                  bool nonTemporal) {
+    vectorFill()(ramp, values, pixels, count, nonTemporal);
 }
 
 }  // namespace zolcs::mapping

@@ -33,9 +33,9 @@ struct GreyRamp {
 /// vectors that beat a table.
 std::optional<GreyRamp> findGreyRamp(std::span<const std::uint32_t> table, const Window& window, std::size_t depth);
 
-/// pixels[i] = ramp(values[i]). `bypassCache` is for more pixels than the cache is worth filling with. Only for a ramp
-/// that findGreyRamp has found.
+/// pixels[i] = ramp(values[i]), written with non-temporal stores where asked for. Only for a ramp that findGreyRamp has
+/// found.
 void fillGreyRamp(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels, std::size_t count,
-                  bool bypassCache);
+                  bool nonTemporal);
 
 }  // namespace zolcs::mapping

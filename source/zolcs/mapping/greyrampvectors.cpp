@@ -6,6 +6,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "platform/cache.h"
 #include "zolcs/mapping/greyrampvectors.h"
 
 #include <algorithm>
@@ -19,16 +20,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 /// A cache line of values.
 constexpr std::size_t blockPixels = 32;
-/// How far ahead of the work both sides are touched, and how often on the side of the pixels. The processor's own
-/// prefetching stops at every page, and a bypassing store that is the first to meet a page waits for its translation,
-/// which together takes as long as the work itself.
-constexpr std::size_t prefetchBytes = 4096;
-constexpr std::size_t pagePixels = 4096 / sizeof(std::uint32_t);
-
-/// Tells the processor that something will be needed soon. As a number: the address may lie beyond the image.
-inline void touchAhead(const void* position) {
-    hwy::Prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(position) + prefetchBytes));
-}
+/// Pixels of a page, on the side where they are written.
+constexpr std::size_t pagePixels = zolplatform::pageBytes / sizeof(std::uint32_t);
 
 class Ramp {
 public:
@@ -60,15 +53,15 @@ public:
         std::transform(values + whole, values + count, out + whole, ramp_);
     }
 
-    void fillPastCache(const std::uint16_t* values, std::uint32_t* out, std::size_t count) const {
+    void fillNonTemporal(const std::uint16_t* values, std::uint32_t* out, std::size_t count) const {
         constexpr std::size_t alignment = HWY_MAX_BYTES;
         const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(out) % alignment;
         const std::size_t first = std::min(count, (alignment - misaligned) % alignment / sizeof(std::uint32_t));
         fill(values, out, first);
         std::size_t i = first;
         for (; i + blockPixels <= count; i += blockPixels) {
-            touchAhead(values + i);
-            if ((i - first) % pagePixels == 0) touchAhead(out + i);
+            zolplatform::prefetch(values + i, zolplatform::pageBytes);
+            if ((i - first) % pagePixels == 0) zolplatform::prefetch(out + i, zolplatform::pageBytes);
             for (std::size_t k = i; k < i + blockPixels; k += lanes()) {
                 pixels(values + k, [&](std::size_t n, auto v) { hn::Stream(v, D32{}, out + k + n); });
             }
@@ -99,9 +92,9 @@ private:
 };
 
 void fillRamp(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels, std::size_t count,
-              bool bypassCache) {
-    if (bypassCache) {
-        Ramp(ramp).fillPastCache(values, pixels, count);
+              bool nonTemporal) {
+    if (nonTemporal) {
+        Ramp(ramp).fillNonTemporal(values, pixels, count);
     } else {
         Ramp(ramp).fill(values, pixels, count);
     }

@@ -9,7 +9,7 @@
 namespace zolcs::mapping {
 
 using GreyRampFill = void (*)(const GreyRamp& ramp, const std::uint16_t* values, std::uint32_t* pixels,
-                              std::size_t count, bool bypassCache);
+                              std::size_t count, bool nonTemporal);
 
 /// fillGreyRamp for this processor; null where a table is quicker.
 GreyRampFill vectorGreyRampFill();

@@ -1,7 +1,7 @@
 #include "zolcs/mapping/levelramp.h"
 
 #include "zolcs/mapping/levelrampvectors.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <bit>
 #include <cstdlib>
@@ -26,9 +26,9 @@ std::optional<LevelRamp> LevelRamp::of(const Window& window, std::size_t entries
 
 bool fillLevelRamp([[maybe_unused]] const LevelRamp& ramp, [[maybe_unused]] const std::uint16_t* channels,
                    [[maybe_unused]] unsigned char* levels, [[maybe_unused]] std::size_t pixels,
-                   [[maybe_unused]] bool bypassCache) {
+                   [[maybe_unused]] bool nonTemporal) {
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return levelvectors::fill(ramp, channels, levels, pixels, bypassCache);
+    if (simd::usesVectors()) return levelvectors::fill(ramp, channels, levels, pixels, nonTemporal);
 #endif
     return false;
 }

@@ -32,8 +32,8 @@ struct LevelRamp {
 };
 
 /// Maps that many pixels of four channels to three levels and a 0; false, with nothing done, where the processor looks
-/// levels up as fast. `bypassCache` is for more pixels than the cache is worth filling with.
+/// levels up as fast. Written with non-temporal stores where asked for.
 bool fillLevelRamp(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels, std::size_t pixels,
-                   bool bypassCache);
+                   bool nonTemporal);
 
 }  // namespace zolcs::mapping

@@ -6,6 +6,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "platform/cache.h"
 #include "zolcs/mapping/levelrampvectors.h"
 
 #include <algorithm>
@@ -19,15 +20,6 @@ namespace zolcs::mapping::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::size_t channelsOfPixel = 4;
-/// How far ahead of the work both sides are touched: the processor's own prefetching stops at every page, and a
-/// bypassing store that is the first to meet a page waits for its translation.
-constexpr std::size_t prefetchBytes = 4096;
-constexpr std::size_t pageBytes = 4096;
-
-inline void touchAhead(const void* position) {
-    // As a number: the address may lie beyond the image.
-    hwy::Prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(position) + prefetchBytes));
-}
 
 class LevelFiller {
 public:
@@ -37,7 +29,7 @@ public:
         fillVectors(from, to, pixels, [](auto shown, unsigned char* at) HWY_ATTR { hn::StoreU(shown, Levels{}, at); });
     }
 
-    void fillPastCache(const std::uint16_t* from, unsigned char* to, std::size_t pixels) const {
+    void fillNonTemporal(const std::uint16_t* from, unsigned char* to, std::size_t pixels) const {
         const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(to) % lanes();
         if (misaligned % channelsOfPixel != 0) return fill(from, to, pixels);
         const std::size_t first = std::min(pixels, (lanes() - misaligned) % lanes() / channelsOfPixel);
@@ -59,8 +51,8 @@ private:
         const std::size_t end = pixels * channelsOfPixel;
         std::size_t i = 0;
         for (; i + lanes() <= end; i += lanes()) {
-            touchAhead(from + i);
-            if (i % pageBytes == 0) touchAhead(to + i);
+            zolplatform::prefetch(from + i, zolplatform::pageBytes);
+            if (i % zolplatform::pageBytes == 0) zolplatform::prefetch(to + i, zolplatform::pageBytes);
             store(levels(from + i), to + i);
         }
         fillPlainly(from + i, to + i, (end - i) / channelsOfPixel);
@@ -94,9 +86,9 @@ private:
 };
 
 bool fillLevels(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels, std::size_t pixels,
-                bool bypassCache) {
+                bool nonTemporal) {
     const LevelFiller filler(ramp);
-    bypassCache ? filler.fillPastCache(channels, levels, pixels) : filler.fill(channels, levels, pixels);
+    nonTemporal ? filler.fillNonTemporal(channels, levels, pixels) : filler.fill(channels, levels, pixels);
     return true;
 }
 
@@ -104,7 +96,7 @@ bool fillLevels(const LevelRamp& ramp, const std::uint16_t* channels, unsigned c
 
 // Vectors of two pixels take as long as loads from a table.
 bool fillLevels(const LevelRamp& /*ramp*/, const std::uint16_t* /*channels*/, unsigned char* /*levels*/,
-                std::size_t /*pixels*/, bool /*bypassCache*/) {
+                std::size_t /*pixels*/, bool /*nonTemporal*/) {
     return false;
 }
 
@@ -121,8 +113,8 @@ HWY_EXPORT(fillLevels);
 }
 
 bool levelvectors::fill(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels, std::size_t pixels,
-                        bool bypassCache) {
-    return HWY_DYNAMIC_DISPATCH(fillLevels)(ramp, channels, levels, pixels, bypassCache);
+                        bool nonTemporal) {
+    return HWY_DYNAMIC_DISPATCH(fillLevels)(ramp, channels, levels, pixels, nonTemporal);
 }
 
 }  // namespace zolcs::mapping

@@ -10,6 +10,6 @@ namespace zolcs::mapping::levelvectors {
 
 /// fillLevelRamp in the chosen variant.
 bool fill(const LevelRamp& ramp, const std::uint16_t* channels, unsigned char* levels, std::size_t pixels,
-          bool bypassCache);
+          bool nonTemporal);
 
 }  // namespace zolcs::mapping::levelvectors

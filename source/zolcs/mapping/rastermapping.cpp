@@ -1,11 +1,11 @@
 #include "zolcs/mapping/rastermapping.h"
 
-#include <algorithm>
-#include <limits>
-
-#include "zolcs/resample/spanoperations.h"
+#include "platform/cache.h"
 #include "zolcs/support/parallel.h"
 #include "zolipp/zolipp.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace zolcs::mapping {
 
@@ -19,14 +19,6 @@ constexpr std::int64_t maximumRowPixels = std::int64_t{1} << 28;
 
 /// A thread is not worth its start for fewer pixels.
 constexpr std::int64_t minimumBandPixels = std::int64_t{1} << 17;
-
-/// From so many pixels on it is worth finding out whether the table can be computed; and their destination would only
-/// push everything else out of the cache before anybody reads it.
-constexpr std::int64_t minimumComputedPixels = std::int64_t{1} << 20;
-
-/// Shorter pieces of a row, between what shutters and planes show, go through the cache: whole pages do not come
-/// together there.
-constexpr std::int64_t minimumBypassingPixels = 512;
 
 }  // namespace
 
@@ -75,13 +67,13 @@ void RasterMapping::run(const RECT& area, const Window& window, std::size_t dept
 }
 
 void RasterMapping::mapBand(const RECT& area, int top, int bottom) const {
-    if (rules_.positionsAreFree() && std::max(sourcePitch_, destinationPitch_) <= maximumRowPixels) {
+    if (rules_.empty() && std::max(sourcePitch_, destinationPitch_) <= maximumRowPixels) {
         show(area.left, top, area.right - area.left, bottom - top);
         return;
     }
     PixelRuns runs;
     for (int y = top; y < bottom; ++y) {
-        rules_.cut(PixelRules::wholeRasterLine(y), {static_cast<int>(area.left), static_cast<int>(area.right)}, runs);
+        rules_.cut(PixelRules::wholeRasterRow(y), {static_cast<int>(area.left), static_cast<int>(area.right)}, runs);
         mapRow(y, runs);
     }
 }
@@ -108,7 +100,8 @@ bool RasterMapping::mayCompute(const RECT& area) const {
     const std::int64_t pixels = (std::int64_t{area.right} - area.left) * (std::int64_t{area.bottom} - area.top);
     const bool aligned = reinterpret_cast<std::uintptr_t>(source_) % sizeof(std::uint16_t) == 0 &&
                          reinterpret_cast<std::uintptr_t>(destination_) % sizeof(std::uint32_t) == 0;
-    return aligned && pixels >= minimumComputedPixels;
+    // For so many pixels it is worth finding out whether the table can be computed.
+    return aligned && zolplatform::isTooLargeForTheCache(pixels * 4);
 }
 
 void RasterMapping::show(std::int64_t x, std::int64_t y, std::int64_t columns, std::int64_t rows) const {
@@ -126,7 +119,7 @@ void RasterMapping::compute(std::int64_t x, std::int64_t y, std::int64_t columns
     }
     for (const std::int64_t bottom = y + rows; y < bottom; ++y) {
         fillGreyRamp(*ramp_, sourceAt(x, y), destinationAt(x, y), static_cast<std::size_t>(columns),
-                     columns >= minimumBypassingPixels);
+                     columns >= zolplatform::shortestNonTemporalRun);
     }
 }
 
@@ -145,8 +138,8 @@ void RasterMapping::cover(int y, const PixelRun& run) const {
     std::uint32_t* const begin = destinationAt(run.begin, y);
     std::uint32_t* const end = destinationAt(run.end, y);
     if (embedded == nullptr) {
-        if (ramp_.has_value() && end - begin >= minimumBypassingPixels) {
-            fillPastCache(begin, static_cast<std::size_t>(end - begin), run.colour);
+        if (ramp_.has_value() && end - begin >= zolplatform::shortestNonTemporalRun) {
+            zolplatform::fillNonTemporal(begin, static_cast<std::size_t>(end - begin), run.colour);
         } else {
             std::fill(begin, end, run.colour);
         }

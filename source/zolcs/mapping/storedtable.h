@@ -1,7 +1,6 @@
 // The copy of a look-up table that a host hands to a value map, and where the maps take their memory from.
 #pragma once
 
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

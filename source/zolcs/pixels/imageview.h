@@ -13,14 +13,14 @@ struct Rgb24 {
 };
 static_assert(sizeof(Rgb24) == 3 && alignof(Rgb24) == 1);
 
-/// Lines of pixels of one type; `pitch` counts pixels.
+/// Rows of pixels of one type; `pitch` counts pixels.
 template <typename Pixel>
 class ImageView {
 public:
     template <typename Byte>
     ImageView(Byte* origin, int pitch) : origin_(reinterpret_cast<Pixel*>(origin)), pitch_(pitch) {}
 
-    [[nodiscard]] Pixel* line(std::int64_t y) const { return origin_ + static_cast<std::ptrdiff_t>(y) * pitch_; }
+    [[nodiscard]] Pixel* row(std::int64_t y) const { return origin_ + static_cast<std::ptrdiff_t>(y) * pitch_; }
     [[nodiscard]] std::ptrdiff_t pitch() const { return pitch_; }
 
 private:

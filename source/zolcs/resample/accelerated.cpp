@@ -69,7 +69,7 @@ private:
     bool mirrored_ = false;
 };
 
-/// Bytes from line to line; 0, which every primitive refuses, where they do not fit.
+/// Bytes from row to row; 0, which every primitive refuses, where they do not fit.
 int stepOf(int pitch, int bytes) {
     const std::int64_t step = std::int64_t{pitch} * bytes;
     return step <= std::numeric_limits<int>::max() ? static_cast<int>(step) : 0;
@@ -91,7 +91,7 @@ struct Pixels {
 template <typename Pixel>
 void fill(unsigned char* origin, const CCsImage& image, Pixel value) {
     const ImageView<Pixel> view(origin, image.getPitch());
-    for (int y = 0; y < image.getHeight(); ++y) std::fill_n(view.line(y), std::max(image.getWidth(), 0), value);
+    for (int y = 0; y < image.getHeight(); ++y) std::fill_n(view.row(y), std::max(image.getWidth(), 0), value);
 }
 
 /// Grey as it is, colour with the same value in all three bytes.
@@ -111,8 +111,8 @@ void limitTo12Bits(unsigned char* origin, const CCsImage& image) {
     constexpr std::uint16_t largest = 0x0FFF;
     const ImageView<std::uint16_t> view(origin, image.getPitch());
     for (int y = 0; y < image.getHeight(); ++y) {
-        std::uint16_t* const line = view.line(y);
-        for (int x = 0; x < image.getWidth(); ++x) line[x] = std::min(line[x], largest);
+        std::uint16_t* const row = view.row(y);
+        for (int x = 0; x < image.getWidth(); ++x) row[x] = std::min(row[x], largest);
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zolcs/ccsraster.h"
+#include "zolcs/resample/member.h"
 #include "zolcs/resample/memberreports.h"
 #include "zolipp/zolipp.h"
 
@@ -96,13 +97,13 @@ struct AcceleratedCall {
 template <typename Sample>
 int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call);
 
-/// A member's whole call; `prepare()` sets the transformation's sizes.
-template <typename Sample, typename Prepare>
-int runAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call, const Prepare& prepare) {
+/// A member's whole call.
+template <typename Sample, typename Resampler>
+int runAccelerated(Resampler& resampler, const AcceleratedMember<Sample>& member, const AcceleratedCall& call) {
     using Pixels = Primitives<Sample>;
     if (!Pixels::take(call.src.getType()) || !Pixels::take(call.dst.getType())) return member.reports.wrongType();
     try {
-        prepare();
+        ResamplerAccess::prepare(resampler, call.src, call.dst, call.trafo);
         return drawAccelerated(member, call);
     } catch (...) {
         return member.reports.exception();

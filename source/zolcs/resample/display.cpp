@@ -1,6 +1,8 @@
 #include "zolcs/resample/display.h"
 
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/transpose.h"
+#include "zolcs/simd/variant.h"
+#include "zolcs/view/displayrows.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,14 +15,13 @@ namespace {
 template <typename Pixel>
 bool fillRows(const Stepping& stepping, const Display<Pixel>& display, SpanFiller<Pixel>& filler) {
     filler.beginView(stepping);
-    return walkRows(stepping, [&](int y, const SourceLine& row, Span span) {
-        display.fillBackground(y, 0, span.begin());
-        const ColumnRange columns{span.begin(), span.end()};
-        if (!columns.empty()) {
-            filler.beginColumns(columns);
-            if (!filler.fill(row, columns, display.image.line(y) + columns.begin)) return false;
+    return walkRows(stepping, [&](const DisplayRow& row, ColumnRange span) {
+        display.fillBackground(row.y, 0, span.begin);
+        if (!span.empty()) {
+            filler.beginColumns(span);
+            if (!filler.fill(row, span, display.image.row(row.y) + span.begin)) return false;
         }
-        display.fillBackground(y, span.end(), stepping.width);
+        display.fillBackground(row.y, span.end, stepping.width);
         return true;
     });
 }
@@ -37,13 +38,13 @@ bool fillStrips(const Stepping& stepping, const Display<Pixel>& display, SpanFil
     // In a quarter turn the span is the same in all rows that have one, and those rows follow one another.
     ColumnRange rows;
     ColumnRange columns;
-    walkRows(stepping, [&](int y, const SourceLine&, Span span) {
-        display.fillBackground(y, 0, span.begin());
-        display.fillBackground(y, span.end(), stepping.width);
+    walkRows(stepping, [&](const DisplayRow& row, ColumnRange span) {
+        display.fillBackground(row.y, 0, span.begin);
+        display.fillBackground(row.y, span.end, stepping.width);
         if (span.empty()) return true;
-        if (rows.empty()) rows.begin = y;
-        rows.end = y + 1;
-        columns = {span.begin(), span.end()};
+        if (rows.empty()) rows.begin = row.y;
+        rows.end = row.y + 1;
+        columns = span;
         return true;
     });
 
@@ -57,10 +58,10 @@ bool fillStrips(const Stepping& stepping, const Display<Pixel>& display, SpanFil
             filler.beginColumns({top, bottom});
             for (int x = left; x < right; ++x) {
                 Pixel* out = tile.data() + static_cast<std::ptrdiff_t>(x - left) * tilePitch;
-                if (!filler.fill(turned.line(x), {top, bottom}, out)) return false;
+                if (!filler.fill(turned.row(x), {top, bottom}, out)) return false;
             }
-            transposeTile(tile.data(), {tilePitch, right - left, bottom - top, display.image.pitch()},
-                          display.image.line(top) + left);
+            simd::transposeTile(tile.data(), {tilePitch, right - left, bottom - top, display.image.pitch()},
+                                display.image.row(top) + left);
         }
     }
     return true;
@@ -70,7 +71,7 @@ bool fillStrips(const Stepping& stepping, const Display<Pixel>& display, SpanFil
 
 template <typename Pixel>
 bool fillDisplay(const Stepping& stepping, const Display<Pixel>& display, SpanFiller<Pixel>& filler) {
-    const bool strips = stepping.isQuarterTurn() && !stepping.isUpright() && !SpanOperations::isPlain();
+    const bool strips = stepping.isQuarterTurn() && !stepping.isUpright() && !simd::isPlain();
     return strips ? fillStrips(stepping, display, filler) : fillRows(stepping, display, filler);
 }
 

@@ -16,18 +16,9 @@ struct Display {
     Pixel background;
 
     void fillBackground(int y, int begin, int end) const {
-        if (begin < end) std::fill(image.line(y) + begin, image.line(y) + end, background);
+        if (begin < end) std::fill(image.row(y) + begin, image.row(y) + end, background);
     }
 };
-
-/// Calls visit(y, row, span) for every display row, top down; stops and returns false when the visitor does.
-template <typename Visitor>
-bool walkRows(const Stepping& stepping, Visitor&& visit) {
-    for (int y = 0; y < stepping.height; ++y) {
-        if (!visit(y, stepping.line(y), stepping.span(y))) return false;
-    }
-    return true;
-}
 
 /// Fills a display, along the source's rows as far as the view allows. False when the filler stopped: what it had
 /// written stays, which is whole rows from the top or, in a quarter turn, whole strips of columns from the left.

@@ -53,9 +53,29 @@ bool drawMapped(const MemberCall& call, const GreyDisplayArguments& arguments, c
     if (const std::uint32_t* colours = rules.embeddedColours(); colours != nullptr) {
         filler = std::make_unique<EmbeddedFiller>(std::move(filler), colours, raw);
     }
-    if (!rules.positionsAreFree()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, raw);
+    if (!rules.empty()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, raw);
     filler = polled(std::move(filler), polling.rows);
     return fillDisplay(call.stepping, displayOf(call, arguments.background), *filler);
+}
+
+/// What a member that interpolates colours was given.
+struct ColourArguments {
+    MemberArguments images;
+    bool tablesGiven;
+    unsigned long background;
+};
+
+/// Such a member's whole call: `kernelOf(call)` gives its kernel, `convertOf()` what makes display pixels of its
+/// values.
+template <typename Resampler, typename KernelOf, typename ConvertOf>
+int resampleColours(Resampler& resampler, const MemberReports& reports, const ColourArguments& arguments,
+                    const Polling& polling, const KernelOf& kernelOf, const ConvertOf& convertOf) {
+    const auto& [src, dst, trafo] = arguments.images;
+    const bool typesFit = src.getType() == CCS_RGB8 && dst.getType() == CCS_RGB8;
+    const MemberChecks checks{typesFit, arguments.tablesGiven, polling.rows.isRaised()};
+    return runMember(resampler, reports, arguments.images, checks, [&](const MemberCall& call) {
+        return draw(call, static_cast<std::uint32_t>(arguments.background), kernelOf(call), convertOf(), polling);
+    });
 }
 
 }  // namespace zolcs

@@ -3,13 +3,12 @@
 
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/bilinear/bilinear.h"
-#include "zolcs/resample/kernels.h"
 #include "zolcs/resample/nearest/nearestfiller.h"
-#include "zolcs/resample/oblique/oblique.h"
+#include "zolcs/resample/oblique/obliquefiller.h"
 #include "zolcs/resample/plainfiller.h"
 #include "zolcs/resample/spanfiller.h"
 #include "zolcs/resample/stopflag.h"
-#include "zolcs/resample/upright/separable.h"
+#include "zolcs/resample/upright/uprightfiller.h"
 
 #include <array>
 #include <memory>
@@ -55,21 +54,22 @@ struct Fillers<NearestKernel<Sample>, Convert>
 
 template <typename Convert>
 struct Fillers<BilinearGrey, Convert>
-    : FillerTable<BilinearGrey, Convert, SeparableFiller<BilinearGrey12Lines, Convert>,
-                  SeparableFiller<BilinearGrey16Lines, Convert>, ObliqueFiller<BilinearGrey, Convert>> {};
+    : FillerTable<BilinearGrey, Convert, UprightFiller<BilinearGrey12Rows, Convert>,
+                  UprightFiller<BilinearGrey16Rows, Convert>, ObliqueFiller<BilinearGrey, Convert>> {};
 
 template <typename Convert>
-struct Fillers<BilinearRgb, Convert> : FillerTable<BilinearRgb, Convert, SeparableFiller<BilinearRgbLines, Convert>,
-                                                   ObliqueFiller<BilinearRgb, Convert>> {};
+struct Fillers<BilinearRgb, Convert>
+    : FillerTable<BilinearRgb, Convert, UprightFiller<BilinearRgbRows, Convert>, ObliqueFiller<BilinearRgb, Convert>> {
+};
 
 template <typename Convert>
 struct Fillers<CubicGrey, Convert>
-    : FillerTable<CubicGrey, Convert, SeparableFiller<CubicGrey12Lines, Convert>,
-                  SeparableFiller<CubicGrey16Lines, Convert>, ObliqueFiller<CubicGrey, Convert>> {};
+    : FillerTable<CubicGrey, Convert, UprightFiller<CubicGrey12Rows, Convert>, UprightFiller<CubicGrey16Rows, Convert>,
+                  ObliqueFiller<CubicGrey, Convert>> {};
 
 template <typename Convert>
 struct Fillers<CubicRgb, Convert>
-    : FillerTable<CubicRgb, Convert, SeparableFiller<CubicRgbLines, Convert>, ObliqueFiller<CubicRgb, Convert>> {};
+    : FillerTable<CubicRgb, Convert, UprightFiller<CubicRgbRows, Convert>, ObliqueFiller<CubicRgb, Convert>> {};
 
 /// The first filler that is usable for a view. The conversion must outlive it.
 template <typename Kernel, typename Convert>

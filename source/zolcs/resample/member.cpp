@@ -1,26 +1,25 @@
 #include "zolcs/resample/member.h"
 
-#include "zolcs/pixels/pixelsize.h"
-
 #include "zolcs/ccsmap.h"
-#include "zolcs/pixels/imageview.h"
+#include "zolcs/pixels/pixelsize.h"
+#include "zolcs/support/conversion.h"
 
 #include <algorithm>
 
 namespace zolcs {
 
-Stepping prepareStepping(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, const SteppingFields& fields) {
+Stepping prepareStepping(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, SteppingFields& fields) {
     trafo.setSizes(src, dst);
     DisplayToImage m{};
     trafo.getTransformation(m[0], m[1], m[2], m[3], m[4], m[5]);
-    fields.stepXu = saturated32(m[0] * 65536.0);
-    fields.stepXv = saturated32(m[1] * 65536.0);
-    fields.stepYu = saturated32(m[2] * 65536.0);
-    fields.stepYv = saturated32(m[3] * 65536.0);
-    fields.originU = saturated32(m[4] * 65536.0);
-    fields.originV = saturated32(m[5] * 65536.0);
-    fields.srcLimitU = saturated32(src.getWidth() * fixed16One);
-    fields.srcLimitV = saturated32(src.getHeight() * fixed16One);
+    fields.stepXu = truncated(m[0] / fixed16Unit);
+    fields.stepXv = truncated(m[1] / fixed16Unit);
+    fields.stepYu = truncated(m[2] / fixed16Unit);
+    fields.stepYv = truncated(m[3] / fixed16Unit);
+    fields.originU = truncated(m[4] / fixed16Unit);
+    fields.originV = truncated(m[5] / fixed16Unit);
+    fields.srcLimitU = saturated(src.getWidth() * fixed16One);
+    fields.srcLimitV = saturated(src.getHeight() * fixed16One);
     fields.srcPitch = src.getPitch();
     fields.dstWidth = dst.getWidth();
     fields.dstHeight = dst.getHeight();

@@ -3,6 +3,8 @@
 
 #include "zolcs/ccs2dtrafo.h"
 #include "zolcs/ccsimage.h"
+#include "zolcs/ccsresults.h"
+#include "zolcs/ccssteppingfields.h"
 #include "zolcs/pixels/imagelock.h"
 #include "zolcs/resample/memberreports.h"
 #include "zolcs/view/stepping.h"
@@ -14,25 +16,16 @@ class IGreyMap;
 
 namespace zolcs {
 
-/// The fields in which every resampler shows the call that it has prepared, saturated where 32 bits do not hold a
-/// value.
-struct SteppingFields {
-    std::int32_t& stepXu;
-    std::int32_t& stepXv;
-    std::int32_t& stepYu;
-    std::int32_t& stepYv;
-    std::int32_t& originU;
-    std::int32_t& originV;
-    std::int32_t& srcLimitU;
-    std::int32_t& srcLimitV;
-    std::int32_t& srcPitch;
-    std::int32_t& dstWidth;
-    std::int32_t& dstHeight;
-    std::int32_t& dstPitch;
-};
-
 /// Sets the transformation's sizes, fills the fields and gives the stepping that the loops use.
-Stepping prepareStepping(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, const SteppingFields& fields);
+Stepping prepareStepping(CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo, SteppingFields& fields);
+
+/// The resamplers' friend, through which the members' common code prepares a call.
+struct ResamplerAccess {
+    template <typename Resampler>
+    static Stepping prepare(Resampler& resampler, CCsImage& src, CCsImage& dst, CCs2dTrafo& trafo) {
+        return resampler.adaptTransformation_(src, dst, trafo);
+    }
+};
 
 /// True when source and destination have pixels of these sizes.
 bool pixelSizesAre(const CCsImage& src, const CCsImage& dst, int sourceBytes, int destinationBytes);
@@ -59,21 +52,28 @@ struct MemberCall {
     const CCsImage& dst;
 };
 
-/// `prepare()` gives the stepping; `draw(call)` fills the destination, or gives false when it was told to stop. 255, or
-/// 0 after a report or a stop.
-template <typename Prepare, typename Draw>
-int runMember(const MemberReports& reports, const MemberChecks& checks, CCsImage& src, CCsImage& dst,
-              const Prepare& prepare, const Draw& draw) {
-    constexpr int done = 255;
+/// The images and the view that a member was given.
+struct MemberArguments {
+    CCsImage& src;
+    CCsImage& dst;
+    CCs2dTrafo& trafo;
+};
+
+/// A member's whole call; `draw(call)` fills the destination, or gives false when it was told to stop. CCS_DONE, or
+/// CCS_FAILED after a report or a stop.
+template <typename Resampler, typename Draw>
+int runMember(Resampler& resampler, const MemberReports& reports, const MemberArguments& arguments,
+              const MemberChecks& checks, const Draw& draw) {
+    const auto& [src, dst, trafo] = arguments;
     if (!checks.types) return reports.wrongType();
     if (!checks.tables) return reports.noTable();
-    if (checks.stopped) return 0;
+    if (checks.stopped) return CCS_FAILED;
     try {
-        const Stepping stepping = prepare();
+        const Stepping stepping = ResamplerAccess::prepare(resampler, src, dst, trafo);
         const ImagePairLock lock(src, dst);
         if (lock.source() == nullptr) return reports.noSource();
         if (lock.destination() == nullptr) return reports.noDestination();
-        return draw(MemberCall{stepping, lock, src, dst}) ? done : 0;
+        return draw(MemberCall{stepping, lock, src, dst}) ? CCS_DONE : CCS_FAILED;
     } catch (...) {
         return reports.exception();
     }

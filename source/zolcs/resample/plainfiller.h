@@ -29,7 +29,7 @@ public:
     void beginView(const Stepping& /*stepping*/) override {}
     void beginColumns(ColumnRange /*columns*/) override {}
 
-    bool fill(const SourceLine& row, ColumnRange columns, Pixel* out) override {
+    bool fill(const DisplayRow& row, ColumnRange columns, Pixel* out) override {
         const StopFlag stop = stop_;
         Fixed16 u = row.uAt(columns.begin);
         Fixed16 v = row.vAt(columns.begin);

@@ -24,7 +24,7 @@ class PollingFiller final : public FillerLayer<Pixel> {
 public:
     PollingFiller(SpanFillerPtr<Pixel> below, StopFlag stop) : FillerLayer<Pixel>(std::move(below)), stop_(stop) {}
 
-    bool fill(const SourceLine& row, ColumnRange columns, Pixel* out) override {
+    bool fill(const DisplayRow& row, ColumnRange columns, Pixel* out) override {
         return !stop_.isRaised() && this->below().fill(row, columns, out);
     }
 

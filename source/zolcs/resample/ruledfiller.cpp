@@ -4,7 +4,7 @@
 
 namespace zolcs {
 
-bool EmbeddedFiller::fill(const SourceLine& row, ColumnRange columns, std::uint32_t* out) {
+bool EmbeddedFiller::fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) {
     if (!below().fill(row, columns, out)) return false;
     for (int x = columns.begin; x < columns.end; ++x, ++out) {
         const unsigned bits = raw_(row.uAt(x), row.vAt(x)) >> 12U;
@@ -13,7 +13,7 @@ bool EmbeddedFiller::fill(const SourceLine& row, ColumnRange columns, std::uint3
     return true;
 }
 
-bool RuledFiller::fill(const SourceLine& row, ColumnRange columns, std::uint32_t* out) {
+bool RuledFiller::fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) {
     const auto isShort = [](const PixelRun& run) { return run.end - run.begin < 32; };
     rules_.cutCovers(row, columns, runs_);
     for (auto run = runs_.begin(); run != runs_.end();) {
@@ -38,7 +38,7 @@ bool RuledFiller::fill(const SourceLine& row, ColumnRange columns, std::uint32_t
     return true;
 }
 
-void RuledFiller::paint(const SourceLine& row, const PixelRun& run, std::uint32_t* out) const {
+void RuledFiller::paint(const DisplayRow& row, const PixelRun& run, std::uint32_t* out) const {
     const std::uint32_t* embedded = rules_.embeddedColours();
     if (embedded == nullptr) {
         std::fill_n(out, run.end - run.begin, run.colour);

@@ -1,7 +1,7 @@
 // What lies above an image's values: shutters, padding and overlay planes; embedded overlay bits.
 #pragma once
 
-#include "zolcs/resample/kernels.h"
+#include "zolcs/resample/nearest/nearestkernel.h"
 #include "zolcs/resample/spanfiller.h"
 #include "zolcs/rules/pixelrules.h"
 
@@ -16,7 +16,7 @@ public:
     EmbeddedFiller(SpanFillerPtr<std::uint32_t> below, const std::uint32_t* colours, NearestKernel<std::uint16_t> raw)
         : FillerLayer(std::move(below)), colours_(colours), raw_(raw) {}
 
-    bool fill(const SourceLine& row, ColumnRange columns, std::uint32_t* out) override;
+    bool fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) override;
 
 private:
     const std::uint32_t* colours_;
@@ -31,10 +31,10 @@ public:
     RuledFiller(SpanFillerPtr<std::uint32_t> below, const PixelRules& rules, NearestKernel<std::uint16_t> raw)
         : FillerLayer(std::move(below)), rules_(rules), raw_(raw) {}
 
-    bool fill(const SourceLine& row, ColumnRange columns, std::uint32_t* out) override;
+    bool fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) override;
 
 private:
-    void paint(const SourceLine& row, const PixelRun& run, std::uint32_t* out) const;
+    void paint(const DisplayRow& row, const PixelRun& run, std::uint32_t* out) const;
 
     const PixelRules& rules_;
     NearestKernel<std::uint16_t> raw_;

@@ -27,7 +27,7 @@ public:
 
     /// Writes the pixels of `columns` to `out`, which is the place of the first one. False when the call was told to
     /// stop; then any of these pixels may be missing.
-    virtual bool fill(const SourceLine& row, ColumnRange columns, Pixel* out) = 0;
+    virtual bool fill(const DisplayRow& row, ColumnRange columns, Pixel* out) = 0;
 };
 
 template <typename Pixel>

@@ -70,18 +70,18 @@ public:
         left_ = (reachU_ + 1 + tilesOfWord - 1) / tilesOfWord * tilesOfWord;
         top_ = reachV_ + 1;
         words_ = (left_ + wholeTiles(plane.columns()) + 2 * reachU_ + tilesOfWord + 63) / 64;
-        lines_ = top_ + wholeTiles(plane.rows()) + 2 * reachV_ + 2;
+        rows_ = top_ + wholeTiles(plane.rows()) + 2 * reachV_ + 2;
         originU_ = plane.left() * fixed16One - (left_ + reachU_) * tile;
         originV_ = plane.top() * fixed16One - (top_ + reachV_) * tile;
     }
 
     /// Positions have to fit 31 bits; the tests read bytes.
     [[nodiscard]] bool fits() const {
-        return words_ * 64 < 0x8000 && lines_ < 0x8000 && std::endian::native == std::endian::little;
+        return words_ * 64 < 0x8000 && rows_ < 0x8000 && std::endian::native == std::endian::little;
     }
 
     void gather(const BitPlane& plane) {
-        const auto tiles = static_cast<std::size_t>(words_ * lines_);
+        const auto tiles = static_cast<std::size_t>(words_ * rows_);
         set_.assign(tiles, 0);
         clear_.assign(tiles, ~std::uint64_t{0});
         gatherTiles(plane);
@@ -90,15 +90,15 @@ public:
     }
 
     /// Bit i tells about the piece whose middle is that of the first one and i steps on.
-    [[nodiscard]] std::uint64_t maySet(const SourceLine& middles) const { return ask(set_, middles); }
-    [[nodiscard]] std::uint64_t mayClear(const SourceLine& middles) const {
+    [[nodiscard]] std::uint64_t maySet(const DisplayRow& middles) const { return ask(set_, middles); }
+    [[nodiscard]] std::uint64_t mayClear(const DisplayRow& middles) const {
         return someAreFull_ ? ask(clear_, middles) : ~std::uint64_t{0};
     }
 
     static constexpr int tileShift = 2;
 
 private:
-    using Tiles = std::vector<std::uint64_t>;  ///< lines of tile bits
+    using Tiles = std::vector<std::uint64_t>;  ///< rows of tile bits
 
     static constexpr int tilesOfWord = 64 >> tileShift;
     static constexpr Fixed16 tile = fixed16One << tileShift;
@@ -121,12 +121,12 @@ private:
                     every[k] &= bits[k];
                 }
             }
-            const std::int64_t line = (top_ + (first >> tileShift)) * words_;
+            const std::int64_t tileRow = (top_ + (first >> tileShift)) * words_;
             std::int64_t at = left_;
             for (std::size_t k = 0; k < words; ++k, at += tilesOfWord) {
                 if (some[k] == 0) continue;
                 constexpr std::uint64_t all = (std::uint64_t{1} << tilesOfWord) - 1;
-                const auto word = static_cast<std::size_t>(line + at / 64);
+                const auto word = static_cast<std::size_t>(tileRow + at / 64);
                 const std::uint64_t full = all & ~tilesOf(~every[k]);
                 set_[word] |= tilesOf(some[k]) << (at % 64);
                 clear_[word] &= ~(full << (at % 64));
@@ -147,32 +147,33 @@ private:
             }
         };
         inSteps(reachU_, [&](std::int64_t step) {
-            for (std::int64_t y = 0; y < lines_; ++y) {
-                std::uint64_t* line = tiles.data() + y * words_;
-                for (std::int64_t k = words_; k-- > 1;) line[k] |= line[k] << step | line[k - 1] >> (64 - step);
-                line[0] |= line[0] << step;
+            for (std::int64_t y = 0; y < rows_; ++y) {
+                std::uint64_t* row = tiles.data() + y * words_;
+                for (std::int64_t k = words_; k-- > 1;) row[k] |= row[k] << step | row[k - 1] >> (64 - step);
+                row[0] |= row[0] << step;
             }
         });
         inSteps(reachV_, [&](std::int64_t step) {
-            for (std::int64_t y = lines_; y-- > step;) {
-                std::uint64_t* line = tiles.data() + y * words_;
-                const std::uint64_t* above = line - step * words_;
-                for (std::int64_t k = 0; k < words_; ++k) line[k] |= above[k];
+            for (std::int64_t y = rows_; y-- > step;) {
+                std::uint64_t* row = tiles.data() + y * words_;
+                const std::uint64_t* above = row - step * words_;
+                for (std::int64_t k = 0; k < words_; ++k) row[k] |= above[k];
             }
         });
     }
 
-    [[nodiscard]] std::uint64_t ask(const Tiles& tiles, const SourceLine& middles) const {
+    [[nodiscard]] std::uint64_t ask(const Tiles& tiles, const DisplayRow& middles) const {
         const auto tilePosition = [](Fixed16 pixels) { return static_cast<std::uint32_t>(pixels >> tileShift); };
-        const SpanPositions positions{tilePosition(middles.u - originU_), tilePosition(middles.v - originV_),
-                                      tilePosition(middles.du), tilePosition(middles.dv),
-                                      static_cast<std::int32_t>(words_ * 64)};
-        const SpanBits bits{reinterpret_cast<const unsigned char*>(tiles.data()), 0,
-                            static_cast<std::uint32_t>(tiles.size() * 64)};
+        const SamplePositions positions{tilePosition(middles.u - originU_), tilePosition(middles.v - originV_),
+                                        tilePosition(middles.du), tilePosition(middles.dv),
+                                        static_cast<std::int32_t>(words_ * 64)};
+        const SampledBits bits{reinterpret_cast<const unsigned char*>(tiles.data()), 0,
+                               static_cast<std::uint32_t>(tiles.size() * 64)};
         // Here each piece is one position.
-        constexpr int together = SpanBits::pieceColumns;
+        constexpr int together = SampledBits::pieceColumns;
         std::array<std::uint16_t, BitSummary::blockPieces / together> answers{};
-        SpanOperations::chosen().testBits(positions, bits, (std::uint64_t{1} << answers.size()) - 1, answers.data());
+        SamplingOperations::chosen().testBits(positions, bits, (std::uint64_t{1} << answers.size()) - 1,
+                                              answers.data());
         std::uint64_t result = 0;
         for (std::size_t i = answers.size(); i-- > 0;) result = result << together | answers[i];
         return result;
@@ -182,8 +183,8 @@ private:
     std::int64_t reachV_ = 0;
     std::int64_t left_ = 0;  ///< tiles beside the plane's first one
     std::int64_t top_ = 0;
-    std::int64_t words_ = 0;  ///< of a line
-    std::int64_t lines_ = 0;
+    std::int64_t words_ = 0;  ///< of a row of tiles
+    std::int64_t rows_ = 0;
     Fixed16 originU_ = 0;  ///< source position of the first tile bit, as it is asked for
     Fixed16 originV_ = 0;
     Tiles set_;                 ///< tiles with a set bit
@@ -209,11 +210,10 @@ BitSummary::BitSummary(const BitPlane& plane, const Stepping& stepping) : steppi
     tiles.gather(plane);
 
     blocks_ = static_cast<std::size_t>((stepping.width + blockColumns - 1) / blockColumns);
-    for (int row = 0; row < stepping.height; row += rowsTogether) {
-        const SourceLine line = stepping.line(row + rowsTogether / 2);
+    for (int y = 0; y < stepping.height; y += rowsTogether) {
+        const DisplayRow row = stepping.row(y + rowsTogether / 2);
         for (int column = pieceColumns / 2; column < stepping.width; column += blockColumns) {
-            const SourceLine middles{line.uAt(column), line.vAt(column), line.du * pieceColumns,
-                                     line.dv * pieceColumns};
+            const DisplayRow middles{row.uAt(column), row.vAt(column), row.du * pieceColumns, row.dv * pieceColumns};
             maySet_.push_back(tiles.maySet(middles));
             mayClear_.push_back(tiles.mayClear(middles));
         }

@@ -1,7 +1,8 @@
 // A plane of one bit per pixel, and a summary that tells quickly where it holds nothing.
 #pragma once
 
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/view/samplingoffsets.h"
+#include "zolcs/view/spans.h"
 #include "zolcs/view/stepping.h"
 
 #include <algorithm>
@@ -126,7 +127,7 @@ void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, V
 /// columns as are tested together; the first one begins at display column 0. Some rows share what is known.
 class BitSummary {
 public:
-    static constexpr int pieceColumns = SpanBits::pieceColumns;
+    static constexpr int pieceColumns = SampledBits::pieceColumns;
     /// Pieces that are told about at a time, from the first column of the block on.
     static constexpr int blockPieces = 64;
     static constexpr int blockColumns = blockPieces * pieceColumns;
@@ -134,29 +135,29 @@ public:
     /// Knows nothing: everything may be set and may be clear.
     BitSummary() = default;
 
-    /// For the lines of `stepping`; of others it knows nothing.
+    /// For the rows of `stepping`; of others it knows nothing.
     BitSummary(const BitPlane& plane, const Stepping& stepping);
 
     /// Bit i is 0 only when no column of piece i of a block shows a set bit, be its position exact or rounded to single
     /// precision. Holds for pieces of which a column lies on the plane or a pixel beside it.
-    [[nodiscard]] std::uint64_t mayBeSet(const SourceLine& line, int block) const {
-        return knows(line) ? maySet_[indexOf(line.row, block)] : ~std::uint64_t{0};
+    [[nodiscard]] std::uint64_t mayBeSet(const DisplayRow& row, int block) const {
+        return knows(row) ? maySet_[indexOf(row.y, block)] : ~std::uint64_t{0};
     }
 
     /// The same for clear bits, those beside the plane included.
-    [[nodiscard]] std::uint64_t mayBeClear(const SourceLine& line, int block) const {
-        return knows(line) ? mayClear_[indexOf(line.row, block)] : ~std::uint64_t{0};
+    [[nodiscard]] std::uint64_t mayBeClear(const DisplayRow& row, int block) const {
+        return knows(row) ? mayClear_[indexOf(row.y, block)] : ~std::uint64_t{0};
     }
 
 private:
     /// Neighbouring rows of which the same is known.
     static constexpr int rowsTogether = 8;
 
-    [[nodiscard]] bool knows(const SourceLine& line) const {
-        return !maySet_.empty() && line.row >= 0 && line == stepping_.line(line.row);
+    [[nodiscard]] bool knows(const DisplayRow& row) const {
+        return !maySet_.empty() && row.y >= 0 && row == stepping_.row(row.y);
     }
-    [[nodiscard]] std::size_t indexOf(int row, int block) const {
-        return static_cast<std::size_t>(row / rowsTogether) * blocks_ + static_cast<std::size_t>(block);
+    [[nodiscard]] std::size_t indexOf(int y, int block) const {
+        return static_cast<std::size_t>(y / rowsTogether) * blocks_ + static_cast<std::size_t>(block);
     }
 
     Stepping stepping_;

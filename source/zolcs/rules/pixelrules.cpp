@@ -3,8 +3,7 @@
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
-
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/view/samplingoffsets.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +16,7 @@ namespace zolcs {
 
 namespace {
 
-double pixels(Fixed16 coordinate) { return static_cast<double>(coordinate) * 0x1.0p-16; }
+double pixels(Fixed16 coordinate) { return static_cast<double>(coordinate) * fixed16Unit; }
 
 /// The grey display pixel of a shutter's 16-bit presentation value: its high byte in all three channels.
 std::uint32_t shutterColour(unsigned short value) { return (value >> 8U) * 0x010101U; }
@@ -52,8 +51,6 @@ void paintRun(std::uint32_t* out, int count, int room, std::uint32_t colour) {
     std::memcpy(out, pixels.data(), sizeof pixels);
 }
 
-ColumnRange common(ColumnRange a, ColumnRange b) { return {std::max(a.begin, b.begin), std::min(a.end, b.end)}; }
-
 /// A bit for each piece of a block that some of the block's columns belong to.
 std::uint64_t piecesOf(ColumnRange columns) {
     const int first = columns.begin / BitSummary::pieceColumns;
@@ -62,56 +59,6 @@ std::uint64_t piecesOf(ColumnRange columns) {
 }
 
 }  // namespace
-
-void PixelRuns::reset(ColumnRange columns) {
-    runs_.clear();
-    layer_.clear();
-    if (!columns.empty()) runs_.push_back({columns.begin, columns.end, PixelRun::Shows::Image, 0});
-}
-
-void PixelRuns::add(const PixelRun& run) {
-    if (run.end <= run.begin) return;
-    if (!layer_.empty() && layer_.back().end == run.begin && layer_.back().showsTheSameAs(run)) {
-        layer_.back().end = run.end;
-    } else {
-        layer_.push_back(run);
-    }
-}
-
-void PixelRuns::reverseLayer() { std::reverse(layer_.begin(), layer_.end()); }
-
-void PixelRuns::merge() {
-    if (layer_.empty()) return;
-    merged_.clear();
-    const auto append = [this](const PixelRun& run) {
-        if (!merged_.empty() && merged_.back().showsTheSameAs(run)) {
-            merged_.back().end = run.end;
-        } else {
-            merged_.push_back(run);
-        }
-    };
-    auto above = layer_.begin();
-    for (PixelRun below : runs_) {
-        while (below.begin < below.end) {
-            while (above != layer_.end() && above->end <= below.begin) ++above;
-            PixelRun piece = below;
-            if (above == layer_.end() || above->begin >= below.end) {
-                below.begin = below.end;
-            } else if (above->begin > below.begin) {
-                piece.end = above->begin;
-                below.begin = piece.end;
-            } else {
-                piece = *above;
-                piece.begin = below.begin;
-                piece.end = std::min(above->end, below.end);
-                below.begin = piece.end;
-            }
-            append(piece);
-        }
-    }
-    runs_.swap(merged_);
-    layer_.clear();
-}
 
 PixelRules PixelRules::forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
                                      std::uint32_t background, const Stepping& stepping) {
@@ -235,54 +182,54 @@ void PixelRules::prepareFor(const Stepping& stepping) {
     }
 }
 
-void PixelRules::cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
+void PixelRules::cut(const DisplayRow& row, ColumnRange columns, PixelRuns& runs) const {
     runs.reset(columns);
-    for (const Layer& layer : layers_) cutLayer(line, columns, layer, runs);
+    for (const Layer& layer : layers_) cutLayer(row, columns, layer, runs);
 }
 
-void PixelRules::cutCovers(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const {
+void PixelRules::cutCovers(const DisplayRow& row, ColumnRange columns, PixelRuns& runs) const {
     runs.reset(columns);
     for (const Layer& layer : layers_) {
-        if (layer.shows == PixelRun::Shows::Covered) cutLayer(line, columns, layer, runs);
+        if (layer.shows == PixelRun::Shows::Covered) cutLayer(row, columns, layer, runs);
     }
 }
 
-void PixelRules::paintPlanes(const SourceLine& line, ColumnRange columns, std::uint32_t* out) const {
+void PixelRules::paintPlanes(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) const {
     for (const Layer& layer : layers_) {
         if (layer.shows != PixelRun::Shows::Plane) continue;
-        visitBits(line, columns, layer, [&](ColumnRange run) {
+        visitBits(row, columns, layer, [&](ColumnRange run) {
             paintRun(out + (run.begin - columns.begin), run.end - run.begin, columns.end - run.begin, layer.colour);
         });
     }
 }
 
-void PixelRules::cutLayer(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+void PixelRules::cutLayer(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
     if (columns.empty()) return;
     switch (layer.kind) {
         case Kind::Rectangle:
-            cutRectangle(line, columns, layer, runs);
+            cutRectangle(row, columns, layer, runs);
             break;
         case Kind::Circle:
-            cutCircle(line, columns, layer, runs);
+            cutCircle(row, columns, layer, runs);
             break;
         case Kind::Polygon:
-            cutPolygon(line, columns, layer, runs);
+            cutPolygon(row, columns, layer, runs);
             break;
         case Kind::Bits:
-            cutBits(line, columns, layer, runs);
+            cutBits(row, columns, layer, runs);
             break;
     }
     runs.merge();
 }
 
-void PixelRules::cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+void PixelRules::cutRectangle(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
     const RECT& rect = shutter_.rectangular.rect;
     const auto inside = [&](Fixed16 start, Fixed16 step, LONG low, LONG high, ColumnRange within) {
         const Fixed16 beyond = (static_cast<Fixed16>(high) + 1) * fixed16One;
         return columnsBetween(start, step, low * fixed16One, beyond - 1, within);
     };
-    ColumnRange visible = inside(line.u, line.du, rect.left, rect.right, columns);
-    visible = inside(line.v, line.dv, rect.top, rect.bottom, visible);
+    ColumnRange visible = inside(row.u, row.du, rect.left, rect.right, columns);
+    visible = inside(row.v, row.dv, rect.top, rect.bottom, visible);
     runs.add(layer.run(columns.begin, visible.begin));
     runs.add(layer.run(std::max(visible.begin, visible.end), columns.end));
 }
@@ -297,13 +244,13 @@ bool PixelRules::isInsideCircle(Fixed16 u, Fixed16 v) const {
     return std::sqrt(dx * dx + dy * dy) <= circle_.radius;
 }
 
-void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
-    // Well inside and well outside, the line is cut by geometry; what lies within the rounding of the distance is
+void PixelRules::cutCircle(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    // Well inside and well outside, the row is cut by geometry; what lies within the rounding of the distance is
     // tested pixel by pixel.
-    const double du = pixels(line.du);
-    const double dv = pixels(line.dv);
-    const double x0 = pixels(line.uAt(columns.begin)) - circle_.centerX;
-    const double y0 = pixels(line.vAt(columns.begin)) - circle_.centerY;
+    const double du = pixels(row.du);
+    const double dv = pixels(row.dv);
+    const double x0 = pixels(row.uAt(columns.begin)) - circle_.centerX;
+    const double y0 = pixels(row.vAt(columns.begin)) - circle_.centerY;
     const double extent = sourceExtent_ + std::fabs(circle_.centerX) + std::fabs(circle_.centerY) + circle_.radius;
     const double margin = (extent + 1.0) * 0x1.0p-18;
     const double stepSquared = du * du + dv * dv;
@@ -311,7 +258,7 @@ void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const La
     const double atNearestX = x0 + nearest * du;
     const double atNearestY = y0 + nearest * dv;
     const double nearestSquared = atNearestX * atNearestX + atNearestY * atNearestY;
-    const auto chord = [&](double radius) -> double {  // half, in columns; negative when the line misses
+    const auto chord = [&](double radius) -> double {  // half, in columns; negative when the row misses
         const double rest = radius * radius - nearestSquared;
         if (radius < 0.0 || rest < 0.0) return -1.0;
         return stepSquared > 0.0 ? std::sqrt(rest / stepSquared) : 0x1.0p31;
@@ -332,7 +279,7 @@ void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const La
 
     const auto testEach = [&](int begin, int end) {
         for (int x = begin; x < end; ++x) {
-            if (!isInsideCircle(line.uAt(x), line.vAt(x))) runs.add(layer.run(x, x + 1));
+            if (!isInsideCircle(row.uAt(x), row.vAt(x))) runs.add(layer.run(x, x + 1));
         }
     };
     runs.add(layer.run(columns.begin, maybe.begin));
@@ -341,14 +288,14 @@ void PixelRules::cutCircle(const SourceLine& line, ColumnRange columns, const La
     runs.add(layer.run(maybe.end, columns.end));
 }
 
-void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
-    // Between the columns at which the line comes close to an edge of the polygon, one pixel stands for all.
+void PixelRules::cutPolygon(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    // Between the columns at which the row comes close to an edge of the polygon, one pixel stands for all.
     const std::vector<CPoint>& vertices = shutter_.polygon;
     const double margin = (sourceExtent_ + 1.0) * 0x1.0p-18;
-    const double du = pixels(line.du);
-    const double dv = pixels(line.dv);
-    const double u0 = pixels(line.u);
-    const double v0 = pixels(line.v);
+    const double du = pixels(row.du);
+    const double dv = pixels(row.dv);
+    const double u0 = pixels(row.u);
+    const double v0 = pixels(row.v);
 
     std::vector<ColumnRange>& close = runs.close_;
     close.clear();
@@ -374,7 +321,7 @@ void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const L
     std::sort(close.begin(), close.end(), [](ColumnRange a, ColumnRange b) { return a.begin < b.begin; });
 
     const auto isOutside = [&](int x) {
-        return !CCsImageUtils::isPointInsidePolygon(vertices, singlePosition(line.uAt(x)), singlePosition(line.vAt(x)));
+        return !CCsImageUtils::isPointInsidePolygon(vertices, singlePosition(row.uAt(x)), singlePosition(row.vAt(x)));
     };
     int done = columns.begin;
     const auto clearUntil = [&](int end) {
@@ -390,54 +337,54 @@ void PixelRules::cutPolygon(const SourceLine& line, ColumnRange columns, const L
     clearUntil(columns.end);
 }
 
-void PixelRules::cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
-    visitBits(line, columns, layer, [&](ColumnRange run) { runs.add(layer.run(run.begin, run.end)); });
-    if (isPrepared(line) && exactColumns_.mirrored) runs.reverseLayer();
+void PixelRules::cutBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const {
+    visitBits(row, columns, layer, [&](ColumnRange run) { runs.add(layer.run(run.begin, run.end)); });
+    if (isPrepared(row) && exactColumns_.mirrored) runs.reverseLayer();
 }
 
 template <typename Visit>
-void PixelRules::visitBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const {
+void PixelRules::visitBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, const Visit& visit) const {
     if (columns.empty()) return;
-    if (isPrepared(line)) {
-        visitPreparedBits(line, columns, layer, visit);
+    if (isPrepared(row)) {
+        visitPreparedBits(row, columns, layer, visit);
     } else {
-        visitObliqueBits(line, columns, layer, visit);
+        visitObliqueBits(row, columns, layer, visit);
     }
 }
 
 template <typename Visit>
-void PixelRules::visitPreparedBits(const SourceLine& line, ColumnRange columns, const Layer& layer,
+void PixelRules::visitPreparedBits(const DisplayRow& row, ColumnRange columns, const Layer& layer,
                                    const Visit& visit) const {
     const ColumnLookup& lookup = layer.roundedPositions ? roundedColumns_ : exactColumns_;
     const auto bitAt = [&](Fixed16 position) {
         return layer.roundedPositions ? roundedPixel(position) : pixelOf(position);
     };
-    const auto [from, to] = std::minmax({bitAt(line.uAt(columns.begin)), bitAt(line.uAt(columns.end - 1))});
-    layer.plane.visitRuns(bitAt(line.v), from, to, [&](std::int64_t first, std::int64_t last) {
+    const auto [from, to] = std::minmax({bitAt(row.uAt(columns.begin)), bitAt(row.uAt(columns.end - 1))});
+    layer.plane.visitRuns(bitAt(row.v), from, to, [&](std::int64_t first, std::int64_t last) {
         const ColumnRange shown = common(columns, lookup.columnsOf(first, last));
         if (!shown.empty()) visit(shown);
     });
 }
 
 template <typename Visit>
-void PixelRules::visitObliqueBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) {
+void PixelRules::visitObliqueBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, const Visit& visit) {
     const BitPlane& plane = layer.plane;
     const std::int64_t slack = layer.roundedPositions ? 1 : 0;
-    columns = columnsBetween(line.u, line.du, (plane.left() - slack) * fixed16One,
+    columns = columnsBetween(row.u, row.du, (plane.left() - slack) * fixed16One,
                              (plane.right() + slack + 1) * fixed16One - 1, columns);
-    columns = columnsBetween(line.v, line.dv, (plane.top() - slack) * fixed16One,
+    columns = columnsBetween(row.v, row.dv, (plane.top() - slack) * fixed16One,
                              (plane.bottom() + slack + 1) * fixed16One - 1, columns);
     if (columns.empty()) return;
-    const ColumnRange together = columnsOfWords(line, columns, layer);
+    const ColumnRange together = columnsOfWords(row, columns, layer);
     constexpr int piece = BitSummary::pieceColumns;
     std::array<std::uint16_t, BitSummary::blockPieces> set{};
     for (int block = columns.begin / BitSummary::blockColumns; block * BitSummary::blockColumns < columns.end;
          ++block) {
         const int left = block * BitSummary::blockColumns;
         const ColumnRange part = common(columns, {left, left + BitSummary::blockColumns});
-        std::uint64_t maySet = layer.summary.mayBeSet(line, block) & piecesOf({part.begin - left, part.end - left});
-        const std::uint64_t unknown = maySet & layer.summary.mayBeClear(line, block);
-        testBits(line, left, layer, unknown, set.data());
+        std::uint64_t maySet = layer.summary.mayBeSet(row, block) & piecesOf({part.begin - left, part.end - left});
+        const std::uint64_t unknown = maySet & layer.summary.mayBeClear(row, block);
+        testBits(row, left, layer, unknown, set.data());
         while (maySet != 0) {
             const int at = std::countr_zero(maySet);
             int x = left + at * piece;
@@ -452,7 +399,7 @@ void PixelRules::visitObliqueBits(const SourceLine& line, ColumnRange columns, c
             const bool atOnce = tested.begin >= together.begin && tested.end <= together.end;
             const auto lowest = [](int count) { return (1U << count) - 1U; };
             unsigned bits = atOnce ? unsigned{set[static_cast<std::size_t>(at)]}
-                                   : unsigned{testBitsOneByOne(line, tested, layer)} << (tested.begin - x);
+                                   : unsigned{testBitsOneByOne(row, tested, layer)} << (tested.begin - x);
             bits &= lowest(tested.end - x) & ~lowest(tested.begin - x);
             while (bits != 0) {
                 const int clear = std::countr_zero(bits);
@@ -468,7 +415,7 @@ void PixelRules::visitObliqueBits(const SourceLine& line, ColumnRange columns, c
 
 /// The columns whose bits may be tested together: they lie on the plane, in whole words, at positions and with bit
 /// numbers of 31 bits.
-ColumnRange PixelRules::columnsOfWords(const SourceLine& line, ColumnRange columns, const Layer& layer) {
+ColumnRange PixelRules::columnsOfWords(const DisplayRow& row, ColumnRange columns, const Layer& layer) {
     const BitPlane& plane = layer.plane;
     const std::int64_t slack = layer.roundedPositions ? 1 : 0;
     constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
@@ -477,20 +424,18 @@ ColumnRange PixelRules::columnsOfWords(const SourceLine& line, ColumnRange colum
     const bool fits = endU < most && endV < most && plane.rows() * plane.columns() < most &&
                       (plane.bottom() + 1) * plane.columns() + plane.right() < most;
     if (!fits) return {columns.begin, columns.begin};
-    columns = columnsBetween(line.u, line.du, std::max<Fixed16>(plane.left() * fixed16One, 0), endU - 1, columns);
-    return columnsBetween(line.v, line.dv, std::max<Fixed16>(plane.top() * fixed16One, 0), endV - 1, columns);
+    columns = columnsBetween(row.u, row.du, std::max<Fixed16>(plane.left() * fixed16One, 0), endU - 1, columns);
+    return columnsBetween(row.v, row.dv, std::max<Fixed16>(plane.top() * fixed16One, 0), endV - 1, columns);
 }
 
 /// Tests pieces of columns from `left` on; the results hold only where columnsOfWords says that they can.
-void PixelRules::testBits(const SourceLine& line, int left, const Layer& layer, std::uint64_t pieces,
+void PixelRules::testBits(const DisplayRow& row, int left, const Layer& layer, std::uint64_t pieces,
                           std::uint16_t* set) {
     const BitPlane& plane = layer.plane;
     const std::int64_t bits = (plane.lastRowInWords() - plane.top() + 1) * plane.columns();
     if (bits <= 0) return;
-    const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(left)),
-                                  static_cast<std::uint32_t>(line.vAt(left)), static_cast<std::uint32_t>(line.du),
-                                  static_cast<std::uint32_t>(line.dv), static_cast<std::int32_t>(plane.columns())};
-    const SpanOperations& operations = SpanOperations::chosen();
+    const SamplePositions positions = samplePositions(row, left, plane.columns());
+    const SamplingOperations& operations = SamplingOperations::chosen();
     const auto test = layer.roundedPositions ? operations.testRoundedBits : operations.testBits;
     const std::int64_t first = plane.top() * plane.columns() + plane.left();
     constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
@@ -499,13 +444,13 @@ void PixelRules::testBits(const SourceLine& line, int left, const Layer& layer, 
 }
 
 /// Bit i tells whether column columns.begin + i, of a single piece, shows a set bit.
-std::uint16_t PixelRules::testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer) {
+std::uint16_t PixelRules::testBitsOneByOne(const DisplayRow& row, ColumnRange columns, const Layer& layer) {
     const auto bitAt = [&](Fixed16 position) {
         return layer.roundedPositions ? roundedPixel(position) : pixelOf(position);
     };
     unsigned set = 0;
     for (int x = columns.begin; x < columns.end; ++x) {
-        if (layer.plane.isSet(bitAt(line.uAt(x)), bitAt(line.vAt(x)))) set |= 1U << (x - columns.begin);
+        if (layer.plane.isSet(bitAt(row.uAt(x)), bitAt(row.vAt(x)))) set |= 1U << (x - columns.begin);
     }
     return static_cast<std::uint16_t>(set);
 }

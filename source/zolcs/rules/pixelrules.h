@@ -1,11 +1,13 @@
-// Which pixels of a line do not simply show the image: overlay planes, embedded overlay bits, shutters and padding.
+// Which pixels of a row do not simply show the image: overlay planes, embedded overlay bits, shutters and padding.
 //
-// The order of precedence is written here and nowhere else. The rules are decided once per call; each line is then cut
+// The order of precedence is written here and nowhere else. The rules are decided once per call; each row is then cut
 // into runs of pixels that all show the same, so that no loop over pixels asks about shutters or planes.
 #pragma once
 
 #include "zolcs/ccsrecords.h"
 #include "zolcs/rules/bitplane.h"
+#include "zolcs/rules/pixelruns.h"
+#include "zolcs/view/spans.h"
 #include "zolcs/view/stepping.h"
 
 #include <array>
@@ -17,49 +19,6 @@ class IGreyMap;
 
 namespace zolcs {
 
-/// Neighbouring pixels [begin, end) of a line that show the same.
-struct PixelRun {
-    enum class Shows : std::uint8_t {
-        Image,    ///< the value map decides; an embedded overlay bit of the stored value goes first
-        Covered,  ///< `colour` (a shutter or padding); an embedded overlay bit of the stored value goes first
-        Plane,    ///< `colour` (an overlay plane), whatever is stored
-    };
-
-    int begin = 0;
-    int end = 0;
-    Shows shows = Shows::Image;
-    std::uint32_t colour = 0;
-
-    [[nodiscard]] bool showsTheSameAs(const PixelRun& other) const {
-        return shows == other.shows && colour == other.colour;
-    }
-    bool operator==(const PixelRun&) const = default;
-};
-
-/// The runs of one line, in order and without gaps. Reuse one object for all lines that a thread walks.
-class PixelRuns {
-public:
-    [[nodiscard]] auto begin() const { return runs_.begin(); }
-    [[nodiscard]] auto end() const { return runs_.end(); }
-
-private:
-    friend class PixelRules;
-
-    /// One run of image over all columns.
-    void reset(ColumnRange columns);
-    /// Adds a run to the layer that is being gathered; runs come in ascending order and do not overlap.
-    void add(const PixelRun& run);
-    /// Makes a layer ascending whose runs were added in descending order.
-    void reverseLayer();
-    /// Lays the gathered layer over what is there.
-    void merge();
-
-    std::vector<PixelRun> runs_;
-    std::vector<PixelRun> layer_;
-    std::vector<PixelRun> merged_;
-    std::vector<ColumnRange> close_;  ///< columns close to a polygon's edge
-};
-
 /// What one call shows beside the image itself.
 class PixelRules {
 public:
@@ -68,33 +27,33 @@ public:
 
     /// The rules of a resampling call. `map` may be null (a map without grey tables: no overlays). `padding` may be
     /// null, else it holds one bit per source pixel; both it and the planes' data stay the caller's and must live as
-    /// long as the rules. Any line may be cut; those of `stepping`, and of its transposition for a quarter turn, are
+    /// long as the rules. Any row may be cut; those of `stepping`, and of its transposition for a quarter turn, are
     /// prepared for.
     static PixelRules forResampling(CCsRaster& source, IGreyMap* map, const unsigned char* padding,
                                     std::uint32_t background, const Stepping& stepping);
 
-    /// The rules of mapping a whole raster pixel by pixel: line y is walked with wholeRasterLine(y). Padding is tested
+    /// The rules of mapping a whole raster pixel by pixel: row y is walked with wholeRasterRow(y). Padding is tested
     /// before the shutters here, never for the first pixel, and shows 0; a bitmap shutter adds to the other kinds.
     /// 16-bit grey values carry no embedded overlay bits.
     static PixelRules forWholeRaster(CCsRaster& source, IGreyMap* map, const unsigned char* padding);
 
-    static SourceLine wholeRasterLine(int y) { return {0, static_cast<Fixed16>(y) << fixed16Bits, fixed16One, 0}; }
+    static DisplayRow wholeRasterRow(int y) { return {0, static_cast<Fixed16>(y) << fixed16Bits, fixed16One, 0}; }
 
-    /// True when no position needs a rule: every line is one run of image.
-    [[nodiscard]] bool positionsAreFree() const { return layers_.empty(); }
+    /// True when no position needs a rule: every row is one run of image.
+    [[nodiscard]] bool empty() const { return layers_.empty(); }
 
     /// Sixteen display pixels by the top four bits of a stored value; null when embedded overlay bits are not shown.
     [[nodiscard]] const std::uint32_t* embeddedColours() const { return embeddedColours_; }
 
-    /// Cuts the columns of a line into runs. Every column's position must lie on the source.
-    void cut(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const;
+    /// Cuts the columns of a row into runs. Every column's position must lie on the source.
+    void cut(const DisplayRow& row, ColumnRange columns, PixelRuns& runs) const;
 
     /// The same without the overlay planes.
-    void cutCovers(const SourceLine& line, ColumnRange columns, PixelRuns& runs) const;
+    void cutCovers(const DisplayRow& row, ColumnRange columns, PixelRuns& runs) const;
 
-    /// Paints the overlay planes over a line of pixels that show everything else. The figures of a plane are many short
+    /// Paints the overlay planes over a row of pixels that show everything else. The figures of a plane are many short
     /// runs, for which this is faster than cutting. `out` is the pixel of columns.begin.
-    void paintPlanes(const SourceLine& line, ColumnRange columns, std::uint32_t* out) const;
+    void paintPlanes(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) const;
 
 private:
     /// A shutter's circle: decided pixel by pixel only close to its edge.
@@ -104,7 +63,7 @@ private:
         float radius = 0.0F;
     };
 
-    /// Which columns of the lines (u0 + x du, constant v) show which source column. Looking that up spares the
+    /// Which columns of the rows (u0 + x du, constant v) show which source column. Looking that up spares the
     /// divisions.
     struct ColumnLookup {
         /// For positions as they choose a bit: through single precision, or exact.
@@ -141,30 +100,29 @@ private:
     void addBits(const BitPlane& plane, bool roundedPositions, PixelRun::Shows shows, std::uint32_t colour);
     void prepareFor(const Stepping& stepping);
 
-    void cutRectangle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    void cutCircle(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    void cutPolygon(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    void cutBits(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
-    void cutLayer(const SourceLine& line, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutRectangle(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutCircle(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutPolygon(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
+    void cutLayer(const DisplayRow& row, ColumnRange columns, const Layer& layer, PixelRuns& runs) const;
 
-    /// Call visit(run) for the columns that show set bits: from left to right, or from right to left for prepared lines
+    /// Call visit(run) for the columns that show set bits: from left to right, or from right to left for prepared rows
     /// of a mirrored view.
     template <typename Visit>
-    void visitBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const;
+    void visitBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, const Visit& visit) const;
     template <typename Visit>
-    void visitPreparedBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit) const;
+    void visitPreparedBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, const Visit& visit) const;
     template <typename Visit>
-    static void visitObliqueBits(const SourceLine& line, ColumnRange columns, const Layer& layer, const Visit& visit);
-    static ColumnRange columnsOfWords(const SourceLine& line, ColumnRange columns, const Layer& layer);
-    static void testBits(const SourceLine& line, int left, const Layer& layer, std::uint64_t pieces,
-                         std::uint16_t* set);
-    static std::uint16_t testBitsOneByOne(const SourceLine& line, ColumnRange columns, const Layer& layer);
+    static void visitObliqueBits(const DisplayRow& row, ColumnRange columns, const Layer& layer, const Visit& visit);
+    static ColumnRange columnsOfWords(const DisplayRow& row, ColumnRange columns, const Layer& layer);
+    static void testBits(const DisplayRow& row, int left, const Layer& layer, std::uint64_t pieces, std::uint16_t* set);
+    static std::uint16_t testBitsOneByOne(const DisplayRow& row, ColumnRange columns, const Layer& layer);
 
     [[nodiscard]] bool isInsideCircle(Fixed16 u, Fixed16 v) const;
 
-    /// True for lines that the column lookups are made for.
-    [[nodiscard]] bool isPrepared(const SourceLine& line) const {
-        return !exactColumns_.before.empty() && line.dv == 0 && line.du == preparedStep_ && line.u == preparedStart_;
+    /// True for rows that the column lookups are made for.
+    [[nodiscard]] bool isPrepared(const DisplayRow& row) const {
+        return !exactColumns_.before.empty() && row.dv == 0 && row.du == preparedStep_ && row.u == preparedStart_;
     }
 
     std::vector<Layer> layers_;
@@ -173,7 +131,7 @@ private:
     CCsDisplayShutterInfo shutter_;
     Circle circle_;
     CCsDisplayShutterInfo circleAlone_;  ///< of a whole raster, whose circle the utilities decide
-    double sourceExtent_ = 0.0;          ///< the largest source coordinate that a line can have
+    double sourceExtent_ = 0.0;          ///< the largest source coordinate that a row can have
     Fixed16 preparedStart_ = 0;
     Fixed16 preparedStep_ = 0;
     ColumnLookup exactColumns_;

@@ -125,13 +125,13 @@ void slide(const ColumnSlide<Sample>& given) {
 
 #endif
 
-const unsharpvectors::LineOperations<std::uint8_t>* colourOperations() {
-    static constexpr unsharpvectors::LineOperations<std::uint8_t> table{slide, sharpen};
+const unsharpvectors::UnsharpOperations<std::uint8_t>* colourOperations() {
+    static constexpr unsharpvectors::UnsharpOperations<std::uint8_t> table{slide, sharpen};
     return &table;
 }
 
-const unsharpvectors::LineOperations<std::uint16_t>* greyOperations() {
-    static constexpr unsharpvectors::LineOperations<std::uint16_t> table{slide, sharpen};
+const unsharpvectors::UnsharpOperations<std::uint16_t>* greyOperations() {
+    static constexpr unsharpvectors::UnsharpOperations<std::uint16_t> table{slide, sharpen};
     return &table;
 }
 
@@ -149,12 +149,12 @@ HWY_EXPORT(greyOperations);
 namespace unsharpvectors {
 
 template <>
-const LineOperations<std::uint8_t>& chosen() {
+const UnsharpOperations<std::uint8_t>& chosen() {
     return *HWY_DYNAMIC_DISPATCH(colourOperations)();
 }
 
 template <>
-const LineOperations<std::uint16_t>& chosen() {
+const UnsharpOperations<std::uint16_t>& chosen() {
     return *HWY_DYNAMIC_DISPATCH(greyOperations)();
 }
 

@@ -1,19 +1,18 @@
-// The vector variants of the unsharp lines, chosen together with the span operations. Empty where the vector library is
-// not there.
+// The vector variants of unsharp masking. Empty where the vector library is not there.
 #pragma once
 
-#include "zolcs/sharpen/unsharplines.h"
+#include "zolcs/sharpen/unsharprows.h"
 
 namespace zolcs::unsharpvectors {
 
 template <typename Sample>
-struct LineOperations {
+struct UnsharpOperations {
     void (*slide)(const ColumnSlide<Sample>& slide);
     void (*sharpen)(const SharpenedRun<Sample>& run);
 };
 
 /// For std::uint8_t and std::uint16_t.
 template <typename Sample>
-const LineOperations<Sample>& chosen();
+const UnsharpOperations<Sample>& chosen();
 
 }  // namespace zolcs::unsharpvectors

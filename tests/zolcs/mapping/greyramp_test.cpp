@@ -5,7 +5,7 @@
 #include "zolcs/ccscolorman.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@
 
 namespace {
 
-using zolcs::SpanOperations;
+namespace simd = zolcs::simd;
 using zolcs::mapping::fillGreyRamp;
 using zolcs::mapping::GreyRamp;
 using zolcs::mapping::Window;
@@ -49,13 +49,13 @@ std::optional<GreyRamp> find(const Table& table, const Window& window, std::size
 /// Runs a check with every variant that the processor has.
 class GreyRampTest : public ::testing::Test {
 protected:
-    ~GreyRampTest() override { SpanOperations::choose(""); }
+    ~GreyRampTest() override { simd::choose(""); }
 
     /// `check` is told whether ramps are found at all.
     static void forEachVariant(const std::function<void(bool found)>& check) {
-        for (const std::string& variant : SpanOperations::variants()) {
+        for (const std::string& variant : simd::variants()) {
             SCOPED_TRACE(variant);
-            ASSERT_TRUE(SpanOperations::choose(variant));
+            ASSERT_TRUE(simd::choose(variant));
             const Window window{2048, 4096};
             check(find(linearTable(window), window).has_value());
         }
@@ -65,7 +65,7 @@ protected:
 TEST_F(GreyRampTest, PlainAndPortableLoopsLookUp) {
     const Window window{2048, 4096};
     for (const char* variant : {"plain", "portable"}) {
-        ASSERT_TRUE(SpanOperations::choose(variant));
+        ASSERT_TRUE(simd::choose(variant));
         EXPECT_FALSE(find(linearTable(window), window).has_value()) << variant;
     }
 }
@@ -147,13 +147,13 @@ TEST_F(GreyRampTest, EveryLengthAndAlignment) {
         ASSERT_TRUE(ramp.has_value());
         Random random(33);
         for (std::size_t count = 0; count <= 200; ++count) {
-            for (const bool bypassCache : {false, true}) {
+            for (const bool nonTemporal : {false, true}) {
                 const auto shift = static_cast<std::size_t>(random.integer(0, 33));
                 std::vector<std::uint16_t> values(count + 40);
                 for (auto& value : values) value = static_cast<std::uint16_t>(random.integer(0, 65535));
                 values[shift] = 65535;
                 std::vector<std::uint32_t> pixels(count + 80, sentinel);
-                fillGreyRamp(*ramp, values.data() + shift, pixels.data() + shift, count, bypassCache);
+                fillGreyRamp(*ramp, values.data() + shift, pixels.data() + shift, count, nonTemporal);
                 for (std::size_t i = 0; i < pixels.size(); ++i) {
                     const bool inside = i >= shift && i < shift + count;
                     ASSERT_EQ(pixels[i], inside ? table[values[i]] : sentinel) << i << " of " << count;
@@ -185,7 +185,7 @@ protected:
     }
 
     std::vector<std::uint32_t> mapped(const char* variant, bool whole) {
-        EXPECT_TRUE(SpanOperations::choose(variant));
+        EXPECT_TRUE(simd::choose(variant));
         CCsRaster display(width, height, CCS_RGB8, 1.0, false, false);
         EXPECT_EQ(map_->mapRaster(*source_, display, {0, 0, width, height}, whole, nullptr, nullptr), 255);
         const auto* pixels = reinterpret_cast<const std::uint32_t*>(display.getOrigin());

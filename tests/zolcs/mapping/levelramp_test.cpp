@@ -3,7 +3,7 @@
 #include "support/test_data.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 
 namespace {
 
-using zolcs::SpanOperations;
+namespace simd = zolcs::simd;
 using zolcs::mapping::fillLevelRamp;
 using zolcs::mapping::LevelRamp;
 using zolcs::mapping::Window;
@@ -41,7 +41,7 @@ Window anyWindow(Random& random) {
 
 class LevelRampTest : public ::testing::Test {
 protected:
-    ~LevelRampTest() override { SpanOperations::choose(""); }
+    ~LevelRampTest() override { simd::choose(""); }
 };
 
 // The multiplication is exact where it is hardest: at the first position of each level, and at the one before.
@@ -90,18 +90,18 @@ TEST_F(LevelRampTest, WindowsBeyondSixteenBitsHaveNone) {
 }
 
 /// Pixels at an offset from an aligned address, filled in one variant: nothing beside them may change.
-void expectFilled(const LevelRamp& ramp, const std::vector<std::uint16_t>& channels, std::size_t offset, bool bypass) {
+void expectFilled(const LevelRamp& ramp, const std::vector<std::uint16_t>& channels, std::size_t offset, bool nonTemporal) {
     const std::size_t bytes = channels.size();
     std::vector<unsigned char> target(offset + bytes + 64, sentinel);
     std::vector<unsigned char> want = target;
     for (std::size_t i = 0; i < bytes; ++i) want[offset + i] = i % 4 == 3 ? 0 : ramp(channels[i]);
-    if (!fillLevelRamp(ramp, channels.data(), target.data() + offset, bytes / 4, bypass)) want = target;
-    ASSERT_EQ(target, want) << bytes / 4 << " pixels at " << offset << (bypass ? " past the cache" : "");
+    if (!fillLevelRamp(ramp, channels.data(), target.data() + offset, bytes / 4, nonTemporal)) want = target;
+    ASSERT_EQ(target, want) << bytes / 4 << " pixels at " << offset << (nonTemporal ? " non-temporal" : "");
 }
 
 TEST_F(LevelRampTest, VariantsGiveTheSameBytesAtEveryLengthAndAddress) {
-    for (const std::string& variant : SpanOperations::variants()) {
-        ASSERT_TRUE(SpanOperations::choose(variant));
+    for (const std::string& variant : simd::variants()) {
+        ASSERT_TRUE(simd::choose(variant));
         SCOPED_TRACE(variant);
         Random random(72);
         for (std::size_t pixels = 0; pixels <= 75; ++pixels) {
@@ -121,8 +121,8 @@ TEST_F(LevelRampTest, VariantsGiveTheSameBytesAtEveryLengthAndAddress) {
 TEST_F(LevelRampTest, VariantsGiveTheSameLevelForEveryValue) {
     std::vector<std::uint16_t> channels(4 * 65536);
     for (std::size_t i = 0; i < channels.size(); ++i) channels[i] = static_cast<std::uint16_t>(i / 4);
-    for (const std::string& variant : SpanOperations::variants()) {
-        ASSERT_TRUE(SpanOperations::choose(variant));
+    for (const std::string& variant : simd::variants()) {
+        ASSERT_TRUE(simd::choose(variant));
         SCOPED_TRACE(variant);
         Random random(73);
         for (int round = 0; round < 5; ++round) {
@@ -141,7 +141,7 @@ TEST_F(LevelRampTest, PlainAndPortableLoopsLookUp) {
     std::vector<unsigned char> levels(channels.size(), sentinel);
     const auto ramp = LevelRamp::of({2048, 4096}, 4096);
     for (const char* variant : {"plain", "portable"}) {
-        ASSERT_TRUE(SpanOperations::choose(variant));
+        ASSERT_TRUE(simd::choose(variant));
         EXPECT_FALSE(fillLevelRamp(*ramp, channels.data(), levels.data(), 64, true)) << variant;
     }
     EXPECT_EQ(levels, std::vector<unsigned char>(levels.size(), sentinel));
@@ -164,8 +164,8 @@ TEST_F(LevelRampTest, MapsShowTheSameInEveryVariant) {
     for (const Window& window : {Window{1000, 1800}, {2048, 70000}}) {
         std::vector<int> levels(4096);
         for (std::size_t v = 0; v < levels.size(); ++v) levels[v] = definedLevel(window, static_cast<int>(v));
-        for (const std::string& variant : SpanOperations::variants()) {
-            ASSERT_TRUE(SpanOperations::choose(variant));
+        for (const std::string& variant : simd::variants()) {
+            ASSERT_TRUE(simd::choose(variant));
             const std::unique_ptr<IMap> map(MapFactory::CreateMap(MapFactory::Rgb12));
             map->setWindow(static_cast<unsigned>(window.centre), window.width);
             ASSERT_NE(map->getLut(), nullptr);

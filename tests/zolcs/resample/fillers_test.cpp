@@ -51,13 +51,13 @@ std::vector<Pixel> shownBy(zolcs::SpanFiller<Pixel>& filler, const Stepping& ste
     std::vector<Pixel> shown;
     filler.beginView(stepping);
     for (int y = 0; y < stepping.height; ++y) {
-        const ColumnRange columns{stepping.span(y).begin(), stepping.span(y).end()};
+        const ColumnRange columns = stepping.span(y);
         if (columns.empty()) continue;
         filler.beginColumns(columns);
         for (int begin = columns.begin; begin < columns.end;) {
             const int end = cut.chance(0.5) ? columns.end : cut.integer(begin + 1, columns.end);
             std::vector<Pixel> piece(static_cast<std::size_t>(end - begin));
-            EXPECT_TRUE(filler.fill(stepping.line(y), {begin, end}, piece.data()));
+            EXPECT_TRUE(filler.fill(stepping.row(y), {begin, end}, piece.data()));
             shown.insert(shown.end(), piece.begin(), piece.end());
             begin = end;
         }
@@ -103,7 +103,7 @@ void expectAllRowsEqualThePlainOne(const std::vector<std::string>& names, std::u
         }
     });
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const bool isMissing = names[i] == "oblique" && zolcs::BlockOperations::chosen() == nullptr;
+        const bool isMissing = names[i] == "oblique" && zolcs::ObliqueOperations::chosen() == nullptr;
         EXPECT_TRUE(isMissing ? used[i] == 0 : used[i] > 20) << names[i];
     }
 }
@@ -142,7 +142,7 @@ TEST(Fillers, NearestEqualsThePlainLoop) {
     expectNearestRowsEqual<std::uint16_t>(6, zolcs::GreyTable{grey.data()});
     expectNearestRowsEqual<std::uint32_t>(7, zolcs::ColourTables(byte.data(), channel.data(), channel.data() + 256));
     expectNearestRowsEqual<std::uint32_t>(8, zolcs::ReversedRgb24());
-    expectNearestRowsEqual<std::uint64_t>(9, zolcs::DeepColourTable{channel.data()});
+    expectNearestRowsEqual<std::uint64_t>(9, zolcs::Colour12Table{channel.data()});
 }
 
 /// Both ways that grey goes.
@@ -186,7 +186,7 @@ TEST(Fillers, BicubicEqualsThePlainLoop) {
     expectGreyRowsEqual(
         greyRows, 40, [](const zolcs::ImageView<const std::uint16_t>& source, const Stepping& stepping) {
             const bool twelveBits = stepping.width % 2 == 0;
-            return zolcs::CubicGrey({source, stepping, zolcs::deepCubicWeights()}, twelveBits ? 0x0FFF : 0xFFFF,
+            return zolcs::CubicGrey({source, stepping, zolcs::fineCubicWeights()}, twelveBits ? 0x0FFF : 0xFFFF,
                                     twelveBits && stepping.height % 2 == 0 ? 0xF000 : 0);
         });
     expectColourRowsEqual(colourRows, 50,
@@ -214,7 +214,7 @@ TEST(Fillers, RowsTellWhenTheyAreUsable) {
         EXPECT_FALSE(isUsable(0, 3, upright));
         EXPECT_FALSE(isUsable(0, 4, oblique));
         EXPECT_FALSE(isUsable(1, 4, upright));
-        const bool hasOblique = zolcs::BlockOperations::chosen() != nullptr;
+        const bool hasOblique = zolcs::ObliqueOperations::chosen() != nullptr;
         EXPECT_FALSE(isPlain && hasOblique);
         EXPECT_EQ(isUsable(2, 32768, oblique), hasOblique);
         EXPECT_FALSE(isUsable(2, 32769, oblique));

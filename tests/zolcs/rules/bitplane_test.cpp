@@ -77,10 +77,10 @@ struct Told {
 void expectTruth(const BitPlane& plane, const zolcs::Stepping& stepping, const BitSummary& summary, Told& told) {
     const auto column = [](zolcs::Fixed16 u) { return zolcs::pixelOf(u); };
     for (int y = 0; y < stepping.height; ++y) {
-        const zolcs::SourceLine line = stepping.line(y);
+        const zolcs::DisplayRow row = stepping.row(y);
         const auto isOn = [&](int x) {
-            return column(line.uAt(x)) >= plane.left() - 1 && column(line.uAt(x)) <= plane.right() + 1 &&
-                   column(line.vAt(x)) >= plane.top() - 1 && column(line.vAt(x)) <= plane.bottom() + 1;
+            return column(row.uAt(x)) >= plane.left() - 1 && column(row.uAt(x)) <= plane.right() + 1 &&
+                   column(row.vAt(x)) >= plane.top() - 1 && column(row.vAt(x)) <= plane.bottom() + 1;
         };
         for (int begin = 0; begin < stepping.width; begin += BitSummary::pieceColumns) {
             bool on = false;
@@ -88,16 +88,16 @@ void expectTruth(const BitPlane& plane, const zolcs::Stepping& stepping, const B
             bool clear = false;
             for (int x = begin; x < begin + BitSummary::pieceColumns; ++x) {
                 on = on || isOn(x);
-                const bool exact = plane.isSet(zolcs::pixelOf(line.uAt(x)), zolcs::pixelOf(line.vAt(x)));
-                const bool rounded = plane.isSet(zolcs::roundedPixel(line.uAt(x)), zolcs::roundedPixel(line.vAt(x)));
+                const bool exact = plane.isSet(zolcs::pixelOf(row.uAt(x)), zolcs::pixelOf(row.vAt(x)));
+                const bool rounded = plane.isSet(zolcs::roundedPixel(row.uAt(x)), zolcs::roundedPixel(row.vAt(x)));
                 set = set || exact || rounded;
                 clear = clear || !exact || !rounded;
             }
             if (!on) continue;
             const int block = begin / BitSummary::blockColumns;
             const int piece = begin % BitSummary::blockColumns / BitSummary::pieceColumns;
-            const bool maySet = (summary.mayBeSet(line, block) >> piece & 1) != 0;
-            const bool mayClear = (summary.mayBeClear(line, block) >> piece & 1) != 0;
+            const bool maySet = (summary.mayBeSet(row, block) >> piece & 1) != 0;
+            const bool mayClear = (summary.mayBeClear(row, block) >> piece & 1) != 0;
             ASSERT_TRUE(maySet || !set) << "row " << y << ", column " << begin;
             ASSERT_TRUE(mayClear || !clear) << "row " << y << ", column " << begin;
             told.blank += set ? 0 : 1;
@@ -159,19 +159,19 @@ TEST(BitPlaneTest, ASummaryTellsNothingOfOtherLines) {
     stepping.width = 64;
     stepping.height = 64;
     const BitSummary summary(BitPlane(data.get(), 0, 0, 64, 64), stepping);
-    EXPECT_EQ(summary.mayBeSet(stepping.line(20), 0) & 0xFU, 0U);
+    EXPECT_EQ(summary.mayBeSet(stepping.row(20), 0) & 0xFU, 0U);
 
-    zolcs::SourceLine withoutRow = stepping.line(20);
-    withoutRow.row = -1;
-    zolcs::SourceLine moved = stepping.line(20);
+    zolcs::DisplayRow unnumbered = stepping.row(20);
+    unnumbered.y = -1;
+    zolcs::DisplayRow moved = stepping.row(20);
     moved.u += 1;
-    for (const zolcs::SourceLine& line : {withoutRow, moved}) {
-        EXPECT_EQ(summary.mayBeSet(line, 0), everything);
-        EXPECT_EQ(summary.mayBeClear(line, 0), everything);
+    for (const zolcs::DisplayRow& row : {unnumbered, moved}) {
+        EXPECT_EQ(summary.mayBeSet(row, 0), everything);
+        EXPECT_EQ(summary.mayBeClear(row, 0), everything);
     }
     const BitSummary partial(BitPlane(data.get(), 0, 0, 64, 64, 1), stepping);
-    EXPECT_EQ(partial.mayBeSet(stepping.line(20), 0), everything);
-    EXPECT_EQ(BitSummary().mayBeSet(stepping.line(20), 0), everything);
+    EXPECT_EQ(partial.mayBeSet(stepping.row(20), 0), everything);
+    EXPECT_EQ(BitSummary().mayBeSet(stepping.row(20), 0), everything);
 }
 
 TEST(BitPlaneTest, RowsAreCopiedWithoutTheBitsOfTheNext) {

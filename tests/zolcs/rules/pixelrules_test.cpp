@@ -9,11 +9,11 @@
 namespace {
 
 using zolcs::ColumnRange;
+using zolcs::DisplayRow;
 using zolcs::fixed16One;
 using zolcs::PixelRules;
 using zolcs::PixelRun;
 using zolcs::PixelRuns;
-using zolcs::SourceLine;
 using zoltest::RuleChoice;
 using zoltest::RuledRaster;
 using zoltest::TableMap;
@@ -42,8 +42,8 @@ void expectWellFormed(const PixelRuns& runs, ColumnRange columns) {
     ASSERT_EQ(at, columns.empty() ? columns.begin : columns.end);
 }
 
-/// A random line and those of its columns that lie on the source.
-std::pair<SourceLine, ColumnRange> randomLine(zoltest::Random& random, int width, int height) {
+/// A random row and those of its columns that lie on the source.
+std::pair<DisplayRow, ColumnRange> randomRow(zoltest::Random& random, int width, int height) {
     const auto step = [&] {
         switch (random.integer(0, 3)) {
             case 0:
@@ -54,16 +54,16 @@ std::pair<SourceLine, ColumnRange> randomLine(zoltest::Random& random, int width
                 return static_cast<zolcs::Fixed16>(random.real(-2.0, 2.0) * 65536);
         }
     };
-    SourceLine line{static_cast<zolcs::Fixed16>(random.real(0, width) * 65536),
+    DisplayRow row{static_cast<zolcs::Fixed16>(random.real(0, width) * 65536),
                     static_cast<zolcs::Fixed16>(random.real(0, height) * 65536), step(), step()};
     const int back = random.integer(0, 200);
-    line.u -= back * line.du;
-    line.v -= back * line.dv;
-    const zolcs::Span span = zolcs::spanOf(line, width * fixed16One, height * fixed16One, 400);
-    return {line, {span.begin(), span.end()}};
+    row.u -= back * row.du;
+    row.v -= back * row.dv;
+    const ColumnRange span = zolcs::spanOf(row, width * fixed16One, height * fixed16One, 400);
+    return {row, span};
 }
 
-/// A stepping that prepares nothing for the lines of a test.
+/// A stepping that prepares nothing for the rows of a test.
 zolcs::Stepping obliqueStepping(int width) {
     return zolcs::makeStepping({0.5, 0.25, -0.25, 0.5, 0.0, 0.0}, 10, 10, width, width);
 }
@@ -92,7 +92,7 @@ zolcs::Stepping turnedStepping(zoltest::Random& random, int width, int height) {
 }
 
 /// Covers, then planes over them, must show what the runs of both show. Image pixels stay as they are.
-void expectPaintedAlike(const PixelRules& rules, const SourceLine& line, ColumnRange columns, const PixelRuns& runs) {
+void expectPaintedAlike(const PixelRules& rules, const DisplayRow& row, ColumnRange columns, const PixelRuns& runs) {
     constexpr std::uint32_t image = 0xFEDCBA98;
     const auto size = static_cast<std::size_t>(columns.end - columns.begin);
     const auto colours = [&](const PixelRuns& drawn) {
@@ -105,10 +105,10 @@ void expectPaintedAlike(const PixelRules& rules, const SourceLine& line, ColumnR
         return pixels;
     };
     PixelRuns covers;
-    rules.cutCovers(line, columns, covers);
+    rules.cutCovers(row, columns, covers);
     for (const PixelRun& run : covers) ASSERT_NE(run.shows, PixelRun::Shows::Plane);
     std::vector<std::uint32_t> painted = colours(covers);
-    rules.paintPlanes(line, columns, painted.data());
+    rules.paintPlanes(row, columns, painted.data());
     ASSERT_EQ(painted, colours(runs));
 }
 
@@ -134,23 +134,23 @@ TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
         const PixelRules rules = PixelRules::forResampling(*source.raster, given, source.paddingData(), 77, stepping);
         const zolcs::Stepping upright = stepping.isQuarterTurn() ? stepping.transposed() : stepping;
         for (int k = 0; k < 12; ++k) {
-            auto [line, columns] = randomLine(random, width, height);
+            auto [row, columns] = randomRow(random, width, height);
             if (prepared) {
                 const int y = random.integer(0, upright.height - 1);
-                line = upright.line(y);
-                columns = {upright.span(y).begin(), upright.span(y).end()};
+                row = upright.row(y);
+                columns = upright.span(y);
             }
-            rules.cut(line, columns, runs);
+            rules.cut(row, columns, runs);
             expectWellFormed(runs, columns);
-            if (!columns.empty()) expectPaintedAlike(rules, line, columns, runs);
+            if (!columns.empty()) expectPaintedAlike(rules, row, columns, runs);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
                     for (const unsigned stored : {0x0123U, 0x5123U}) {
                         const auto expected = zoltest::shownInstead(*source.raster, given, source.paddingData(), 77,
-                                                                    stepping.width, line.uAt(x), line.vAt(x), stored);
+                                                                    stepping.width, row.uAt(x), row.vAt(x), stored);
                         ASSERT_EQ(shownBy(rules, run, stored), expected)
-                            << "case " << i << " column " << x << " at " << static_cast<double>(line.uAt(x)) / 65536
-                            << ", " << static_cast<double>(line.vAt(x)) / 65536 << " seed " << random.seed();
+                            << "case " << i << " column " << x << " at " << static_cast<double>(row.uAt(x)) / 65536
+                            << ", " << static_cast<double>(row.vAt(x)) / 65536 << " seed " << random.seed();
                         shown += expected.has_value() ? 1 : 0;
                     }
                 }
@@ -160,7 +160,7 @@ TEST(PixelRulesTest, ResamplingRunsEqualTheRulesPixelByPixel) {
     EXPECT_GT(shown, 100000);
 }
 
-/// Magnified, most of a line over a solid area is known to be covered without a look at any pixel of it.
+/// Magnified, most of a row over a solid area is known to be covered without a look at any pixel of it.
 TEST(PixelRulesTest, SolidAreasInObliqueViewsEqualTheirBits) {
     zoltest::Random random(34);
     PixelRuns runs;
@@ -185,14 +185,14 @@ TEST(PixelRulesTest, SolidAreasInObliqueViewsEqualTheirBits) {
             zolcs::makeStepping({a, b, -b, a, u, v}, width, height, displayWidth, displayHeight);
         const PixelRules rules = PixelRules::forResampling(*source.raster, nullptr, padding.data(), 77, stepping);
         for (int y = 0; y < displayHeight; ++y) {
-            const SourceLine line = stepping.line(y);
-            const ColumnRange columns{stepping.span(y).begin(), stepping.span(y).end()};
-            rules.cut(line, columns, runs);
+            const DisplayRow row = stepping.row(y);
+            const ColumnRange columns = stepping.span(y);
+            rules.cut(row, columns, runs);
             expectWellFormed(runs, columns);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
                     ASSERT_EQ(shownBy(rules, run, 5), zoltest::shownInstead(*source.raster, nullptr, padding.data(), 77,
-                                                                            displayWidth, line.uAt(x), line.vAt(x), 5))
+                                                                            displayWidth, row.uAt(x), row.vAt(x), 5))
                         << "case " << i << " row " << y << " column " << x;
                     covered += run.shows == PixelRun::Shows::Covered ? 1 : 0;
                 }
@@ -216,7 +216,7 @@ TEST(PixelRulesTest, WholeRasterRunsEqualTheRulesPixelByPixel) {
         for (int y = 0; y < height; ++y) {
             const int begin = random.integer(0, width - 1);
             const ColumnRange columns{begin, random.integer(begin, width)};
-            rules.cut(PixelRules::wholeRasterLine(y), columns, runs);
+            rules.cut(PixelRules::wholeRasterRow(y), columns, runs);
             expectWellFormed(runs, columns);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
@@ -239,7 +239,7 @@ TEST(PixelRulesTest, APlainRasterHasNoRules) {
     for (const PixelRules& rules :
          {PixelRules(), PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20)),
           PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
-        EXPECT_TRUE(rules.positionsAreFree());
+        EXPECT_TRUE(rules.empty());
         EXPECT_EQ(rules.embeddedColours(), nullptr);
     }
 }
@@ -256,8 +256,7 @@ TEST(PixelRulesTest, BlankPlanesAndPaddingCostNothing) {
     plane.data = zeroes.data();
     source.raster->add60XXOverlayInfo(plane);
     TableMap map;
-    EXPECT_TRUE(
-        PixelRules::forResampling(*source.raster, &map, zeroes.data(), 0, obliqueStepping(20)).positionsAreFree());
+    EXPECT_TRUE(PixelRules::forResampling(*source.raster, &map, zeroes.data(), 0, obliqueStepping(20)).empty());
 }
 
 TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
@@ -267,7 +266,7 @@ TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
     const RuledRaster source = zoltest::makeRuledRaster(random, 20, 20, CCS_GREY12, 1.0, choice);
     TableMap map;
     const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20));
-    EXPECT_TRUE(rules.positionsAreFree());
+    EXPECT_TRUE(rules.empty());
     EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
 }
 
@@ -291,8 +290,8 @@ TEST(PixelRulesTest, PositionsThatRoundUpReachAPlanesFirstColumnAndRow) {
         PixelRuns runs;
         for (const zolcs::Fixed16 before : {justBefore, justBefore - 1}) {
             const zolcs::Fixed16 inside = 4 * fixed16One;
-            const SourceLine line{across ? before : inside, across ? inside : before, 3, 5};
-            rules.cut(line, {0, 1}, runs);
+            const DisplayRow row{across ? before : inside, across ? inside : before, 3, 5};
+            rules.cut(row, {0, 1}, runs);
             const bool shows = before == justBefore;
             const PixelRun expected{0, 1, shows ? PixelRun::Shows::Plane : PixelRun::Shows::Image,
                                     shows ? map.groupColours[0] : 0};
@@ -319,14 +318,14 @@ TEST(PixelRulesTest, CirclesAndPolygonsOnVeryLargeSources) {
         for (int k = 0; k < 20; ++k) {
             // Close to the circle's edge, where the rounding of single precision decides.
             const zolcs::Fixed16 edge = (random.chance(0.5) ? left : left + size) * fixed16One;
-            const SourceLine line{edge + random.integer(-200000, 200000), random.integer(1, 3 * 65536 - 1),
+            const DisplayRow row{edge + random.integer(-200000, 200000), random.integer(1, 3 * 65536 - 1),
                                   random.integer(-900, 900), 0};
-            const zolcs::Span span = zolcs::spanOf(line, width * fixed16One, 3 * fixed16One, 400);
-            rules.cut(line, {span.begin(), span.end()}, runs);
+            const ColumnRange span = zolcs::spanOf(row, width * fixed16One, 3 * fixed16One, 400);
+            rules.cut(row, span, runs);
             for (const PixelRun& run : runs) {
                 for (int x = run.begin; x < run.end; ++x) {
                     ASSERT_EQ(shownBy(rules, run, 0), zoltest::shownInstead(*source.raster, nullptr, nullptr, 0, 500,
-                                                                            line.uAt(x), line.vAt(x), 0));
+                                                                            row.uAt(x), row.vAt(x), 0));
                 }
             }
         }
@@ -359,7 +358,7 @@ TEST(PixelRulesTest, ExtremeShuttersAreSafe) {
              {PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(500)),
               PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
             for (int y = 0; y < 30; ++y) {
-                rules.cut(PixelRules::wholeRasterLine(y), {1, 30}, runs);
+                rules.cut(PixelRules::wholeRasterRow(y), {1, 30}, runs);
                 expectWellFormed(runs, {1, 30});
             }
         }

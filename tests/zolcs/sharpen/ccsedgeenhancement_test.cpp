@@ -5,8 +5,8 @@
 #include "support/map_support.h"
 #include "support/new_failure.h"
 #include "support/report_capture.h"
-#include "zolcs/resample/spanoperations.h"
-#include "zolcs/sharpen/unsharplines.h"
+#include "zolcs/sharpen/unsharprows.h"
+#include "zolcs/simd/variant.h"
 
 #include <cstring>
 #include <limits>
@@ -15,7 +15,7 @@
 
 namespace {
 
-using zolcs::SpanOperations;
+namespace simd = zolcs::simd;
 using zolcs::UnsharpSettings;
 using zoltest::errorReport;
 using zoltest::GuardedRaster;
@@ -116,7 +116,7 @@ long anyStrength(Random& random) {
 
 class CCsEdgeEnhancementTest : public ::testing::Test {
 protected:
-    ~CCsEdgeEnhancementTest() override { SpanOperations::choose(""); }
+    ~CCsEdgeEnhancementTest() override { simd::choose(""); }
 
     /// Calls `call` with every variant of the fast loops; each must leave the destination's whole memory as `restate`
     /// does, and the source as it was.
@@ -126,8 +126,8 @@ protected:
         const std::vector<unsigned char> source = src.memory.all();
         restate();
         const std::vector<unsigned char> expected = dst.memory.all();
-        for (const std::string& variant : SpanOperations::variants()) {
-            ASSERT_TRUE(SpanOperations::choose(variant));
+        for (const std::string& variant : simd::variants()) {
+            ASSERT_TRUE(simd::choose(variant));
             dst.memory.all() = before;
             ASSERT_EQ(call(), 255);
             ASSERT_TRUE(dst.memory.all() == expected) << variant;
@@ -238,8 +238,8 @@ TEST_F(CCsEdgeEnhancementTest, BoxesFarBeyondAnyImageCopy) {
 
 TEST_F(CCsEdgeEnhancementTest, TheSourcesTypeSaysHowFinelyTheMeanIsScaled) {
     // A mean of 1/81 with strength -1: -(1024 / 81) is less than 0 and rounds down to -1, -(64 / 81) is nothing.
-    for (const std::string& variant : SpanOperations::variants()) {
-        SpanOperations::choose(variant);
+    for (const std::string& variant : simd::variants()) {
+        simd::choose(variant);
         for (const int type : {CCS_GREY12, CCS_GREY16}) {
             for (const int resultType : {CCS_GREY12, CCS_GREY16}) {
                 GuardedRaster src(9, 9, type, 9, 1);
@@ -265,8 +265,8 @@ TEST_F(CCsEdgeEnhancementTest, BoxOneWithoutStrengthCopies) {
 }
 
 TEST_F(CCsEdgeEnhancementTest, FlatImagesStayAsTheyAreForAnyStrength) {
-    for (const std::string& variant : SpanOperations::variants()) {
-        SpanOperations::choose(variant);
+    for (const std::string& variant : simd::variants()) {
+        simd::choose(variant);
         for (const unsigned value : {0U, 1U, 2047U, 4095U, 40000U, 65535U}) {
             GuardedRaster src(37, 30, CCS_GREY16, 40, 1);
             GuardedRaster dst(37, 30, CCS_GREY16, 37, 1);
@@ -289,8 +289,8 @@ TEST_F(CCsEdgeEnhancementTest, FlatImagesStayAsTheyAreForAnyStrength) {
 TEST_F(CCsEdgeEnhancementTest, LargeBoxesDoNotOverflow) {
     // Sums of a box beyond 32 bits, of a line of boxes beyond 2^31: still flat.
     for (const auto& [size, strength] : {std::pair{300L, 1L}, std::pair{257L, 5L}, std::pair{200L, 1L << 20U}}) {
-        for (const std::string& variant : SpanOperations::variants()) {
-            SpanOperations::choose(variant);
+        for (const std::string& variant : simd::variants()) {
+            simd::choose(variant);
             GuardedRaster src(330, 310, CCS_GREY16, 330, 1);
             GuardedRaster dst(330, 310, CCS_GREY16, 331, 1);
             fillGrey(src, 65535);
@@ -307,8 +307,8 @@ TEST_F(CCsEdgeEnhancementTest, ColumnSumsOfColourWrapUnderLargeBoxes) {
     // 257 * 255 still fits 16 bits; 258 * 255 leaves 254 of 65790.
     ASSERT_EQ(enhancement_.edgeEnhancementRGB8(src, dst, 257, 1), 255);
     EXPECT_EQ(pixelAt(dst, 130, 130)[0], 255);
-    for (const std::string& variant : SpanOperations::variants()) {
-        SpanOperations::choose(variant);
+    for (const std::string& variant : simd::variants()) {
+        simd::choose(variant);
         ASSERT_EQ(enhancement_.edgeEnhancementRGB8(src, dst, 258, -1), 255);
         // 255 * 0 - ((258 * 254 * -1024) / (258 * 258) >> 10) = 1, with the border as it was.
         EXPECT_EQ(pixelAt(dst, 130, 130)[1], 1);
@@ -504,8 +504,8 @@ TEST_F(CCsEdgeEnhancementTest, ExhaustedMemoryIsReported) {
 
 TEST_F(CCsEdgeEnhancementTest, FilteringInPlaceStaysInsideTheMemory) {
     zoltest::Random random(49);
-    for (const std::string& variant : SpanOperations::variants()) {
-        SpanOperations::choose(variant);
+    for (const std::string& variant : simd::variants()) {
+        simd::choose(variant);
         for (const bool colour : {false, true}) {
             for (const long size : {1L, 3L, 8L, 41L, 100L}) {
                 GuardedRaster image(50, 41, colour ? CCS_RGB8 : CCS_GREY12, 53, 1);

@@ -53,7 +53,7 @@ public:
             const std::int64_t offset = static_cast<std::int64_t>(i) - 1;
             square.columns[i] =
                 static_cast<std::ptrdiff_t>(std::clamp<std::int64_t>(pixelOf(u) + offset, 0, lastColumn_));
-            square.rows[i] = source_.line(std::clamp<std::int64_t>(pixelOf(v) + offset, 0, lastRow_));
+            square.rows[i] = source_.row(std::clamp<std::int64_t>(pixelOf(v) + offset, 0, lastRow_));
         }
         return square;
     }
@@ -78,7 +78,7 @@ private:
 class CubicGrey {
 public:
     using Pixel = std::uint16_t;
-    using Source = CubicSource<std::uint16_t, deepCubicSteps>;
+    using Source = CubicSource<std::uint16_t, fineCubicSteps>;
 
     /// `mask` holds the bits of a grey value, and is the highest one; `keptBits` those that the result takes from the
     /// pixel on which the position falls, as stored.

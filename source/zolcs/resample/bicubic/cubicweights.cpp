@@ -9,7 +9,7 @@ namespace zolcs {
 namespace {
 
 struct Tables {
-    CubicWeights* deep = nullptr;
+    CubicWeights* fine = nullptr;
     CubicWeights* coarse = nullptr;
     bool freed = false;
 
@@ -17,7 +17,7 @@ struct Tables {
     /// way round.
     void free() {
         if (std::exchange(freed, true)) return;
-        delete[] deep;
+        delete[] fine;
         delete[] coarse;
     }
 };
@@ -57,15 +57,15 @@ CubicWeights* makeTable(int steps) {
 }  // namespace
 
 void buildCubicWeights() {
-    if (tables.deep == nullptr) tables.deep = makeTable(deepCubicSteps);
+    if (tables.fine == nullptr) tables.fine = makeTable(fineCubicSteps);
     if (tables.coarse == nullptr) tables.coarse = makeTable(coarseCubicSteps);
 }
 
 void freeCubicWeights() { tables.free(); }
 
-const CubicWeights* deepCubicWeights() {
+const CubicWeights* fineCubicWeights() {
     assert(!tables.freed);
-    return tables.deep;
+    return tables.fine;
 }
 
 const CubicWeights* coarseCubicWeights() {

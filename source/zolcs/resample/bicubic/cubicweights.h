@@ -9,7 +9,7 @@ namespace zolcs {
 /// 16.16 weights of the samples at the offsets -1, 0, 1 and 2; their sum is exactly 65536.
 using CubicWeights = std::array<std::int32_t, 4>;
 
-inline constexpr int deepCubicSteps = 4096;   ///< entries of the table for grey values
+inline constexpr int fineCubicSteps = 4096;   ///< entries of the table for grey values
 inline constexpr int coarseCubicSteps = 256;  ///< entries of the table for colour bytes
 
 /// Builds the tables that do not exist yet; throws 1 when memory is exhausted. Not locked: the first call must be over
@@ -19,8 +19,8 @@ void buildCubicWeights();
 /// Frees both tables for good: nothing may ask for weights afterwards. Unless it was called, they are freed at unload.
 void freeCubicWeights();
 
-/// The tables; entry i holds the weights at the fraction i / deepCubicSteps or i / coarseCubicSteps.
-[[nodiscard]] const CubicWeights* deepCubicWeights();
+/// The tables; entry i holds the weights at the fraction i / fineCubicSteps or i / coarseCubicSteps.
+[[nodiscard]] const CubicWeights* fineCubicWeights();
 [[nodiscard]] const CubicWeights* coarseCubicWeights();
 
 }  // namespace zolcs

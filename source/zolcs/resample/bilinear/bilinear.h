@@ -29,7 +29,7 @@ public:
     [[nodiscard]] Square around(Fixed16 u, Fixed16 v) const {
         const Fixed16 atU = std::clamp<Fixed16>(u - fixed16One / 2, 0, lastU_);
         const Fixed16 atV = std::clamp<Fixed16>(v - fixed16One / 2, 0, lastV_);
-        const Pixel* top = source_.line(pixelOf(atV)) + pixelOf(atU);
+        const Pixel* top = source_.row(pixelOf(atV)) + pixelOf(atU);
         return {top, atV < lastV_ ? top + source_.pitch() : top, atU < lastU_ ? 1 : 0,
                 static_cast<std::uint32_t>(atU & 0xFFFF), static_cast<std::uint32_t>(atV & 0xFFFF)};
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "zolcs/resample/bicubic/cubicweights.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/view/samplingoffsets.h"
 
 #include <cstdint>
 
@@ -11,19 +11,19 @@ namespace zolcs {
 /// What kernels compute, for `count` positions whose source pixels all exist: nothing is limited to the source here.
 /// Positions have been shifted by half a pixel, so that whole numbers are pixel centres. All variants give the same
 /// bits.
-struct BlockOperations {
+struct ObliqueOperations {
     /// Grey values on the plain path; `mask` holds their bits.
-    void (*bilinearGrey)(const std::uint16_t* source, const SpanPositions& positions, std::uint16_t mask, int count,
+    void (*bilinearGrey)(const std::uint16_t* source, const SamplePositions& positions, std::uint16_t mask, int count,
                          std::uint16_t* out);
-    void (*bilinearRgb)(const std::uint32_t* source, const SpanPositions& positions, int count, std::uint32_t* out);
+    void (*bilinearRgb)(const std::uint32_t* source, const SamplePositions& positions, int count, std::uint32_t* out);
     /// `mask` is 0x0FFF or 0xFFFF.
-    void (*cubicGrey)(const std::uint16_t* source, const SpanPositions& positions, const CubicWeights* weights,
+    void (*cubicGrey)(const std::uint16_t* source, const SamplePositions& positions, const CubicWeights* weights,
                       std::uint16_t mask, int count, std::uint16_t* out);
-    void (*cubicRgb)(const std::uint32_t* source, const SpanPositions& positions, const CubicWeights* weights,
+    void (*cubicRgb)(const std::uint32_t* source, const SamplePositions& positions, const CubicWeights* weights,
                      int count, std::uint32_t* out);
 
     /// The variant for this processor, or the one that a test has chosen; null where there is none.
-    static const BlockOperations* chosen();
+    static const ObliqueOperations* chosen();
 };
 
 }  // namespace zolcs

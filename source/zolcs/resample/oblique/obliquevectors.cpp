@@ -7,6 +7,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "zolcs/simd/variant.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -31,7 +33,7 @@ constexpr int lanes32 = static_cast<int>(hn::MaxLanes(U32()));
 /// Walks positions, a vector at a time.
 class Positions {
 public:
-    explicit Positions(const SpanPositions& positions)
+    explicit Positions(const SamplePositions& positions)
         : u_(hn::Add(hn::Set(U32(), positions.u), hn::Mul(hn::Iota(U32(), 0), hn::Set(U32(), positions.du)))),
           v_(hn::Add(hn::Set(U32(), positions.v), hn::Mul(hn::Iota(U32(), 0), hn::Set(U32(), positions.dv)))),
           uStep_(hn::Set(U32(), positions.du * lanes32)),
@@ -62,7 +64,7 @@ constexpr int blockPixels = 64;
 
 /// The 2 x 2 pixels at a block's positions: left and right in one word.
 template <typename Pixel, typename Pair>
-HWY_INLINE void fetchPairs(const Pixel* source, const SpanPositions& block, int count, Pair* tops, Pair* bottoms) {
+HWY_INLINE void fetchPairs(const Pixel* source, const SamplePositions& block, int count, Pair* tops, Pair* bottoms) {
     static_assert(sizeof(Pair) == 2 * sizeof(Pixel));
     HWY_ALIGN std::uint32_t offsets[blockPixels];
     Positions positions(block);
@@ -91,7 +93,7 @@ HWY_INLINE void storeFirst(hn::Vec<D> pixels, D d, int count, Pixel* out) {
 
 /// Calls block(positions, at, count) for blocks of pixels.
 template <int Pixels, typename Block>
-HWY_INLINE void visitBlocks(SpanPositions positions, int count, const Block& block) {
+HWY_INLINE void visitBlocks(SamplePositions positions, int count, const Block& block) {
     for (int at = 0; at < count; at += Pixels) {
         block(positions, at, std::min(count - at, Pixels));
         positions.u += positions.du * static_cast<std::uint32_t>(Pixels);
@@ -104,14 +106,14 @@ HWY_INLINE V32 blend(V32 a, V32 b, V32 fraction) {
     return hn::Add(a, hn::ShiftRight<16>(hn::Mul(hn::Sub(b, a), fraction)));
 }
 
-void bilinearGrey(const std::uint16_t* source, const SpanPositions& all, std::uint16_t mask, int count,
+void bilinearGrey(const std::uint16_t* source, const SamplePositions& all, std::uint16_t mask, int count,
                   std::uint16_t* out) {
     const I32 d;
     const hn::Rebind<std::uint16_t, I32> d16;
     const auto bits = hn::Set(d, mask);
     const auto fractionU = hn::Set(d, 0xFFFE);
     const auto fractionV = hn::Set(d, mask & 0xFFFF);
-    visitBlocks<blockPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
+    visitBlocks<blockPixels>(all, count, [&](const SamplePositions& first, int at, int pixels) {
         HWY_ALIGN std::int32_t tops[blockPixels];  // left and right pixel in one word
         HWY_ALIGN std::int32_t bottoms[blockPixels];
         Positions positions(first);
@@ -136,14 +138,14 @@ HWY_INLINE V16 blendBytes(V16 a, V16 b, V16 halfFraction) {
     return hn::Add(a, hn::MulHigh(hn::ShiftLeft<1>(hn::Sub(b, a)), halfFraction));
 }
 
-void bilinearRgb(const std::uint32_t* source, const SpanPositions& all, int count, std::uint32_t* out) {
+void bilinearRgb(const std::uint32_t* source, const SamplePositions& all, int count, std::uint32_t* out) {
     const U32 d;
     const I16 d16;
     const U64 d64;
     const auto low = hn::Set(d, 0x00FF00FF);
     const auto lowest = hn::Set(d, 0x000000FF);
     const auto half = hn::Set(d, 0x7FFF);
-    visitBlocks<blockPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
+    visitBlocks<blockPixels>(all, count, [&](const SamplePositions& first, int at, int pixels) {
         HWY_ALIGN std::uint64_t tops[blockPixels];  // left and right pixel in one word
         HWY_ALIGN std::uint64_t bottoms[blockPixels];
         Positions positions(first);
@@ -206,7 +208,7 @@ HWY_INLINE hn::Vec<D> gatherBlocks(D d, const BlockOf& block) {
 /// bytes.
 template <int FractionShift, int Entries>
 struct CubicBlock {
-    HWY_INLINE CubicBlock(const SpanPositions& first, int pixels) {
+    HWY_INLINE CubicBlock(const SamplePositions& first, int pixels) {
         const Positions positions(first);
         const auto weights = [](hn::Vec<U32> coordinate) {
             const auto entry = hn::And(hn::ShiftRight<FractionShift>(coordinate), hn::Set(U32(), Entries - 1));
@@ -277,21 +279,21 @@ HWY_INLINE hn::Vec128<std::int16_t> rowPair(const std::uint16_t* low, const std:
 }
 
 /// The four sums along the rows of a 4 x 4 for every fourth pixel, shifted right by 16.
-template <bool Deep>
+template <bool SixteenBits>
 HWY_INLINE V32 rowsOf(const std::uint16_t* source, std::ptrdiff_t pitch, const std::uint32_t* offsets, int first,
                       V32 across) {
     const I16 d;
     const I32 d32;
     const U64 d64;
-    // Two rows at a time, with the bits that count. Deep values are made signed; the sum of all weights is 65536, so
-    // that the result is less by 32768.
+    // Two rows at a time, with the bits that count. Values of 16 bits are made signed; the sum of all weights is 65536,
+    // so that the result is less by 32768.
     const auto rows = [&](std::ptrdiff_t upper) {
         const auto stored = gatherBlocks(d, [&](int b) {
             const std::uint16_t* from = source + offsets[first + 4 * b] + upper * pitch;
             return rowPair(from, from + 2 * pitch);
         });
-        return Deep ? hn::Xor(stored, hn::Set(d, static_cast<std::int16_t>(-0x8000)))
-                    : hn::And(stored, hn::Set(d, 0x0FFF));
+        return SixteenBits ? hn::Xor(stored, hn::Set(d, static_cast<std::int16_t>(-0x8000)))
+                           : hn::And(stored, hn::Set(d, 0x0FFF));
     };
     const auto even = rows(0);  // 0 and 2
     const auto odd = rows(1);   // 1 and 3
@@ -308,18 +310,18 @@ HWY_INLINE V32 rowsOf(const std::uint16_t* source, std::ptrdiff_t pitch, const s
     return joined(added(weights.high), added(weights.low));
 }
 
-template <bool Deep>
-HWY_INLINE void cubicGreyBlock(const std::uint16_t* source, const SpanPositions& first, const CubicWeights* weights,
+template <bool SixteenBits>
+HWY_INLINE void cubicGreyBlock(const std::uint16_t* source, const SamplePositions& first, const CubicWeights* weights,
                                int pixels, std::uint16_t* out) {
     const I32 d;
     const hn::Rebind<std::uint16_t, I32> d16;
-    const CubicBlock<4, deepCubicSteps> block(first, pixels);
+    const CubicBlock<4, fineCubicSteps> block(first, pixels);
     const auto rows = [&](int k) {
-        return rowsOf<Deep>(source, first.pitch, block.offsets, k, weightsOf(weights, block.across, k));
+        return rowsOf<SixteenBits>(source, first.pitch, block.offsets, k, weightsOf(weights, block.across, k));
     };
     const auto down = [&](int k) { return weightsOf(weights, block.down, k); };
     V32 values;
-    if constexpr (Deep) {
+    if constexpr (SixteenBits) {
         const auto high = [&](V32 row, int k) { return hn::Mul(row, hn::ShiftRight<2>(down(k))); };
         const auto low = [&](V32 row, int k) { return hn::Mul(row, hn::And(down(k), hn::Set(d, 3))); };
         const V32 r0 = rows(0);
@@ -338,11 +340,11 @@ HWY_INLINE void cubicGreyBlock(const std::uint16_t* source, const SpanPositions&
     storeFirst(hn::DemoteTo(d16, values), d16, pixels, out);
 }
 
-void cubicGrey(const std::uint16_t* source, const SpanPositions& all, const CubicWeights* weights, std::uint16_t mask,
+void cubicGrey(const std::uint16_t* source, const SamplePositions& all, const CubicWeights* weights, std::uint16_t mask,
                int count, std::uint16_t* out) {
-    const bool deep = mask == 0xFFFF;
-    visitBlocks<cubicPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
-        (deep ? cubicGreyBlock<true> : cubicGreyBlock<false>)(source, first, weights, pixels, out + at);
+    const bool sixteenBits = mask == 0xFFFF;
+    visitBlocks<cubicPixels>(all, count, [&](const SamplePositions& first, int at, int pixels) {
+        (sixteenBits ? cubicGreyBlock<true> : cubicGreyBlock<false>)(source, first, weights, pixels, out + at);
     });
 }
 
@@ -379,7 +381,7 @@ HWY_INLINE V32 colourOf(const std::uint32_t* source, std::ptrdiff_t pitch, const
                    hn::Add(hn::Mul(row(2), hn::Broadcast<2>(down)), hn::Mul(row(3), hn::Broadcast<3>(down))));
 }
 
-void cubicRgb(const std::uint32_t* source, const SpanPositions& all, const CubicWeights* weights, int count,
+void cubicRgb(const std::uint32_t* source, const SamplePositions& all, const CubicWeights* weights, int count,
               std::uint32_t* out) {
     const U32 d;
     const I32 d32;
@@ -388,7 +390,7 @@ void cubicRgb(const std::uint32_t* source, const SpanPositions& all, const Cubic
     HWY_ALIGN static constexpr std::uint8_t lowest[16] = {0,    4,    8,    12,   0x80, 0x80, 0x80, 0x80,
                                                           0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80};
     const auto narrow = hn::LoadDup128(bytes, lowest);
-    visitBlocks<cubicPixels>(all, count, [&](const SpanPositions& first, int at, int pixels) {
+    visitBlocks<cubicPixels>(all, count, [&](const SamplePositions& first, int at, int pixels) {
         const CubicBlock<8, coarseCubicSteps> block(first, pixels);
         const auto colour = [&](int k) {
             const V32 sums = colourOf(source, first.pitch, block.offsets, k, weightsOf(weights, block.across, k),
@@ -402,15 +404,15 @@ void cubicRgb(const std::uint32_t* source, const SpanPositions& all, const Cubic
     });
 }
 
-const BlockOperations* blockOperations() {
-    static constexpr BlockOperations table{bilinearGrey, bilinearRgb, cubicGrey, cubicRgb};
+const ObliqueOperations* obliqueOperations() {
+    static constexpr ObliqueOperations table{bilinearGrey, bilinearRgb, cubicGrey, cubicRgb};
     return &table;
 }
 
 #else
 
 /// The sums above rely on the order in which x86 adds pairs of products.
-const BlockOperations* blockOperations() { return nullptr; }
+const ObliqueOperations* obliqueOperations() { return nullptr; }
 
 #endif
 
@@ -421,11 +423,11 @@ HWY_AFTER_NAMESPACE();
 
 namespace zolcs {
 namespace {
-HWY_EXPORT(blockOperations);
+HWY_EXPORT(obliqueOperations);
 }
 
-const BlockOperations* BlockOperations::chosen() {
-    return SpanOperations::usesVectors() ? HWY_DYNAMIC_DISPATCH(blockOperations)() : nullptr;
+const ObliqueOperations* ObliqueOperations::chosen() {
+    return simd::usesVectors() ? HWY_DYNAMIC_DISPATCH(obliqueOperations)() : nullptr;
 }
 
 }  // namespace zolcs
@@ -434,6 +436,6 @@ const BlockOperations* BlockOperations::chosen() {
 
 #else
 
-const zolcs::BlockOperations* zolcs::BlockOperations::chosen() { return nullptr; }
+const zolcs::ObliqueOperations* zolcs::ObliqueOperations::chosen() { return nullptr; }
 
 #endif  // ZOL_USE_HIGHWAY

@@ -1,13 +1,10 @@
 #include "zolcs/resample/upright/uprightoperations.h"
 
-#include "zolcs/resample/spanoperations.h"
+#include "platform/cache.h"
 #include "zolcs/resample/upright/uprightvectors.h"
+#include "zolcs/simd/variant.h"
 
 #include <algorithm>
-
-#if defined(__SSE2__) || defined(_M_X64)
-#include <emmintrin.h>
-#endif
 
 namespace zolcs {
 
@@ -154,30 +151,28 @@ bool cubicRgbDown(const std::array<const std::int16_t*, 4>& rows, const CubicWei
     });
 }
 
-constexpr LineOperations portableOperations{bilinearGrey12Across,        bilinearGrey16Across,    bilinearRgbAcross,
-                                            bilinearGrey12Down,          bilinearGrey16Down,      bilinearRgbDown,
-                                            cubicGreyAcross<twelveBits>, cubicGreyAcross<0xFFFF>, cubicRgbAcross,
-                                            cubicGreyDown<twelveBits>,   cubicGreyDown<0xFFFF>,   cubicRgbDown};
+constexpr UprightOperations portableOperations{bilinearGrey12Across,        bilinearGrey16Across,    bilinearRgbAcross,
+                                               bilinearGrey12Down,          bilinearGrey16Down,      bilinearRgbDown,
+                                               cubicGreyAcross<twelveBits>, cubicGreyAcross<0xFFFF>, cubicRgbAcross,
+                                               cubicGreyDown<twelveBits>,   cubicGreyDown<0xFFFF>,   cubicRgbDown};
 
 }  // namespace
 
-const LineOperations& LineOperations::chosen() {
+const UprightOperations& UprightOperations::chosen() {
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return linevectors::chosen();
+    if (simd::usesVectors()) return uprightvectors::chosen();
 #endif
     return portable();
 }
 
-const LineOperations& LineOperations::portable() { return portableOperations; }
+const UprightOperations& UprightOperations::portable() { return portableOperations; }
 
-bool lookUpLine(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out, StopFlag stop) {
+bool lookUpRow(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out, StopFlag stop) {
     int begin = 0;
     for (; begin + StopFlag::block <= count; begin += StopFlag::block) {
         if (stop.isRaised()) return false;
-#if defined(__SSE2__) || defined(_M_X64)
-        // As a number: the address may lie beyond the image.
-        constexpr std::uintptr_t page = 4096;
-        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(out + begin) + page), _MM_HINT_T0);
+#if defined(ZOL_SSE2)
+        zolplatform::prefetch(out + begin, zolplatform::pageBytes);
         const auto entries = [&](int i) {
             const auto entry = [&](int at) { return _mm_cvtsi32_si128(static_cast<int>(table[values[at]])); };
             return _mm_unpacklo_epi32(entry(i), entry(i + 1));

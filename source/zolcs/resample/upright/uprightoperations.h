@@ -38,7 +38,7 @@ using DownOperation = bool (*)(const std::array<const Sample*, Rows>& rows, Weig
                                StopFlag stop);
 
 /// All variants give the same bits.
-struct LineOperations {
+struct UprightOperations {
     // Bilinear. The fraction at which a column lies between its two pixels counts from 0 to 65536, the second pixel.
 
     /// Weights: minus half of 65536 - fraction, minus half of the fraction. Values have 12 bits, others are cut off.
@@ -61,15 +61,15 @@ struct LineOperations {
     DownOperation<std::int32_t, 4, const CubicWeights&, std::uint16_t> cubicGrey16Down;
     DownOperation<std::int16_t, 4, const CubicWeights&, std::uint32_t> cubicRgbDown;
 
-    /// The variant that goes with the chosen SpanOperations.
-    static const LineOperations& chosen();
+    /// The variant for this processor, or the one that a test has chosen.
+    static const UprightOperations& chosen();
 
     /// The variant that every processor runs.
-    static const LineOperations& portable();
+    static const UprightOperations& portable();
 };
 
 /// out[i] = table[values[i]] for a table of 65536 entries; looks at the flag before each block, false when it was
 /// raised.
-bool lookUpLine(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out, StopFlag stop);
+bool lookUpRow(const std::uint16_t* values, int count, const std::uint32_t* table, std::uint32_t* out, StopFlag stop);
 
 }  // namespace zolcs

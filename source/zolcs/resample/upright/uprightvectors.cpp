@@ -2,10 +2,10 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/resample/upright/uprightvectors.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "platform/cache.h"
 #include "zolcs/resample/upright/uprightvectors.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace zolcs::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 
-const LineOperations* lineOperations() { return &LineOperations::portable(); }
+const UprightOperations* uprightOperations() { return &UprightOperations::portable(); }
 
 #else
 
@@ -136,8 +136,8 @@ HWY_INLINE bool withColumns(const std::uint16_t* row, const ColumnTaps& taps, co
 /// Fetches the pixels of a block of columns into the cache.
 template <typename Pixel>
 HWY_INLINE void prefetchBlock(const Pixel* row, const ColumnTaps& taps, int block) {
-    hwy::Prefetch(row + taps.offsets[block]);
-    if constexpr (sizeof(Pixel) == 4) hwy::Prefetch(row + taps.offsets[block + blockSize / 2]);
+    zolplatform::prefetch(row + taps.offsets[block], 0);
+    if constexpr (sizeof(Pixel) == 4) zolplatform::prefetch(row + taps.offsets[block + blockSize / 2], 0);
 }
 
 #if HWY_MAX_BYTES >= 32
@@ -295,13 +295,6 @@ bool bilinearGrey16Down(const std::array<const std::int32_t*, 2>& rows, std::uin
     });
 }
 
-/// Tells the processor that what lies a page behind will be written soon: its own prefetching ends with each page. As a
-/// number: the address may lie beyond the image.
-HWY_INLINE void prefetchAhead(const std::uint32_t* out) {
-    constexpr std::uintptr_t page = 4096;
-    hwy::Prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(out) + page));
-}
-
 /// Makes display pixels of levels and stores them; the fourth byte becomes 0.
 template <typename V>
 HWY_INLINE void storePixels(V levels, std::uint32_t* out) {
@@ -322,7 +315,8 @@ bool bilinearRgbDown(const std::array<const std::uint32_t*, 2>& rows, std::uint3
         return hn::BitCast(Levels(), hn::PromoteTo(du, bytes));
     };
     return forBlocks(count, out, stop, [&](int block, std::uint32_t* blockOut) {
-        prefetchAhead(blockOut);
+        // The processor's own prefetching ends with each page.
+        zolplatform::prefetch(blockOut, zolplatform::pageBytes);
         for (int i = 0; i < blockSize; i += pixels) {
             const auto top = levels(rows[0] + block + i);
             const auto bottom = levels(rows[1] + block + i);
@@ -514,18 +508,18 @@ bool cubicRgbDown(const std::array<const std::int16_t*, 4>& rows, const CubicWei
     constexpr int pixels = static_cast<int>(hn::MaxLanes(Levels())) / 4;
     const RowPairWeights<Levels> pairs(weights);
     return forBlocks(count, out, stop, [&](int block, std::uint32_t* blockOut) {
-        prefetchAhead(blockOut);
+        zolplatform::prefetch(blockOut, zolplatform::pageBytes);
         for (int i = 0; i < blockSize; i += pixels) storePixels(pairs.weigh(rows, 4 * (block + i)), blockOut + i);
     });
 }
 
 }  // namespace
 
-const LineOperations* lineOperations() {
-    static constexpr LineOperations table{bilinearGrey12Across, bilinearGrey16Across, bilinearRgbAcross,
-                                          bilinearGrey12Down,   bilinearGrey16Down,   bilinearRgbDown,
-                                          cubicGrey12Across,    cubicGrey16Across,    cubicRgbAcross,
-                                          cubicGrey12Down,      cubicGrey16Down,      cubicRgbDown};
+const UprightOperations* uprightOperations() {
+    static constexpr UprightOperations table{bilinearGrey12Across, bilinearGrey16Across, bilinearRgbAcross,
+                                             bilinearGrey12Down,   bilinearGrey16Down,   bilinearRgbDown,
+                                             cubicGrey12Across,    cubicGrey16Across,    cubicRgbAcross,
+                                             cubicGrey12Down,      cubicGrey16Down,      cubicRgbDown};
     return &table;
 }
 
@@ -538,14 +532,14 @@ HWY_AFTER_NAMESPACE();
 
 namespace zolcs {
 namespace {
-HWY_EXPORT(lineOperations);
+HWY_EXPORT(uprightOperations);
 }
 
-namespace linevectors {
+namespace uprightvectors {
 
-const LineOperations& chosen() { return *HWY_DYNAMIC_DISPATCH(lineOperations)(); }
+const UprightOperations& chosen() { return *HWY_DYNAMIC_DISPATCH(uprightOperations)(); }
 
-}  // namespace linevectors
+}  // namespace uprightvectors
 }  // namespace zolcs
 
 #endif  // HWY_ONCE

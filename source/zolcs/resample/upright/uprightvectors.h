@@ -1,11 +1,11 @@
-// The vector variants of the line operations. Empty where the vector library is not there.
+// The vector variants of the upright operations. Empty where the vector library is not there.
 #pragma once
 
 #include "zolcs/resample/upright/uprightoperations.h"
 
-namespace zolcs::linevectors {
+namespace zolcs::uprightvectors {
 
-/// The operations of the variant that spanvectors has chosen.
-const LineOperations& chosen();
+/// The operations of the chosen variant.
+const UprightOperations& chosen();
 
-}  // namespace zolcs::linevectors
+}  // namespace zolcs::uprightvectors

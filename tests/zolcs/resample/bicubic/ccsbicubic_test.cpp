@@ -63,7 +63,7 @@ TEST_F(CCsBicubicTest, TheFieldsHoldThePreparedCallAndAreCopied) {
 }
 
 TEST_F(CCsBicubicTest, TheWeightsAreThoseOfCubicConvolution) {
-    const zolcs::CubicWeights* deep = zolcs::deepCubicWeights();
+    const zolcs::CubicWeights* deep = zolcs::fineCubicWeights();
     const zolcs::CubicWeights* coarse = zolcs::coarseCubicWeights();
     const auto asRestated = [](const zolcs::CubicWeights& got, std::int64_t i) {
         const zolref::FourWeights expected = zolref::weightsAt(i);
@@ -82,11 +82,11 @@ TEST_F(CCsBicubicTest, TheWeightsAreThoseOfCubicConvolution) {
 }
 
 TEST_F(CCsBicubicTest, AllObjectsShareTheirWeights) {
-    const zolcs::CubicWeights* deep = zolcs::deepCubicWeights();
+    const zolcs::CubicWeights* deep = zolcs::fineCubicWeights();
     const zolcs::CubicWeights* coarse = zolcs::coarseCubicWeights();
     const CCsBicubic another;
     const CCsBicubic copy(another);
-    EXPECT_EQ(zolcs::deepCubicWeights(), deep);
+    EXPECT_EQ(zolcs::fineCubicWeights(), deep);
     EXPECT_EQ(zolcs::coarseCubicWeights(), coarse);
 }
 
@@ -273,7 +273,7 @@ TEST(CCsBicubicMembers, StopWhenAnotherThreadAsks) {
         zoltest::expectStoppedByAnotherThread(bicubicMembers(), angle);
     }
     const zoltest::VariantGuard guard;
-    zolcs::SpanOperations::choose("plain");
+    zolcs::simd::choose("plain");
     zoltest::expectStoppedByAnotherThread(bicubicMembers(), 11.0);
 }
 

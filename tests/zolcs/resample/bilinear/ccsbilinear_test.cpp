@@ -289,7 +289,7 @@ TEST(CCsBilinearMembers, StopWhenAnotherThreadAsks) {
         zoltest::expectStoppedByAnotherThread(bilinearMembers(), angle);
     }
     const zoltest::VariantGuard guard;
-    zolcs::SpanOperations::choose("plain");
+    zolcs::simd::choose("plain");
     zoltest::expectStoppedByAnotherThread(bilinearMembers(), 11.0);
 }
 

@@ -6,7 +6,7 @@
 #include "support/nearest_members.h"
 #include "support/variants.h"
 #include "zolcs/ccs2dtrafo.h"
-#include "zolcs/resample/spanoperations.h"
+#include "zolcs/simd/variant.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@
 
 namespace {
 
-using zolcs::SpanOperations;
+namespace simd = zolcs::simd;
 using zoltest::fieldsOf;
 using zoltest::forEachVariant;
 using zoltest::GuardedImage;
@@ -35,7 +35,7 @@ using zoltest::TableMap;
 static_assert(std::is_polymorphic_v<CCsNearest>);
 class CCsNearestTest : public ::testing::Test {
 protected:
-    ~CCsNearestTest() override { SpanOperations::choose(""); }
+    ~CCsNearestTest() override { simd::choose(""); }
 
     ReportCapture reports_;
     CCsNearest nearest_;

@@ -1,5 +1,5 @@
 // Bilinear and bicubic interpolation in views of any angle: every variant against the plain loop.
-#include "zolcs/resample/oblique/oblique.h"
+#include "zolcs/resample/oblique/obliquefiller.h"
 
 #include "support/bicubic_members.h"
 #include "support/bilinear_members.h"
@@ -14,9 +14,9 @@
 
 namespace {
 
-using zolcs::BlockOperations;
 using zolcs::fixed16One;
-using zolcs::SpanOperations;
+using zolcs::ObliqueOperations;
+using zolcs::SamplingOperations;
 using zolcs::StopFlag;
 using zoltest::Random;
 
@@ -46,19 +46,18 @@ void expectSameAtTheFarEnd(const Kernel& kernel, const zolcs::Stepping& stepping
     const zolcs::Copy<typename Kernel::Pixel> copy;
     zoltest::forEachVariant([&](const std::string& variant) {
         using Fast = zolcs::ObliqueFiller<Kernel, zolcs::Copy<typename Kernel::Pixel>>;
-        const bool hasVectors = variant != "plain" && BlockOperations::chosen() != nullptr;
+        const bool hasVectors = variant != "plain" && ObliqueOperations::chosen() != nullptr;
         EXPECT_EQ(Fast::isUsableFor(kernel, stepping), hasVectors && stepping.limitU <= 32768 * fixed16One);
         if (!Fast::isUsableFor(kernel, stepping)) return;
         Fast fast(kernel, copy, StopFlag());
         zolcs::PlainFiller plain(kernel, copy, StopFlag());
         for (int y = 0; y < stepping.height; ++y) {
-            const zolcs::Span span = stepping.span(y);
-            const auto count = static_cast<std::size_t>(span.end() - span.begin());
+            const zolcs::ColumnRange columns = stepping.span(y);
+            const auto count = static_cast<std::size_t>(columns.size());
             std::vector<typename Kernel::Pixel> expected(count);
             std::vector<typename Kernel::Pixel> shown(count);
-            const zolcs::ColumnRange columns{span.begin(), span.end()};
-            EXPECT_TRUE(plain.fill(stepping.line(y), columns, expected.data()));
-            EXPECT_TRUE(fast.fill(stepping.line(y), columns, shown.data()));
+            EXPECT_TRUE(plain.fill(stepping.row(y), columns, expected.data()));
+            EXPECT_TRUE(fast.fill(stepping.row(y), columns, shown.data()));
             ASSERT_EQ(shown, expected) << y;
         }
     });
@@ -79,7 +78,7 @@ TEST(ObliqueProperty, PositionsUpToThirtyOneBits) {
         const zolcs::ImageView<const std::uint32_t> colourView(colour.data(), 0);
         expectSameAtTheFarEnd(zolcs::BilinearGrey({greyView, stepping}, 0xFFFF, 0), stepping);
         expectSameAtTheFarEnd(zolcs::BilinearRgb({colourView, stepping}), stepping);
-        expectSameAtTheFarEnd(zolcs::CubicGrey({greyView, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0xF000),
+        expectSameAtTheFarEnd(zolcs::CubicGrey({greyView, stepping, zolcs::fineCubicWeights()}, 0x0FFF, 0xF000),
                               stepping);
         expectSameAtTheFarEnd(zolcs::CubicRgb({colourView, stepping, zolcs::coarseCubicWeights()}), stepping);
     }
@@ -92,7 +91,7 @@ TEST(ObliqueProperty, EveryEntryOfTheWeights) {
     constexpr int size = 8;
     std::array<std::uint16_t, size * size> pixels{};
     zoltest::forEachVariant([&](const std::string& variant) {
-        const BlockOperations* operations = BlockOperations::chosen();
+        const ObliqueOperations* operations = ObliqueOperations::chosen();
         if (variant == "plain" || operations == nullptr) return;
         for (const auto mask : {std::uint16_t{0x0FFF}, std::uint16_t{0xFFFF}}) {
             for (int round = 0; round < 20; ++round) {
@@ -101,12 +100,12 @@ TEST(ObliqueProperty, EveryEntryOfTheWeights) {
                                                : static_cast<std::uint16_t>(random.chance(0.5) ? 0xFFFF : 0);
                 }
                 const zolcs::Stepping stepping = zolcs::makeStepping({1, 0, 0, 1, 0, 0}, size, size, size, size);
-                const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::deepCubicWeights()}, mask, 0);
+                const zolcs::CubicGrey kernel({{pixels.data(), size}, stepping, zolcs::fineCubicWeights()}, mask, 0);
                 const auto v = static_cast<std::uint32_t>(2 * fixed16One + random.integer(0, 65535));
-                std::vector<std::uint16_t> shown(zolcs::deepCubicSteps);
-                operations->cubicGrey(pixels.data(), {2U << 16U, v, 16, 0, size}, zolcs::deepCubicWeights(), mask,
-                                      zolcs::deepCubicSteps, shown.data());
-                for (int i = 0; i < zolcs::deepCubicSteps; ++i) {
+                std::vector<std::uint16_t> shown(zolcs::fineCubicSteps);
+                operations->cubicGrey(pixels.data(), {2U << 16U, v, 16, 0, size}, zolcs::fineCubicWeights(), mask,
+                                      zolcs::fineCubicSteps, shown.data());
+                for (int i = 0; i < zolcs::fineCubicSteps; ++i) {
                     const zolcs::Fixed16 u = 2 * fixed16One + i * 16;
                     ASSERT_EQ(shown[static_cast<std::size_t>(i)], kernel(u + 32768, v + 32768)) << i;
                 }
@@ -117,7 +116,7 @@ TEST(ObliqueProperty, EveryEntryOfTheWeights) {
 
 TEST(ObliqueProperty, StopsWithinSixteenPixels) {
     zoltest::forEachVariant([](const std::string& variant) {
-        if (variant == "plain" || BlockOperations::chosen() == nullptr) return;
+        if (variant == "plain" || ObliqueOperations::chosen() == nullptr) return;
         zoltest::expectStopWithinABlock<zolcs::ObliqueFiller<zolcs::CubicGrey, zoltest::RaisingTable>>(
             {0.8, 0.6, -0.6, 0.8, 40, -30}, {1, 5, 16, 17, 99, 100, 101, 500, 3000});
     });

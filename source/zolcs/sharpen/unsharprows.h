@@ -1,6 +1,5 @@
-// The arithmetic of unsharp masking on one line, in the obvious form and in fast ones that give the same bits.
+// The arithmetic of unsharp masking on one row, in the obvious form and in fast ones that give the same bits.
 #pragma once
-
 
 #include <algorithm>
 #include <array>
@@ -77,7 +76,7 @@ struct IntegerShare {
 template <typename Sample>
 inline constexpr int channelsOf = sizeof(Sample) == 1 ? 4 : 1;
 
-/// A line of samples that enters the boxes, and one that leaves them.
+/// A row of samples that enters the boxes, and one that leaves them.
 template <typename Sample>
 struct ColumnSlide {
     std::uint32_t* columns;
@@ -150,10 +149,10 @@ BoxSums<Sample> sumsBeforeFirst(const SharpenedRun<Sample>& run) {
     return sums;
 }
 
-/// Sharpens the interior of lines, in the fastest way that the settings and the processor allow.
-class LineSharpener {
+/// Sharpens the interior of rows, in the fastest way that the settings and the processor allow.
+class RowSharpener {
 public:
-    explicit LineSharpener(const UnsharpSettings& settings);
+    explicit RowSharpener(const UnsharpSettings& settings);
 
     /// `count` samples of whole pixels from `samples` on; the box of each begins with the column of the same number.
     /// The columns of the pixel before the first one are readable.

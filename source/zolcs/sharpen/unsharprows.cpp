@@ -1,7 +1,7 @@
-#include "zolcs/sharpen/unsharplines.h"
+#include "zolcs/sharpen/unsharprows.h"
 
-#include "zolcs/resample/spanoperations.h"
 #include "zolcs/sharpen/unsharpvectors.h"
+#include "zolcs/simd/variant.h"
 
 #include <bit>
 
@@ -50,7 +50,7 @@ std::optional<IntegerShare> IntegerShare::of(const UnsharpSettings& settings) {
 template <typename Sample>
 void slideColumns(const ColumnSlide<Sample>& slide) {
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return unsharpvectors::chosen<Sample>().slide(slide);
+    if (simd::usesVectors()) return unsharpvectors::chosen<Sample>().slide(slide);
 #endif
     slideRest(slide, 0);
 }
@@ -58,15 +58,15 @@ void slideColumns(const ColumnSlide<Sample>& slide) {
 template void slideColumns(const ColumnSlide<std::uint8_t>& slide);
 template void slideColumns(const ColumnSlide<std::uint16_t>& slide);
 
-LineSharpener::LineSharpener(const UnsharpSettings& settings) : settings_(settings), exact_(settings) {
-    if (SpanOperations::isPlain()) return;
+RowSharpener::RowSharpener(const UnsharpSettings& settings) : settings_(settings), exact_(settings) {
+    if (simd::isPlain()) return;
     double_ = DoubleShare::of(settings);
     integer_ = IntegerShare::of(settings);
 }
 
 template <typename Share, typename Sample>
-void LineSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, const Sample* samples, Sample* out,
-                              int count) const {
+void RowSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, const Sample* samples, Sample* out,
+                             int count) const {
     constexpr int channels = channelsOf<Sample>;
     const std::int64_t gain = std::int64_t{settings_.strength} + 1;
     const std::int64_t limit = settings_.limit;
@@ -86,7 +86,7 @@ void LineSharpener::sharpenBy(const Share& share, const std::uint32_t* columns, 
 }
 
 template <typename Sample>
-void LineSharpener::sharpen(const std::uint32_t* columns, const Sample* samples, Sample* out, int count) const {
+void RowSharpener::sharpen(const std::uint32_t* columns, const Sample* samples, Sample* out, int count) const {
     if (!integer_) {
         if (double_) return sharpenBy(*double_, columns, samples, out, count);
         return sharpenBy(exact_, columns, samples, out, count);
@@ -100,14 +100,14 @@ void LineSharpener::sharpen(const std::uint32_t* columns, const Sample* samples,
                                    settings_.strength + 1,
                                    *integer_};
 #if defined(ZOL_USE_HIGHWAY)
-    if (SpanOperations::usesVectors()) return unsharpvectors::chosen<Sample>().sharpen(run);
+    if (simd::usesVectors()) return unsharpvectors::chosen<Sample>().sharpen(run);
 #endif
     sharpenRest(run, 0, sumsBeforeFirst(run));
 }
 
-template void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint8_t* samples, std::uint8_t* out,
-                                     int count) const;
-template void LineSharpener::sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
-                                     int count) const;
+template void RowSharpener::sharpen(const std::uint32_t* columns, const std::uint8_t* samples, std::uint8_t* out,
+                                    int count) const;
+template void RowSharpener::sharpen(const std::uint32_t* columns, const std::uint16_t* samples, std::uint16_t* out,
+                                    int count) const;
 
 }  // namespace zolcs

@@ -7,12 +7,12 @@
 
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/bilinear/bilinear.h"
-#include "zolcs/resample/kernels.h"
+#include "zolcs/resample/conversions.h"
 #include "zolcs/resample/plainfiller.h"
 #include "zolcs/resample/spanfiller.h"
-#include "zolcs/resample/spanoperations.h"
 #include "zolcs/resample/stopflag.h"
 #include "zolcs/resample/upright/uprightoperations.h"
+#include "zolcs/simd/variant.h"
 #include "zolcs/view/stepping.h"
 
 #include <algorithm>
@@ -89,7 +89,7 @@ struct CubicAxes {
 
 inline constexpr std::int32_t twelveBitMask = 0x0FFF;
 
-struct BilinearGrey12Lines : BilinearAxes<BilinearGrey> {
+struct BilinearGrey12Rows : BilinearAxes<BilinearGrey> {
     static constexpr const char* name = "upright, 12 bits";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 1;
@@ -102,11 +102,11 @@ struct BilinearGrey12Lines : BilinearAxes<BilinearGrey> {
         weights[1] = static_cast<std::int16_t>(-half);
     }
     static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV & 0x0FFF; }
-    static auto across(const LineOperations& operations) { return operations.bilinearGrey12Across; }
-    static auto down(const LineOperations& operations) { return operations.bilinearGrey12Down; }
+    static auto across(const UprightOperations& operations) { return operations.bilinearGrey12Across; }
+    static auto down(const UprightOperations& operations) { return operations.bilinearGrey12Down; }
 };
 
-struct BilinearGrey16Lines : BilinearAxes<BilinearGrey> {
+struct BilinearGrey16Rows : BilinearAxes<BilinearGrey> {
     static constexpr const char* name = "upright, 16 bits";
     using Sample = std::int32_t;
     static constexpr int samplesPerPixel = 1;
@@ -119,11 +119,11 @@ struct BilinearGrey16Lines : BilinearAxes<BilinearGrey> {
         weights[1] = static_cast<std::int16_t>(whole >> 16);
     }
     static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV; }
-    static auto across(const LineOperations& operations) { return operations.bilinearGrey16Across; }
-    static auto down(const LineOperations& operations) { return operations.bilinearGrey16Down; }
+    static auto across(const UprightOperations& operations) { return operations.bilinearGrey16Across; }
+    static auto down(const UprightOperations& operations) { return operations.bilinearGrey16Down; }
 };
 
-struct BilinearRgbLines : BilinearAxes<BilinearRgb> {
+struct BilinearRgbRows : BilinearAxes<BilinearRgb> {
     static constexpr const char* name = "upright";
     using Sample = std::uint32_t;
     static constexpr int samplesPerPixel = 1;
@@ -134,70 +134,70 @@ struct BilinearRgbLines : BilinearAxes<BilinearRgb> {
         std::fill_n(weights, weightsPerColumn, static_cast<std::int16_t>(-fraction(column, offset) / 2));
     }
     static std::uint32_t rowWeights(std::uint32_t fractionV) { return fractionV & blendFraction; }
-    static auto across(const LineOperations& operations) { return operations.bilinearRgbAcross; }
-    static auto down(const LineOperations& operations) { return operations.bilinearRgbDown; }
+    static auto across(const UprightOperations& operations) { return operations.bilinearRgbAcross; }
+    static auto down(const UprightOperations& operations) { return operations.bilinearRgbDown; }
 };
 
-struct CubicGrey12Lines : CubicAxes<CubicGrey> {
+struct CubicGrey12Rows : CubicAxes<CubicGrey> {
     static constexpr const char* name = "upright, 12 bits";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 1;
     static bool takes(const CubicGrey& kernel) { return kernel.mask() == twelveBitMask; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
-    static auto across(const LineOperations& operations) { return operations.cubicGrey12Across; }
-    static auto down(const LineOperations& operations) { return operations.cubicGrey12Down; }
+    static auto across(const UprightOperations& operations) { return operations.cubicGrey12Across; }
+    static auto down(const UprightOperations& operations) { return operations.cubicGrey12Down; }
 };
 
-struct CubicGrey16Lines : CubicAxes<CubicGrey> {
+struct CubicGrey16Rows : CubicAxes<CubicGrey> {
     static constexpr const char* name = "upright, 16 bits";
     using Sample = std::int32_t;
     static constexpr int samplesPerPixel = 1;
     static bool takes(const CubicGrey& kernel) { return kernel.mask() != twelveBitMask; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
-    static auto across(const LineOperations& operations) { return operations.cubicGrey16Across; }
-    static auto down(const LineOperations& operations) { return operations.cubicGrey16Down; }
+    static auto across(const UprightOperations& operations) { return operations.cubicGrey16Across; }
+    static auto down(const UprightOperations& operations) { return operations.cubicGrey16Down; }
 };
 
-struct CubicRgbLines : CubicAxes<CubicRgb> {
+struct CubicRgbRows : CubicAxes<CubicRgb> {
     static constexpr const char* name = "upright";
     using Sample = std::int16_t;
     static constexpr int samplesPerPixel = 4;
     static bool takes(const CubicRgb& /*kernel*/) { return true; }
     static const CubicWeights& rowWeights(const CubicWeights& weights) { return weights; }
-    static auto across(const LineOperations& operations) { return operations.cubicRgbAcross; }
-    static auto down(const LineOperations& operations) { return operations.cubicRgbDown; }
+    static auto across(const UprightOperations& operations) { return operations.cubicRgbAcross; }
+    static auto down(const UprightOperations& operations) { return operations.cubicRgbDown; }
 };
 
 /// What the columns of a display are made of, and of some more up to the end of a block.
-template <typename Lines>
-class SeparableColumns {
+template <typename Rows>
+class UprightColumns {
 public:
-    void tabulate(const typename Lines::Kernel& kernel, const Stepping& stepping) {
+    void tabulate(const typename Rows::Kernel& kernel, const Stepping& stepping) {
         const auto width = static_cast<std::size_t>(stepping.width);
         const std::size_t blocks = width / StopFlag::block + 1;
         offsets_.assign(blocks * StopFlag::block, 0);
         centres_.assign(size(), 0);
-        weights_.assign(size() * Lines::weightsPerColumn, 0);
+        weights_.assign(size() * Rows::weightsPerColumn, 0);
         remainders_.assign(weights_.size(), 0);
-        const std::int64_t lastOffset = Lines::lastColumn(kernel) - (std::int64_t{Lines::taps} - 1);
+        const std::int64_t lastOffset = Rows::lastColumn(kernel) - (std::int64_t{Rows::taps} - 1);
         Fixed16 u = stepping.startU;
         for (std::size_t x = 0; x < width; ++x, u += stepping.stepXu) {
-            const auto column = Lines::column(kernel, u);
+            const auto column = Rows::column(kernel, u);
             const std::int64_t offset = std::min(column.pixels[0], lastOffset);
-            const std::size_t weight = x * Lines::weightsPerColumn;
+            const std::size_t weight = x * Rows::weightsPerColumn;
             offsets_[x] = static_cast<std::int32_t>(offset);
-            centres_[x] = static_cast<std::int32_t>(column.pixels[Lines::centre]);
-            Lines::tabulate(column, offset, &weights_[weight], &remainders_[weight]);
+            centres_[x] = static_cast<std::int32_t>(column.pixels[Rows::centre]);
+            Rows::tabulate(column, offset, &weights_[weight], &remainders_[weight]);
         }
         if (width > 0) std::fill(offsets_.begin() + stepping.width, offsets_.end(), offsets_[width - 1]);
-        if constexpr (sizeof(typename Lines::Kernel::Pixel) == 2) group(Lines::lastColumn(kernel));
+        if constexpr (sizeof(typename Rows::Kernel::Pixel) == 2) group(Rows::lastColumn(kernel));
     }
 
     [[nodiscard]] std::size_t size() const { return offsets_.size(); }
 
     /// The taps from a block's first column on.
     [[nodiscard]] ColumnTaps from(int x) const {
-        const std::ptrdiff_t weight = static_cast<std::ptrdiff_t>(x) * Lines::weightsPerColumn;
+        const std::ptrdiff_t weight = static_cast<std::ptrdiff_t>(x) * Rows::weightsPerColumn;
         ColumnTaps taps{
             offsets_.data() + x, weights_.data() + weight, remainders_.data() + weight, false, nullptr, nullptr};
         if (!groups_.empty()) {
@@ -213,8 +213,8 @@ public:
 
 private:
     static constexpr int groupPixels = 8;
-    static constexpr int groupColumns = groupPixels / static_cast<int>(Lines::taps);
-    static constexpr int bytesPerColumn = 2 * static_cast<int>(Lines::taps);
+    static constexpr int groupColumns = groupPixels / static_cast<int>(Rows::taps);
+    static constexpr int bytesPerColumn = 2 * static_cast<int>(Rows::taps);
 
     /// Groups neighbouring columns, unless some lie too far apart.
     void group(std::int64_t lastColumn) {
@@ -227,7 +227,7 @@ private:
         for (auto first = offsets_.begin(); first != offsets_.end(); first += groupColumns) {
             const auto [least, most] = std::minmax_element(first, first + groupColumns);
             const std::int32_t begin = static_cast<std::int32_t>(std::min<std::int64_t>(*least, lastGroup));
-            if (*most - begin > groupPixels - static_cast<int>(Lines::taps)) {
+            if (*most - begin > groupPixels - static_cast<int>(Rows::taps)) {
                 groups_.clear();
                 return;
             }
@@ -249,31 +249,31 @@ private:
 };
 
 /// Filters source rows across once and weighs them down for each display row.
-template <typename Lines, typename Convert>
-class SeparableFiller final : public SpanFiller<DisplayPixel<typename Lines::Kernel, Convert>> {
+template <typename Rows, typename Convert>
+class UprightFiller final : public SpanFiller<DisplayPixel<typename Rows::Kernel, Convert>> {
 public:
-    using Kernel = typename Lines::Kernel;
+    using Kernel = typename Rows::Kernel;
     using Value = typename Kernel::Pixel;
     using Pixel = DisplayPixel<Kernel, Convert>;
-    using Sample = typename Lines::Sample;
+    using Sample = typename Rows::Sample;
 
-    static constexpr const char* name = Lines::name;
+    static constexpr const char* name = Rows::name;
 
     /// True for upright views and quarter turns of sources that are wide enough for every kernel.
     static bool isUsableFor(const Kernel& kernel, const Stepping& stepping) {
-        return !SpanOperations::isPlain() && Lines::takes(kernel) && pixelOf(stepping.limitU) >= 4 &&
+        return !simd::isPlain() && Rows::takes(kernel) && pixelOf(stepping.limitU) >= 4 &&
                (stepping.isUpright() || stepping.isQuarterTurn());
     }
 
     /// The conversion must outlive the filler. Looks at `stop` before each block.
-    SeparableFiller(const Kernel& kernel, const Convert& convert, StopFlag stop)
-        : kernel_(kernel), convert_(convert), stop_(stop), operations_(LineOperations::chosen()) {}
+    UprightFiller(const Kernel& kernel, const Convert& convert, StopFlag stop)
+        : kernel_(kernel), convert_(convert), stop_(stop), operations_(UprightOperations::chosen()) {}
 
     void beginView(const Stepping& stepping) override {
         columns_.tabulate(kernel_, stepping);
         // Weighing down takes whole blocks, too, but from the first column on that is asked for.
         const std::size_t filteredColumns = columns_.size() + StopFlag::block;
-        for (FilteredRow& row : rows_) row.samples.resize(filteredColumns * Lines::samplesPerPixel);
+        for (FilteredRow& row : rows_) row.samples.resize(filteredColumns * Rows::samplesPerPixel);
         values_.resize(columns_.size());
         const auto rowsForward = static_cast<std::int64_t>(std::clamp<Fixed16>(pixelOf(stepping.stepYv), -1000, 1000));
         nextRow_ =
@@ -282,28 +282,28 @@ public:
     }
 
     void beginColumns(ColumnRange columns) override {
-        if (columns == expected_) return;
-        expected_ = columns;
+        if (columns == columnRange_) return;
+        columnRange_ = columns;
         filteredBegin_ = columns.begin - columns.begin % StopFlag::block;
         for (FilteredRow& row : rows_) row.number = -1;
     }
 
-    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) override {
-        const auto taps = Lines::row(kernel_, line.v);
-        std::array<const Sample*, Lines::taps> rows;
+    bool fill(const DisplayRow& row, ColumnRange columns, Pixel* out) override {
+        const auto taps = Rows::row(kernel_, row.v);
+        std::array<const Sample*, Rows::taps> rows;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const Sample* samples = filtered(taps.pixels[i]);
             if (samples == nullptr) return false;
-            rows[i] = samples + (columns.begin - filteredBegin_) * Lines::samplesPerPixel;
+            rows[i] = samples + (columns.begin - filteredBegin_) * Rows::samplesPerPixel;
         }
         const auto down = [&](Value* values) {
-            const int count = columns.end - columns.begin;
-            return Lines::down(operations_)(rows, Lines::rowWeights(taps.weights), count, values, stop_);
+            const int count = columns.size();
+            return Rows::down(operations_)(rows, Rows::rowWeights(taps.weights), count, values, stop_);
         };
         if constexpr (std::is_same_v<Convert, Copy<Value>>) {
             if (keptBits() == 0) return down(out);
         }
-        return down(values_.data()) && finish(taps.pixels[Lines::centre], columns, out);
+        return down(values_.data()) && finish(taps.pixels[Rows::centre], columns, out);
     }
 
 private:
@@ -323,13 +323,13 @@ private:
 
     /// The samples of a source row; null when stopped. The rows that one position weighs have different places.
     const Sample* filtered(std::int64_t number) {
-        FilteredRow& row = rows_[static_cast<std::size_t>(number) % Lines::taps];
+        FilteredRow& row = rows_[static_cast<std::size_t>(number) % Rows::taps];
         if (row.number != number) {
             row.number = -1;
             const ImageView<const Value>& pixels = kernel_.source().pixels();
-            const std::int64_t next = std::clamp<std::int64_t>(number + nextRow_, 0, Lines::lastRow(kernel_));
-            if (!Lines::across(operations_)(pixels.line(number), pixels.line(next), columns_.from(filteredBegin_),
-                                            expected_.end - filteredBegin_, row.samples.data(), stop_)) {
+            const std::int64_t next = std::clamp<std::int64_t>(number + nextRow_, 0, Rows::lastRow(kernel_));
+            if (!Rows::across(operations_)(pixels.row(number), pixels.row(next), columns_.from(filteredBegin_),
+                                           columnRange_.end - filteredBegin_, row.samples.data(), stop_)) {
                 return nullptr;
             }
             row.number = number;
@@ -340,15 +340,15 @@ private:
     /// Makes display pixels of the values.
     bool finish(std::int64_t centreRow, ColumnRange columns, Pixel* out) const {
         const Value* values = values_.data();
-        const int count = columns.end - columns.begin;
+        const int count = columns.size();
         if (keptBits() == 0) {
             if constexpr (std::is_same_v<Convert, GreyTable>) {
-                return lookUpLine(values, count, convert_.entries, out, stop_);
+                return lookUpRow(values, count, convert_.entries, out, stop_);
             } else {
                 return forBlocks(count, [&](int i) { out[i] = convert_(values[i]); });
             }
         }
-        const Value* centres = kernel_.source().pixels().line(centreRow);
+        const Value* centres = kernel_.source().pixels().row(centreRow);
         const std::int32_t* offsets = columns_.centres(columns.begin);
         return forBlocks(count, [&](int i) {
             out[i] = convert_(static_cast<Value>(values[i] | (centres[offsets[i]] & keptBits())));
@@ -371,11 +371,11 @@ private:
     Kernel kernel_;
     const Convert& convert_;
     StopFlag stop_;
-    const LineOperations& operations_;
-    SeparableColumns<Lines> columns_;
+    const UprightOperations& operations_;
+    UprightColumns<Rows> columns_;
     std::vector<Value> values_;
-    std::array<FilteredRow, Lines::taps> rows_;
-    ColumnRange expected_;
+    std::array<FilteredRow, Rows::taps> rows_;
+    ColumnRange columnRange_;
     int filteredBegin_ = 0;     ///< the first column of filtered rows, where a block begins
     std::int64_t nextRow_ = 1;  ///< source rows from one filtered row to the next
 };

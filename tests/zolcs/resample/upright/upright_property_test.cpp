@@ -1,5 +1,5 @@
 // Bilinear and bicubic interpolation in upright views and quarter turns: every variant against the plain loop.
-#include "zolcs/resample/upright/separable.h"
+#include "zolcs/resample/upright/uprightfiller.h"
 
 #include "support/bicubic_members.h"
 #include "support/bilinear_members.h"
@@ -68,7 +68,7 @@ TEST(SeparableProperty, NothingBesideThePixelsIsRead) {
 TEST(SeparableProperty, StopsWithinSixteenPixels) {
     zoltest::forEachVariant([](const std::string& variant) {
         if (variant == "plain") return;
-        zoltest::expectStopWithinABlock<zolcs::SeparableFiller<zolcs::CubicGrey12Lines, zoltest::RaisingTable>>(
+        zoltest::expectStopWithinABlock<zolcs::UprightFiller<zolcs::CubicGrey12Rows, zoltest::RaisingTable>>(
             {1, 0, 0, 1, 0, 0}, {1, 5, 16, 17, 99, 100, 101, 500, 5000});
     });
 }
@@ -78,7 +78,7 @@ TEST(SeparableProperty, NoOperationBeginsWhenStopped) {
     zoltest::forEachVariant([](const std::string&) {
         std::int32_t flag = 1;
         const StopFlag stop(flag);
-        const zolcs::LineOperations& operations = zolcs::LineOperations::chosen();
+        const zolcs::UprightOperations& operations = zolcs::UprightOperations::chosen();
         const std::vector<std::int32_t> offsets(32);
         const std::vector<std::int16_t> weights(128, 100);
         const zolcs::ColumnTaps taps{offsets.data(), weights.data(), weights.data(), false, nullptr, nullptr};

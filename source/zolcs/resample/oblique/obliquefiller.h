@@ -4,16 +4,18 @@
 
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/bilinear/bilinear.h"
-#include "zolcs/resample/kernels.h"
-#include "zolcs/resample/nearest/nearestfiller.h"
+#include "zolcs/resample/conversions.h"
 #include "zolcs/resample/oblique/obliqueoperations.h"
 #include "zolcs/resample/plainfiller.h"
 #include "zolcs/resample/spanfiller.h"
 #include "zolcs/resample/stopflag.h"
 #include "zolcs/resample/upright/uprightoperations.h"
+#include "zolcs/view/samplingoffsets.h"
+#include "zolcs/view/stepping.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <type_traits>
 
 namespace zolcs {
@@ -28,14 +30,14 @@ struct Interior {
 
 /// How the blocks of a kernel are computed.
 template <typename Kernel>
-struct BlockKernel;
+struct ObliqueKernel;
 
 template <>
-struct BlockKernel<BilinearGrey> {
+struct ObliqueKernel<BilinearGrey> {
     static Interior interior(const BilinearGrey& kernel) { return bilinearInterior(kernel); }
-    static void compute(const BlockOperations& operations, const BilinearGrey& kernel, const SpanPositions& positions,
-                        int count, std::uint16_t* out) {
-        operations.bilinearGrey(kernel.source().pixels().line(0), positions, static_cast<std::uint16_t>(kernel.mask()),
+    static void compute(const ObliqueOperations& operations, const BilinearGrey& kernel,
+                        const SamplePositions& positions, int count, std::uint16_t* out) {
+        operations.bilinearGrey(kernel.source().pixels().row(0), positions, static_cast<std::uint16_t>(kernel.mask()),
                                 count, out);
     }
 
@@ -46,20 +48,22 @@ struct BlockKernel<BilinearGrey> {
 };
 
 template <>
-struct BlockKernel<BilinearRgb> {
-    static Interior interior(const BilinearRgb& kernel) { return BlockKernel<BilinearGrey>::bilinearInterior(kernel); }
-    static void compute(const BlockOperations& operations, const BilinearRgb& kernel, const SpanPositions& positions,
-                        int count, std::uint32_t* out) {
-        operations.bilinearRgb(kernel.source().pixels().line(0), positions, count, out);
+struct ObliqueKernel<BilinearRgb> {
+    static Interior interior(const BilinearRgb& kernel) {
+        return ObliqueKernel<BilinearGrey>::bilinearInterior(kernel);
+    }
+    static void compute(const ObliqueOperations& operations, const BilinearRgb& kernel,
+                        const SamplePositions& positions, int count, std::uint32_t* out) {
+        operations.bilinearRgb(kernel.source().pixels().row(0), positions, count, out);
     }
 };
 
 template <>
-struct BlockKernel<CubicGrey> {
+struct ObliqueKernel<CubicGrey> {
     static Interior interior(const CubicGrey& kernel) { return cubicInterior(kernel); }
-    static void compute(const BlockOperations& operations, const CubicGrey& kernel, const SpanPositions& positions,
+    static void compute(const ObliqueOperations& operations, const CubicGrey& kernel, const SamplePositions& positions,
                         int count, std::uint16_t* out) {
-        operations.cubicGrey(kernel.source().pixels().line(0), positions, kernel.source().weights(),
+        operations.cubicGrey(kernel.source().pixels().row(0), positions, kernel.source().weights(),
                              static_cast<std::uint16_t>(kernel.mask()), count, out);
     }
 
@@ -71,11 +75,11 @@ struct BlockKernel<CubicGrey> {
 };
 
 template <>
-struct BlockKernel<CubicRgb> {
-    static Interior interior(const CubicRgb& kernel) { return BlockKernel<CubicGrey>::cubicInterior(kernel); }
-    static void compute(const BlockOperations& operations, const CubicRgb& kernel, const SpanPositions& positions,
+struct ObliqueKernel<CubicRgb> {
+    static Interior interior(const CubicRgb& kernel) { return ObliqueKernel<CubicGrey>::cubicInterior(kernel); }
+    static void compute(const ObliqueOperations& operations, const CubicRgb& kernel, const SamplePositions& positions,
                         int count, std::uint32_t* out) {
-        operations.cubicRgb(kernel.source().pixels().line(0), positions, kernel.source().weights(), count, out);
+        operations.cubicRgb(kernel.source().pixels().row(0), positions, kernel.source().weights(), count, out);
     }
 };
 
@@ -89,7 +93,8 @@ public:
 
     /// True when the processor has operations for it and the source's positions and offsets fit 31 bits.
     static bool isUsableFor(const Kernel& kernel, const Stepping& stepping) {
-        return BlockOperations::chosen() != nullptr && fitsSpanPositions(stepping, kernel.source().pixels().pitch());
+        return ObliqueOperations::chosen() != nullptr &&
+               fitsSamplePositions(stepping.limitU, stepping.limitV, kernel.source().pixels().pitch());
     }
 
     /// The conversion must outlive the filler. Looks at `stop` before each block.
@@ -97,20 +102,20 @@ public:
         : kernel_(kernel),
           convert_(convert),
           stop_(stop),
-          operations_(*BlockOperations::chosen()),
+          operations_(*ObliqueOperations::chosen()),
           plain_(kernel, convert, StopFlag()) {}
 
     void beginView(const Stepping& /*stepping*/) override {}
     void beginColumns(ColumnRange /*columns*/) override {}
 
-    bool fill(const SourceLine& line, ColumnRange columns, Pixel* out) override {
-        const ColumnRange inside = interiorColumns(line, columns);
+    bool fill(const DisplayRow& row, ColumnRange columns, Pixel* out) override {
+        const ColumnRange inside = interiorColumns(row, columns);
         return fillInBlocks({columns.begin, inside.begin}, columns, out,
-                            [&](ColumnRange block, Pixel* pixels) { plain_.fill(line, block, pixels); }) &&
+                            [&](ColumnRange block, Pixel* pixels) { plain_.fill(row, block, pixels); }) &&
                fillInBlocks(inside, columns, out,
-                            [&](ColumnRange block, Pixel* pixels) { compute(line, block, pixels); }) &&
+                            [&](ColumnRange block, Pixel* pixels) { compute(row, block, pixels); }) &&
                fillInBlocks({inside.end, columns.end}, columns, out,
-                            [&](ColumnRange block, Pixel* pixels) { plain_.fill(line, block, pixels); });
+                            [&](ColumnRange block, Pixel* pixels) { plain_.fill(row, block, pixels); });
     }
 
 private:
@@ -118,11 +123,11 @@ private:
     static constexpr int mostAtOnce = 256;
     static constexpr bool isGrey = std::is_same_v<Value, std::uint16_t>;
 
-    [[nodiscard]] ColumnRange interiorColumns(const SourceLine& line, ColumnRange columns) const {
+    [[nodiscard]] ColumnRange interiorColumns(const DisplayRow& row, ColumnRange columns) const {
         constexpr Fixed16 half = fixed16One / 2;
-        const Interior interior = BlockKernel<Kernel>::interior(kernel_);
-        columns = columnsBetween(line.u - half, line.du, interior.lowU, interior.highU, columns);
-        return columnsBetween(line.v - half, line.dv, interior.lowV, interior.highV, columns);
+        const Interior interior = ObliqueKernel<Kernel>::interior(kernel_);
+        columns = columnsBetween(row.u - half, row.du, interior.lowU, interior.highU, columns);
+        return columnsBetween(row.v - half, row.dv, interior.lowV, interior.highV, columns);
     }
 
     template <typename Fill>
@@ -135,37 +140,35 @@ private:
         return true;
     }
 
-    void compute(const SourceLine& line, ColumnRange columns, Pixel* out) const {
+    void compute(const DisplayRow& row, ColumnRange columns, Pixel* out) const {
         constexpr Fixed16 half = fixed16One / 2;
-        const int count = columns.end - columns.begin;
-        const SpanPositions positions{static_cast<std::uint32_t>(line.uAt(columns.begin) - half),
-                                      static_cast<std::uint32_t>(line.vAt(columns.begin) - half),
-                                      static_cast<std::uint32_t>(line.du), static_cast<std::uint32_t>(line.dv),
-                                      static_cast<std::int32_t>(kernel_.source().pixels().pitch())};
+        const int count = columns.size();
+        const DisplayRow shifted{row.u - half, row.v - half, row.du, row.dv};
+        const SamplePositions positions = samplePositions(shifted, columns.begin, kernel_.source().pixels().pitch());
         if constexpr (std::is_same_v<Convert, Copy<Value>>) {
             computeValues(positions, count, out);
         } else {
             std::array<Value, mostAtOnce> values;
             computeValues(positions, count, values.data());
             if constexpr (std::is_same_v<Convert, GreyTable>) {
-                lookUpLine(values.data(), count, convert_.entries, out, StopFlag());
+                lookUpRow(values.data(), count, convert_.entries, out, StopFlag());
             } else {
                 for (int i = 0; i < count; ++i) out[i] = convert_(values[static_cast<std::size_t>(i)]);
             }
         }
     }
 
-    void computeValues(const SpanPositions& positions, int count, Value* out) const {
-        BlockKernel<Kernel>::compute(operations_, kernel_, positions, count, out);
+    void computeValues(const SamplePositions& positions, int count, Value* out) const {
+        ObliqueKernel<Kernel>::compute(operations_, kernel_, positions, count, out);
         if constexpr (isGrey) {
             if (kernel_.keptBits() != 0) keepBits(positions, count, out);
         }
     }
 
-    void keepBits(const SpanPositions& positions, int count, Value* out) const {
+    void keepBits(const SamplePositions& positions, int count, Value* out) const {
         std::array<std::int32_t, mostAtOnce> offsets;
-        SpanOperations::chosen().offsets(positions, count, offsets.data());
-        const Value* stored = kernel_.source().pixels().line(0);
+        SamplingOperations::chosen().offsets(positions, count, offsets.data());
+        const Value* stored = kernel_.source().pixels().row(0);
         const auto kept = static_cast<unsigned>(kernel_.keptBits());
         for (int i = 0; i < count; ++i) {
             out[i] = static_cast<Value>(out[i] | (stored[offsets[static_cast<std::size_t>(i)]] & kept));
@@ -175,7 +178,7 @@ private:
     Kernel kernel_;
     const Convert& convert_;
     StopFlag stop_;
-    const BlockOperations& operations_;
+    const ObliqueOperations& operations_;
     PlainFiller<Kernel, Convert> plain_;
 };
 

@@ -1,27 +1,17 @@
-// What a display pixel takes from the source: the kernels, and the conversions of what they deliver.
+// The conversions of what a kernel samples from the source into display pixels.
 //
 // A kernel gives the sample at a source position, a conversion makes a display pixel of it. Both are small values that
-// are called for single pixels by the plain loop and may be taken apart by a faster filler.
+// the plain loop calls for single pixels; a faster filler may take them apart.
 #pragma once
 
 #include "zolcs/pixels/imageview.h"
-#include "zolcs/view/stepping.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zolcs {
-
-/// The source pixel on which a position falls.
-template <typename Sample>
-struct NearestKernel {
-    using Pixel = Sample;
-
-    ImageView<const Pixel> source;
-
-    Pixel operator()(Fixed16 u, Fixed16 v) const { return source.line(pixelOf(v))[pixelOf(u)]; }
-};
 
 /// The sample as it is.
 template <typename Pixel>
@@ -65,7 +55,7 @@ private:
 };
 
 /// Each 16-bit colour channel through one table of 4096 bytes, higher values through its last entry.
-struct DeepColourTable {
+struct Colour12Table {
     const unsigned char* entries;
 
     std::uint32_t operator()(std::uint64_t sample) const {

@@ -47,7 +47,7 @@ void forEachKernel(const Check& check) {
          {zolcs::DisplayToImage{1.0, 0.0, 0.0, 1.0, 7.3, 9.1}, zolcs::DisplayToImage{0.9, 0.2, -0.2, 0.9, 10.0, 5.0}}) {
         const zolcs::Stepping stepping = zolcs::makeStepping(matrix, sourceSize, sourceSize, width, height);
         check(zolcs::BilinearGrey({{pixels.data(), sourceSize}, stepping}, 0x0FFF, 0), stepping);
-        check(zolcs::CubicGrey({{pixels.data(), sourceSize}, stepping, zolcs::deepCubicWeights()}, 0x0FFF, 0),
+        check(zolcs::CubicGrey({{pixels.data(), sourceSize}, stepping, zolcs::fineCubicWeights()}, 0x0FFF, 0),
               stepping);
     }
 }
