@@ -7,23 +7,25 @@
 
 class CCsImage;
 
-/// Mirror directions.
+/// Directions of CCs2dTrafo::mirror.
 inline constexpr int CCS_HORIZONTAL = 1;  ///< left and right exchange
 inline constexpr int CCS_VERTICAL = 2;    ///< top and bottom exchange
 
 /// The relation between a source image and a destination image (the display).
 ///
-/// Every matrix here is six doubles (a, b, c, d, e, f) with x' = a x + c y + e and y' = b x + d y + f; x is the column
-/// and y the row, both growing right and down. There are three of them:
-/// - the view matrix, on which the view operations act. It is normalised: scale 1 means that the whole image fits the
+/// Every matrix here is six doubles (a, b, c, d, e, f) with x' = a x + c y + e and y' = b x + d y + f. x counts columns
+/// to the right and y rows downwards, in pixels from the upper left corner of the first pixel, whose centre is (0.5,
+/// 0.5). There are three matrices:
+/// - The view matrix, on which the view operations act. It is normalised: scale 1 means that the whole image fits the
 ///   display segment, and a pan of 1 moves the image by the display's extent in the direction that limits the fit.
-/// - image to display, in pixels: the image's centre comes to the display's centre, plus offset and pan.
-/// - display to image, its inverse.
-/// The two pixel matrices are computed when they are asked for and kept until the next change.
+/// - Image to display, in pixels. It maps the image's centre to the display's centre, plus offset and pan.
+/// - Display to image, its inverse.
 ///
-/// Everything is computed in double, without rounding to pixels, and has the same bits on every platform. Sizes,
-/// ratios and factors are taken as they are: a size or ratio of 0 gives infinities or NaN in the pixel matrices, and
-/// nothing worse. Operations that return int return CCS_DONE (255) unless they say otherwise.
+/// The two pixel matrices are computed when they are read and kept until the next change.
+///
+/// Everything is computed in double, without rounding to pixels, and has the same bits on every platform. Sizes, ratios
+/// and factors are used as given: a size or ratio of 0 gives infinities or NaN in the pixel matrices, and nothing
+/// worse. Operations that return int return CCS_DONE (255) unless they say otherwise.
 class ZOLWEBCS_API CCs2dTrafo {
 public:
     /// The identity between two images of one square pixel.
@@ -36,34 +38,34 @@ public:
     CCs2dTrafo& operator=(const CCs2dTrafo&) = default;
     virtual ~CCs2dTrafo();
 
-    /// View matrix back to the identity; sizes, ratios and modes stay.
+    /// Resets the view matrix to the identity; sizes, ratios and modes stay.
     void reset();
 
-    /// Width, height and pixel ratio of both images; the display segment is the whole destination, without offset.
+    /// Sets width, height and pixel ratio of both images. The display segment is the whole destination, without offset.
     void setSizes(const CCsImage& source, const CCsImage& destination);
 
-    /// Sizes in pixels, ratios as height of a pixel over its width; the offset (in destination pixels) is added to
-    /// where the image would lie.
+    /// Sizes are in pixels; a ratio is the height of a pixel divided by its width. The offset, in destination pixels,
+    /// is added to the image's position.
     void setSizes(const CCsImage& source, int width, int height, double ratioYx, int offsetX, int offsetY);
 
     /// As above, with the source's size and ratio given too.
     void setSizes(int sourceWidth, int sourceHeight, int width, int height, double sourceRatioYx, double ratioYx,
                   int offsetX, int offsetY);
 
-    /// Destination and offset only. Deliberately leaves getDstMax as it was.
+    /// Sets destination and offset only. Deliberately leaves getDstMax unchanged.
     void setDestSizes(int width, int height, double ratioYx, int offsetX, int offsetY);
 
-    /// To be called when the source has been transposed: exchanges its extents, inverts its ratio, clears the offset,
-    /// computes getDstMax anew and turns the pan (px, py): to (-py, px) when the flags are equal, to (py, -px) when
-    /// they differ.
+    /// Call this when the source has been transposed: exchanges its extents, inverts its ratio, clears the offset,
+    /// recomputes getDstMax and turns the pan (px, py): to (-py, px) when the flags are equal, to (py, -px) when they
+    /// differ.
     void swapSourceDimension(bool flag1, bool flag2);
 
-    /// Not 0: the whole image fits the destination at scale 1 (the default). 0: the source's larger extent takes the
-    /// destination's larger one.
+    /// Not 0 (the default): at scale 1 the whole image fits the destination. 0: the source's larger extent fills the
+    /// destination's larger extent.
     void setDstSmallerSide(int on);
 
-    /// Whether a fit-sized view is fitted anew after a quarter turn. Deliberately no change in itself: the mode takes
-    /// effect at the first computation that another change causes.
+    /// Sets whether a fit-sized view is fitted again after a quarter turn. Deliberately not a change by itself: the
+    /// mode takes effect with the next change.
     void setFitIntoSegementMode(bool on);
 
     /// Source width and height in pixels.
@@ -76,14 +78,14 @@ public:
     /// or its height times its ratio.
     [[nodiscard]] double getDstMax() const;
 
-    /// The source extent that the fit compares: its width in pixels, or its height times its ratio. Counts a fit-sized
-    /// quarter turn even where the fit mode is off, on purpose. Reports a singular view matrix.
+    /// The source extent that the fit compares: its width in pixels, or its height times its ratio. Deliberately treats
+    /// a fit-sized quarter turn as fitted again even where that mode is off. Reports a singular view matrix.
     [[nodiscard]] double getSrcMax();
 
     /// Whether the source's ratio differs from 1 by more than 1e-6.
     [[nodiscard]] bool isSourceAspectRatioOtherThanUnity() const;
 
-    /// Zooms about the display's centre: the pan is scaled too.
+    /// Zooms about the display's centre: the pan is scaled, too.
     void scale(double factor);
 
     /// Zooms about the image's centre: the pan stays as it is.
@@ -92,47 +94,48 @@ public:
     /// Adds to the pan.
     void translate(double dx, double dy);
 
-    /// Turns the view clockwise as it is seen (x to the right, y down), the pan included.
+    /// Turns the view, pan included, clockwise as seen.
     void rotate(double degrees);
 
-    /// Mirrors the view, the pan included. CCS_DONE; or CCS_INVALID for anything but CCS_HORIZONTAL and
-    /// CCS_VERTICAL, which is reported and changes nothing.
+    /// Mirrors the view, pan included. Returns CCS_DONE; or CCS_INVALID, reported, for anything but CCS_HORIZONTAL and
+    /// CCS_VERTICAL, and changes nothing then.
     int mirror(int direction);
 
     void setDspPanFactor(double px, double py);
     void getDspPanFactor(double& px, double& py) const;
 
-    /// The pan. Deliberately counts as a change, though it changes nothing.
+    /// Gives the pan. Deliberately counts as a change, although it changes nothing.
     void getTranslation(double& tx, double& ty);
 
-    /// Takes the view matrix apart: angle in degrees in [0, 360], mirrored 0 or 1, scale above 0, and the pan. 255; or
-    /// 0 for a singular matrix, which is reported and leaves all but the pan untouched. Rounding can carry the cosine
-    /// beyond 1, and the angle is then NaN: whoever looks at it takes that for an oblique angle.
+    /// Decomposes the view matrix into the angle in degrees in [0, 360], mirrored (0 or 1), scale (above 0) and pan.
+    /// Returns CCS_DONE; or CCS_FAILED, reported, for a singular matrix, and sets only the pan then. When rounding
+    /// carries the cosine beyond 1, the angle is NaN: treat it as an oblique angle.
     int getOperations(double& angle, int& mirrored, double& scale, double& tx, double& ty);
 
     /// Whether the view's scale is within 0.01 of 1.
     [[nodiscard]] bool isFitIntoSegment();
 
-    /// Whether setDspScaleFactor is leaving a fit-sized view at this moment.
+    /// Whether setDspScaleFactor is just leaving a fit-sized view.
     [[nodiscard]] bool isTransition() const;
 
     /// 1 when the view maps axes onto axes (quarter turns, mirrored or not), else 0.
     [[nodiscard]] int isTransposition() const;
 
-    /// The matrix from display pixels to image pixels.
+    /// Gives the matrix from display pixels to image pixels.
     void getTransformation(double& a, double& b, double& c, double& d, double& e, double& f);
 
-    /// The matrix from image pixels to display pixels.
+    /// Gives the matrix from image pixels to display pixels.
     int getImgToDsp(double& a, double& b, double& c, double& d, double& e, double& f);
 
-    /// Display pixels per source pixel, as the root of the area's factor.
+    /// Gives display pixels per source pixel: the square root of the factor of areas.
     int getDspScaleFactor(double& factor);
 
-    /// Display pixels per source pixel along the display's axes, where the view is within a degree of a quarter turn,
-    /// mirrored or not. At any other angle both stay untouched, deliberately also just below a full turn.
+    /// Gives display pixels per source pixel along the display's axes, where the view is within a degree of a multiple
+    /// of 90 degrees, mirrored or not. At any other angle, and deliberately also just below a full turn, both arguments
+    /// stay unchanged.
     int getDspScaleFactorXY(double& fx, double& fy);
 
-    /// Zooms, pan included, to that many display pixels per source pixel.
+    /// Zooms, pan included, to `factor` display pixels per source pixel.
     int setDspScaleFactor(double factor);
 
     /// Whether one display pixel shows one source pixel, within 0.01.

@@ -5,20 +5,19 @@
 
 class CCsRaster;
 
-/// Sharpens a raster into another one of the same size by unsharp masking: every pixel is boosted by a strength and
-/// loses as much of the mean of the square box around it, so that flat areas stay as they are and edges stand out.
+/// Sharpens a raster into another one of the same size by unsharp masking: a pixel becomes
+/// value + strength * (value - mean), where mean is that of the square box around it. Flat areas stay unchanged and
+/// edges stand out.
 ///
-/// The box of edge `size` around a pixel reaches from size / 2 pixels left of and above it over `size` pixels. Where it
-/// would pass the image (size / 2 pixels along each side), and everywhere when it is larger than the image, pixels are
-/// copied.
+/// A box of edge `size` begins size / 2 pixels left of and above its pixel. Where it would leave the image (size / 2
+/// pixels along each side), and everywhere when it is larger than the image, pixels are copied.
 ///
-/// Refused with a report (module "source\zolcs\ccsedgeenhancement") and the result CCS_FAILED (0), the destination
-/// untouched: types that a member does not take (number: the type), rasters of different size (0), a box edge below 1
-/// (the edge), and exhausted memory (0), which is also that of a raster without pixel memory. Otherwise the result is
-/// CCS_DONE (255).
+/// A member returns CCS_DONE (255). It reports (module "source\zolcs\ccsedgeenhancement"), returns CCS_FAILED (0) and
+/// leaves the destination unchanged for: types that it does not take (number: the type), rasters of different size (0),
+/// a box edge below 1 (the edge), and exhausted memory (0), which includes a raster without pixel memory.
 ///
-/// An exception while filtering is logged ("zolcs - E", "Exception: unknown") and deliberately gives 255 as well; the
-/// destination may then be partly filtered. Both rasters are unlocked on every path. Source and destination must be
+/// An exception while filtering is logged ("zolcs - E", "Exception: unknown") and deliberately gives CCS_DONE as well;
+/// the destination can then be partly filtered. Both rasters are unlocked on every path. Source and destination must be
 /// two rasters with memory of their own.
 class ZOLWEBCS_API CCsEdgeEnhancement {
 public:
@@ -27,18 +26,18 @@ public:
     CCsEdgeEnhancement& operator=(const CCsEdgeEnhancement&) = default;
     virtual ~CCsEdgeEnhancement();
 
-    /// 12-bit or 16-bit grey to either of them. `bits` is the highest bit of a value: only the low bits + 1 bits count,
-    /// and results are limited to what they hold (of more than 16 bits the low 16 are stored). A negative one is
-    /// refused with a report (number: the bits). Higher bits of the source are kept where pixels are sharpened, and
-    /// deliberately lost where they are copied.
+    /// Sharpens 12-bit or 16-bit grey to either of them. `bits` is the number of a value's highest bit: only the low
+    /// bits + 1 bits count, and results are limited to what they hold (of more than 16 bits the low 16 are stored). A
+    /// negative `bits` is refused with a report (number: the bits). Higher bits of the source are kept where pixels are
+    /// sharpened, and deliberately lost where they are copied.
     ///
-    /// Flat areas stay as they are for any `strength`; 0 changes nothing, a negative one blurs. A strength that does
-    /// not fit 32 bits is taken as the nearest one that does.
+    /// A `strength` of 0 changes nothing, a negative one blurs. A strength that does not fit 32 bits is taken as the
+    /// nearest one that does.
     int edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, long size, long strength, int bits);
 
-    /// 8-bit colour of four or three bytes (types 5 and 6) to CCS_RGB8; each channel for itself. Of a three-byte source
-    /// the first and the third byte change places. The destination's fourth bytes are never written.
+    /// Sharpens 8-bit colour of four or three bytes (types 5 and 6) to CCS_RGB8, each channel by itself. The first and
+    /// third byte of a three-byte source change places. The destination's fourth bytes are never written.
     ///
-    /// Column sums deliberately have 16 bits and wrap, so that bright areas are no longer flat under boxes above 257.
+    /// Column sums deliberately have 16 bits and wrap, so bright areas are no longer flat under boxes above 257.
     int edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long size, long strength);
 };

@@ -27,11 +27,11 @@ public:
     CCsEllipse();
 
     /// A plain ellipse in the rectangle of two opposite corners in display pixels; `trafo` gives the image coordinates.
-    /// Without one (null) the display rectangle is authoritative until dspToImg.
+    /// Without a transformation (null) the display rectangle is authoritative until dspToImg.
     CCsEllipse(CCs2dTrafo* trafo, const CCsPoint& first, const CCsPoint& second);
 
-    /// An angular ellipse in image coordinates: one axis from p0 to p1, the other one from p2 to p3. `trafo` gives the
-    /// display rectangle; without one (null) painting does.
+    /// An angular ellipse in image coordinates, with one axis from p0 to p1 and the other from p2 to p3. `trafo` gives
+    /// the display rectangle; without a transformation (null) painting computes it.
     CCsEllipse(CCs2dTrafo* trafo, const CCsPointDouble& p0, const CCsPointDouble& p1, const CCsPointDouble& p2,
                const CCsPointDouble& p3);
 
@@ -41,40 +41,42 @@ public:
 
     CCsOverlay* NewInstance() override;
 
-    /// This ellipse when (x, y), in display pixels, lies near its outline: with e the squared distance from the centre
-    /// in units of the half axes (truncated to integers), when |1 - e| is at most 0.25, so that the band grows with the
-    /// ellipse. A hit also says which handle is grabbed. Null for the inside, and always while a half axis is 0; the
-    /// grabbed handle stays then.
+    /// Returns this ellipse when (x, y), in display pixels, lies near its outline, and then also determines the grabbed
+    /// handle. Near means |1 - e| <= 0.25, where e is the squared distance from the centre in units of the half axes
+    /// (truncated to integers); so the band grows with the ellipse. Returns null elsewhere, and always while a half
+    /// axis is 0; the grabbed handle then stays.
     CCsOverlay* pick(int x, int y) override;
 
-    /// Marks as selected: handles are shown. `rect` stays as it is.
+    /// Selects the ellipse: it shows its handles. `rect` stays unchanged.
     void select(RECT& rect) override;
-    /// Ends the selection; 0. `rect` stays as it is.
+    /// Ends the selection and returns 0. `rect` stays unchanged.
     int unselect(RECT& rect) override;
 
-    /// A drag by (dx, dy) pixels that has arrived at (x, y). With a handle grabbed its edge moves, and the rectangle is
-    /// kept above the minimum size; otherwise the whole figure moves. The display rectangle is authoritative until
-    /// dspToImg. `region`, where not null, takes up the areas before and after. Nothing while not movable.
+    /// Moves by (dx, dy) pixels for a drag whose pointer is now at (x, y): with a grabbed handle its edge, keeping the
+    /// rectangle above the minimum size; otherwise the whole figure. The display rectangle is authoritative until
+    /// dspToImg. `region`, if not null, grows by the areas before and after. Does nothing while the ellipse is not
+    /// movable.
     void move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) override;
 
     using CCsOverlay::render;
-    /// Draws the ellipse in `color`, filled if so set, and its handles while selected. Width, height and offsets have
-    /// no effect. Nothing is drawn while not renderable, for a mode that is no render mode, and where the
+    /// Draws the ellipse in `color`, filled if set, and its handles while selected. Width, height and offsets have no
+    /// effect. Draws nothing while the ellipse is not renderable, for a mode that is no render mode, and where the
     /// transformation that the mode needs is null.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
 
-    /// Takes the image coordinates from the display rectangle, which is no longer authoritative then. Nothing for null.
+    /// Computes the image coordinates from the display rectangle, which is then no longer authoritative. Does nothing
+    /// for null.
     void dspToImg(CCs2dTrafo* trafo) override;
 
     /// Deliberately does nothing; the other getSize gives the size.
     void getSize(RECT& rect) override;
-    /// Deliberately nothing: an ellipse has no shadow.
+    /// Deliberately does nothing: an ellipse has no shadow.
     void setDicomPrintFlag(bool on) override;
 
     using CCsOverlay::renderEllipse;
 
-    /// New opposite corners in display pixels, as the constructor takes them. An angular ellipse is stretched with its
+    /// Sets two opposite corners in display pixels, like the constructor. Stretches an angular ellipse with its
     /// rectangle.
     virtual void setPts(CCs2dTrafo* trafo, const CCsPoint& first, const CCsPoint& second);
 
@@ -82,27 +84,29 @@ public:
     /// and moves.
     virtual void beginMove(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region);
 
-    /// The last step of a drag: moves, takes the image coordinates from the display rectangle and lets go of the
+    /// The last step of a drag: moves, computes the image coordinates from the display rectangle and releases the
     /// handle.
     virtual void endMove(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region);
 
-    /// Takes the display rectangle from the image coordinates. Nothing for null.
+    /// Computes the display rectangle from the image coordinates. Does nothing for null.
     virtual void imgToDsp(CCs2dTrafo* trafo);
 
-    /// The display rectangle with what is painted around it: the pen, and while selected the handles. Right and bottom
-    /// are exclusive. `dc` is not looked at.
+    /// Gives the display rectangle including the pen and, while selected, the handles around it. Right and bottom are
+    /// exclusive. `dc` has no effect.
     virtual void getSize(RECT& rect, HDC dc);
 
-    /// Left top and right bottom in display pixels.
+    /// Gives left top and right bottom in display pixels.
     virtual void getEndPts(CCsPoint& first, CCsPoint& second) const;
-    /// The same corners in image pixels; of an angular ellipse left top and right bottom of the rectangle around it.
+    /// Gives the same corners in image pixels; for an angular ellipse, left top and right bottom of the rectangle
+    /// around it.
     virtual void getImagePts(CCsPointDouble& first, CCsPointDouble& second) const;
 
     [[nodiscard]] bool isVertexPicked() const { return grabbedHandle != noHandle; }
     [[nodiscard]] bool isAngular() const { return angular; }
     [[nodiscard]] bool isFilled() const { return filled; }
     void setFilled(bool on) { filled = on; }
-    /// 0x00BBGGRR. Deliberately unlike a line's, a colour of 0 fills, too: in the colour of the outline.
+    /// Sets the fill colour, 0x00BBGGRR, and fills the ellipse. Deliberately different from a line: 0 fills, too, in
+    /// the colour of the outline.
     void setColorFilled(unsigned long newColor);
 
 protected:
@@ -112,17 +116,17 @@ protected:
     static constexpr std::int32_t bottomHandle = 3;
     static constexpr std::int32_t noHandle = 4;
 
-    /// Draws the ellipse in a rectangle in output coordinates, an angular one through `trafo` instead; then the handles
-    /// of the rectangle. Nothing while not renderable.
+    /// Draws the ellipse in a rectangle in output coordinates (an angular one through `trafo` instead), then the
+    /// handles of the rectangle. Draws nothing while the ellipse is not renderable.
     virtual void renderEllipse(CCs2dTrafo* trafo, const RECT& rect, unsigned long color, HDC dc, int mode);
 
-    /// While selected: the handles in the middle of the edges, left, right, top, bottom, with the brush that is
-    /// selected.
+    /// While selected, draws the handles in the middle of the left, right, top and bottom edge, with the brush that is
+    /// selected in `dc`.
     virtual void renderSelectionHandles(const RECT& rect, HDC dc) const;
 
-    /// Makes a side of less than 10 display pixels longer by 10, in display and, deliberately by the same number, in
-    /// image pixels, and grabs the handle across: a drag through the opposite edge goes on with that edge. The height
-    /// is looked at only when the width is large enough.
+    /// Extends a side of less than 10 display pixels by 10, in display and, deliberately by the same number, in image
+    /// pixels, and grabs the opposite handle: a drag through the opposite edge continues with that edge. Checks the
+    /// height only when the width is large enough.
     virtual void maintainMinimumSize();
 
     CCsRect<int, CCsPoint> displayRect;

@@ -5,30 +5,30 @@
 
 /// The process-wide channel through which every class reports failures, warnings and debug traces to the host.
 ///
-/// The slot is not locked: install a handler before any other call and remove it at shutdown. The handler runs on
-/// whichever thread reports.
+/// There is one slot for a handler, and it is not locked: install the handler before any other call and remove it at
+/// shutdown. The handler runs on the thread that reports.
 class ZOLWEBCS_API CCsError {
 public:
     /// Receives the tag ("CS-D", "CS-E" or "CS-W"), the reporting module, the line, the text and a category (always 0).
     using Handler = void (*)(CStringW tag, wchar_t* file, int line, CStringW message, ErrorCategory category);
 
-    /// Installs the handler. If there is one already, reports to it first and replaces it all the same.
+    /// Installs the handler. If there is one already, reports that to it and replaces it all the same.
     explicit CCsError(Handler handler);
 
-    /// Removes whatever handler is installed, also one that another object installed.
+    /// Removes the installed handler, also one that another object installed.
     ~CCsError();
 
     CCsError(const CCsError&) = delete;
     CCsError& operator=(const CCsError&) = delete;
 
-    /// Reports "<message> <number> " with the tag "CS-D"; the number is unsigned. Nothing happens for a null message
-    /// or file.
+    /// Reports "<message> <number> " with the tag "CS-D"; the number is unsigned. Does nothing for a null message or
+    /// file.
     static void debug(const wchar_t* message, unsigned long number, const wchar_t* file, int line);
 
     /// Reports "<message> <number> " with the tag "CS-E". A null message prints as "(null)".
     static void error(const wchar_t* message, long number, const wchar_t* file, int line);
 
-    /// As error, with the tag "CS-W".
+    /// As `error`, with the tag "CS-W".
     static void warning(const wchar_t* message, long number, const wchar_t* file, int line);
 
 private:

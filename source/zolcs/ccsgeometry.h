@@ -62,7 +62,7 @@ public:
     /// |y2 - y1|, limited to the largest int.
     [[nodiscard]] int getHeight() const;
 
-    /// Fills all four edges of `rect` with the ordered corners.
+    /// Sets all four edges of `rect` from the ordered corners.
     void getSize(tagRECT& rect) const;
 
     std::int32_t x1 = 0;
@@ -95,23 +95,23 @@ public:
     double y2 = 0.0;
 };
 
-/// An integer area that grows by union, such as the area to repaint. Always normalised: neither extent is negative,
-/// and two extents of 0 mean empty. Right and bottom (left + width, top + height) are exclusive; where an edge or an
-/// extent would not fit an int it is limited to the int's range.
+/// An integer area that grows by union, such as the area to repaint. It is always normalised: no extent is negative,
+/// and two extents of 0 mean empty. Right and bottom (left + width, top + height) are exclusive. Edges and extents that
+/// do not fit an int are limited to its range.
 class ZOLWEBCS_API CCsRegion {
 public:
     CCsRegion() = default;
-    /// As set.
+    /// As `set`.
     CCsRegion(int x, int y, int w, int h);
     CCsRegion(const CCsRegion&) = default;
     CCsRegion& operator=(const CCsRegion&) = default;
     virtual ~CCsRegion();
 
-    /// A negative extent counts backwards from (x, y).
+    /// Sets corner and extents; a negative extent counts backwards from (x, y).
     void set(int x, int y, int w, int h);
 
-    /// Grows to the bounding box of both. Deliberately asymmetric: this region is empty only when both extents are 0,
-    /// `other` when both are below 1; an argument of one zero and one positive extent takes part.
+    /// Grows to the bounding box of both regions. Deliberately asymmetric: this region is empty only when both extents
+    /// are 0, `other` when both are below 1. An argument with one zero and one positive extent takes part.
     void join(const CCsRegion& other);
 
     std::int32_t left = 0;

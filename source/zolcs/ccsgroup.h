@@ -2,74 +2,73 @@
 
 #include "zolcs/ccsoverlay.h"
 
-/// An ordered list of overlays that it owns; groups nest. Most operations are forwarded to the direct members, first to
-/// last, so that later members lie on top while earlier ones are picked first.
+/// An ordered list of overlays, which it owns. Groups can be nested. A group forwards most operations to its direct
+/// members, first to last, so later members are drawn above earlier ones while earlier ones are picked first.
 ///
-/// The chain's links live in the members. Every member must be able to clone itself (NewInstance not null) when its
-/// group is copied; that is not tested.
+/// The links of the list are in the members. When a group is copied, every member must be able to clone itself
+/// (NewInstance not null); this is not checked.
 class ZOLWEBCS_API CCsGroup : public CCsOverlay {
 public:
-    /// Empty, with a group pick flag of 0.
+    /// An empty group with a group pick flag of 0.
     CCsGroup();
     /// Deep: clones every member. Takes over the external flag and otherwise starts like a new group.
     CCsGroup(const CCsGroup& other);
-    /// Deliberately shallow, the links of the group itself included: afterwards both groups name the same members,
-    /// which both would delete, and the former members of this group belong to nobody. Hold such a copy where its
-    /// destructor does not run.
+    /// Deliberately shallow, including the group's own links: afterwards both groups refer to the same members, which
+    /// both would delete, and nobody owns this group's former members. Hold such a copy where its destructor does not
+    /// run.
     CCsGroup& operator=(const CCsGroup& other);
-    /// Deletes every member and leaves the group's own group.
+    /// Deletes every member and leaves the group that contains this one.
     ~CCsGroup() override;
 
-    /// A deep copy on the heap, or null when memory is exhausted.
+    /// Returns a deep copy on the heap, which the caller owns, or null when memory is exhausted.
     CCsOverlay* NewInstance() override;
 
     /// The result of the first member that is hit: that member, or for a nested group one of its members. This group
     /// instead when the group pick flag is not 0. Null when nothing is hit.
     CCsOverlay* pick(int x, int y) override;
 
-    /// Ends the selection of the first selected member and returns 1; 0 when no member is selected. The group's own
-    /// selection stays.
+    /// Ends the selection of the first selected member and returns 1; returns 0 when no member is selected. The group's
+    /// own selection stays.
     int unselect(RECT& rect) override;
 
-    /// The first direct member that is selected or has a selected member, else null.
+    /// Returns the first direct member that is selected or has a selected member, else null.
     CCsOverlay* isSelected() override;
 
-    /// Moves the members, as long as the group itself is movable.
+    /// Moves the members if the group itself is movable.
     void move(CCs2dTrafo* trafo, int dx, int dy, int x, int y, CCsRegion* region) override;
 
     using CCsOverlay::render;
-    /// Draws the members, first to last, whatever the group's own render flag is.
+    /// Draws the members, first to last, regardless of the group's own render flag.
     void render(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                 int height, int offsetX, int offsetY) override;
     void dspToImg(CCs2dTrafo* trafo) override;
-    /// One rectangle goes through all members, each of which changes it in its own way.
+    /// Passes one rectangle through all members, each of which changes it in its own way.
     void getSize(RECT& rect) override;
     void size(unsigned int what, int dx, int dy, CCs2dTrafo* trafo) override;
     void updateTrafo(CCs2dTrafo* trafo, bool flag) override;
-    /// Of the members; the group itself keeps none.
+    /// Sets the members' flags; the group itself has none.
     void setDicomPrintFlag(bool on) override;
 
-    /// Links the overlay itself, not a copy, behind the last member. It must be free, which is not tested; the group
-    /// owns it from now on.
+    /// Appends the overlay itself, not a copy, and owns it from then on. The overlay must be free; this is not checked.
     void append(CCsOverlay& overlay);
 
-    /// Appends clones of all members of `source` but the last. It must have a member, which is not tested.
+    /// Appends clones of all members of `source` except the last. `source` must have a member; this is not checked.
     void appendAllExceptLast(CCsGroup& source);
 
-    /// resetAll, then the group pick flag, the external flag and clones of all members of `source`.
+    /// Calls resetAll, then takes over the group pick flag, the external flag and clones of all members of `source`.
     void copyGroup(CCsGroup& source);
 
-    /// The n-th member, counted from 1; null outside 1 to getGroupSize().
+    /// Returns the n-th member, counted from 1; null outside 1 to getGroupSize().
     [[nodiscard]] CCsOverlay* Find(int n) const;
 
-    /// Number of direct members; a nested group counts as one.
+    /// The number of direct members; a nested group counts as one.
     [[nodiscard]] int getGroupSize() const;
 
-    /// Deletes every member that is neither burnt nor external; the others stay in their order. The group pick flag
-    /// becomes 0.
+    /// Deletes every member that is neither burnt nor external; the others keep their order. Sets the group pick flag
+    /// to 0.
     void resetAll();
 
-    /// As render, for the last member alone.
+    /// As `render`, for the last member alone.
     void renderLast(CCs2dTrafo* imageTrafo, CCs2dTrafo* outputTrafo, unsigned long color, HDC dc, int mode, int width,
                     int height, int offsetX, int offsetY);
 
@@ -79,10 +78,10 @@ public:
     /// Whether the group has members.
     [[nodiscard]] bool isAnyOverlayPresent() const;
 
-    /// 1 when a direct member is transformable, else 0.
+    /// Returns 1 when a direct member is transformable, else 0.
     [[nodiscard]] int isTransformableOverlAdded() const;
 
-    /// Marks the direct members, not those of nested groups, as burnt to the image or not.
+    /// Sets whether the direct members, but not those of nested groups, are burnt to the image.
     void setBurntToImage(bool on);
 
     /// Sets the result of isTransformable for the direct members, not for those of nested groups.
@@ -106,8 +105,8 @@ private:
 class ZOLWEBCS_API CCsBox {
 public:
     CCsBox() = delete;
-    /// 1 when (x, y) lies in the 14 by 14 square around (cx, cy), half-open on the right and bottom, else 0.
+    /// Returns 1 when (x, y) lies in the 14 by 14 square around (cx, cy), right and bottom exclusive, else 0.
     static int pick(int cx, int cy, int x, int y);
-    /// Paints a 5 by 5 square centred on (x, y) with the brush selected into dc.
+    /// Paints a 5 by 5 square centred on (x, y) with the brush that is selected in `dc`.
     static void render(int x, int y, HDC dc);
 };

@@ -13,52 +13,58 @@ namespace zolcs {
 struct DibReports;
 }
 
-/// The source image: pixels, the shutters that blank parts of it, and its overlay planes.
+/// The source image: pixels, the shutters that hide parts of it, and its overlay planes.
 ///
-/// Every type but CCS_RGB24 has a spare line and a spare pixel behind the image, which interpolation may read. A raster
-/// is filled by the host and read by resampling on one thread at a time.
+/// Every type but CCS_RGB24 has a spare row and a spare pixel behind the image, which interpolation may read. The host
+/// fills a raster and resampling reads it on one thread at a time.
 class ZOLWEBCS_API CCsRaster : public CCsImage {
 public:
-    /// Sizes the raster with setSize, all shutters off. Throws that call's result as an int when it is not 255.
+    /// Sizes the raster with setSize, with all shutters off. Throws that call's result as an int when it is not
+    /// CCS_DONE.
     ///
-    /// `deferAllocation` lets every setSize record the geometry only; the first getOrigin then allocates, and from then
-    /// on nothing is deferred.
+    /// With `deferAllocation` every setSize records the geometry only. The first getOrigin then allocates the memory,
+    /// and from then on nothing is deferred.
     CCsRaster(int width, int height, int type, double ratioYx, bool mapMemory, bool deferAllocation);
 
-    /// Adopts a buffer, which the raster then owns, with lines that are not padded (pitch = width): it holds at least
+    /// Adopts a buffer, which the raster then owns. Its rows have no padding (pitch = width), and it holds at least
     /// width * height pixels. A type of -1 and a ratio of 0.0 mean "not set". With a null buffer the first getOrigin
     /// allocates one.
     CCsRaster(ZolMemMappedBuffer* buffer, int width, int height, int type, double ratioYx);
 
-    /// A deep copy, pixels included. The copy of an adopted buffer keeps its layout and gets a spare line and pixel;
-    /// a type that is unknown is then reported and its pixels are not copied. Throws an int: 1 when memory is exhausted
+    /// Copies everything, pixels included. The copy of an adopted buffer keeps its layout and gets a spare row and
+    /// pixel; an unknown type is then reported and its pixels are not copied. Throws an int: 1 when memory is exhausted
     /// (reported unless the buffer was adopted), 0 when the geometry is refused.
     CCsRaster(const CCsRaster& other);
 
-    /// Deliberately shallow for the pixels, as that of CCsImage; vertices and planes are copied.
+    /// Deliberately shallow for the pixels, like CCsImage's; vertices and planes are copied.
     CCsRaster& operator=(const CCsRaster& other);
 
-    /// A copy of this raster, which the caller owns. Throws as the copy constructor does.
+    /// Returns a copy of this raster, which the caller owns. Throws as the copy constructor does.
     CCsRaster* NewInstance() override;
     ~CCsRaster() override;
 
-    /// Locks the memory and returns the first pixel's address. Without memory it is allocated first, by setSize with
-    /// the stored values; null when that fails.
+    /// Locks the memory and returns the first pixel's address. A raster without memory first allocates it by setSize
+    /// with the stored values. Null when that fails.
     unsigned char* getOrigin() override;
 
-    /// Replaces geometry and memory; a type of -1 and a ratio of 0.0 keep the current ones. New pixels are zero, and
-    /// the memory is locked once. 255; 1, reported, when the memory cannot be had (negative sizes and byte counts
-    /// beyond 32 bits included); 0, reported, for an unknown type or when the constructor failed. In all cases but the
-    /// last the old pixels are gone, and a failure leaves the new geometry without memory; a later call may succeed.
+    /// Replaces geometry and memory. A type of -1 and a ratio of 0.0 keep the current ones. New pixels are zero, and
+    /// the memory is locked once. Returns:
+    /// - CCS_DONE;
+    /// - CCS_MISSING, reported: the memory cannot be allocated, which includes negative sizes and byte counts beyond 32
+    /// bits;
+    /// - CCS_FAILED, reported: the type is unknown, or the constructor failed.
+    ///
+    /// The old pixels are gone, and after a failure the raster has the new geometry without memory; a later call can
+    /// succeed. Only a raster whose constructor failed is left unchanged.
     int setSize(int width, int height, int type, double ratioYx, bool mapMemory);
 
-    /// Height of a pixel divided by its width; 0.0 changes nothing.
+    /// Sets the height of a pixel divided by its width; 0.0 changes nothing.
     void setAspectRatio(double ratioYx);
 
     /// True when construction and the last setSize succeeded.
     [[nodiscard]] bool isValid() const;
 
-    // Shutters. Rectangles are in image pixels with inclusive right and bottom; setting a kind switches it on.
+    // Shutters. Rectangles are in image pixels, right and bottom inclusive. Setting a kind of shutter switches it on.
 
     void setRectShutter(RECT rect);
     /// `box` is the circle's bounding box.
@@ -79,15 +85,16 @@ public:
     /// Any of the four kinds.
     [[nodiscard]] bool isShutter() const;
 
-    /// Takes over the record but for its group and auxiliary value; the bits stay the host's. A record with neither tag
-    /// nor data is ignored. Always true.
+    /// Takes over the record except for its group and auxiliary value. The bits stay the host's. A record with neither
+    /// tag nor data is ignored. Always returns true.
     bool setBitmapShutterInfo(const CCsBitmapShutterInfo& info);
 
     /// Replaces all shutters, the bitmap shutter included, by those present in the record (the circle by its `bounds`).
-    /// A record without any is ignored. The record's presentation value is deliberately not stored. Always true.
+    /// A record without any is ignored. The record's presentation value is deliberately not stored. Always returns
+    /// true.
     bool setDisplayShutterInfo(const CCsDisplayShutterInfo& info);
 
-    /// The rectangular, circular and polygonal shutters, the circle computed from its box, and the value of
+    /// Returns the rectangular, circular and polygonal shutters, the circle computed from its box, with the value of
     /// getPresentationShutterValue().
     [[nodiscard]] CCsDisplayShutterInfo getDisplayShutterInfo() const;
 
@@ -95,13 +102,14 @@ public:
     /// The value outside the shutters: the bitmap shutter's own while that is on.
     [[nodiscard]] unsigned short getPresentationShutterValue() const;
 
-    /// Switches shutters off: 1 the circular, 2 the rectangular, 3 the polygonal (its vertices go too), 4 the bitmap
-    /// shutter, any other kind all of them. -1 clears the bitmap record's presentation value as well.
+    /// Switches shutters off: 1 the circular, 2 the rectangular, 3 the polygonal (and drops its vertices), 4 the bitmap
+    /// shutter, any other number all of them. -1 also clears the bitmap record's presentation value.
     void resetImage(int kind);
 
-    /// Takes over the source's overlay planes (if it has any), its embedded-overlay status and its shutters, in display
-    /// coordinates (image coordinates where `trafo` is null). A bitmap shutter stays in image coordinates and comes
-    /// alone. From a source without shutters the presentation value is not taken over.
+    /// Takes over the source's overlay planes (if it has any), its embedded-overlay status and its shutters. Shutters
+    /// are mapped to display coordinates by `trafo`; without one (null) they stay in image coordinates. A bitmap
+    /// shutter stays in image coordinates and is taken over alone. The presentation value is not taken over from a
+    /// source without shutters.
     void setShutterInfo(CCsRaster& source, CCs2dTrafo* trafo);
 
     // Overlay planes. Their bits stay the host's.
@@ -117,18 +125,18 @@ public:
 
     // Graphics that become pixels.
 
-    /// Draws an overlay (none when null) with CCS_MODE_BURN_IN on black, with `font` selected unless it is null, into a
-    /// new 32-bit top-down bitmap of pitch x height pixels: a 40-byte header with the pixels right behind it. The grey
-    /// form draws in the colour 0xFFFF.
+    /// Draws an overlay (none when null) with CCS_MODE_BURN_IN on black into a new 32-bit top-down bitmap of
+    /// pitch x height pixels: a 40-byte header directly followed by the pixels. `font` is selected unless it is null.
+    /// The grey form draws in the colour 0xFFFF.
     ///
-    /// 255: `result` is the caller's, who frees it with delete[] on unsigned char*. 1 when memory is exhausted, 0 when
-    /// GDI refuses; both are reported and leave `result` null.
+    /// Returns CCS_DONE, and `result` belongs to the caller, who frees it with delete[] on unsigned char*; or
+    /// CCS_MISSING when memory is exhausted, or CCS_FAILED when GDI refuses, both reported and with a null `result`.
     int MakeDIBGrey12_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font);
     int MakeDIBRgb8_(BITMAPINFO*& result, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color);
 
-    /// Draws an overlay as above and lets the map merge it into the pixels; `planeMask`, `mergeMode` and `mergeFlag`
-    /// are the depth, bits and blankToMax of IMap::mergeDIBtoData. 255, or what the drawing returned; the pixels are
-    /// then untouched.
+    /// Draws an overlay as above and lets the map merge it into the pixels. `planeMask`, `mergeMode` and `mergeFlag`
+    /// are the depth, bits and blankToMax of IMap::mergeDIBtoData. Returns CCS_DONE; or the drawing's failure, and the
+    /// pixels are then unchanged.
     int burnInOverlay(IMap& map, CCsOverlay* overlay, unsigned int planeMask, CCs2dTrafo* trafo, HFONT font,
                       int mergeMode, bool mergeFlag);
     int burnInOverlay(IMap& map, CCsOverlay* overlay, CCs2dTrafo* trafo, HFONT font, unsigned long color);

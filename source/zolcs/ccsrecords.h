@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <vector>
 
-/// A shutter given as a bit plane: `columns` bits a row without row padding, lowest bit of each byte first.
-/// The data stays the host's; it must hold rows * columns bits.
+/// A shutter given as a bit plane: `columns` bits per row without row padding, lowest bit of each byte first. The data
+/// stays the host's and must hold rows * columns bits.
 struct CCsBitmapShutterInfo {
-    std::uint32_t tag = 0;     ///< non-zero when a bitmap shutter is supplied
+    std::uint32_t tag = 0;     ///< not 0 when there is a bitmap shutter
     std::int32_t originX = 0;  ///< 1-based image column of the first bit
     std::int32_t originY = 0;  ///< 1-based image row of the first bit
     std::uint16_t rows = 0;
@@ -25,7 +25,7 @@ struct CCsBitmapShutterInfo {
     std::uint16_t presentationValue = 0;  ///< applies while the bitmap shutter is on
 };
 
-/// One overlay plane, laid out as the bitmap shutter's bits. The data stays the host's.
+/// One overlay plane, with bits laid out like the bitmap shutter's. The data stays the host's.
 struct CCs60XXOverlay {
     std::uint32_t leading = 0;
     std::int32_t originX = 0;  ///< 1-based image column of the first bit
@@ -47,7 +47,7 @@ struct CCsRectangularShutterInfo {
     RECT rect = {0, 0, 0, 0};
 };
 
-/// Circular shutter: what is visible lies within `radius` of `center`.
+/// Circular shutter: pixels within `radius` of `center` are visible.
 struct CCsCircularShutterInfo {
     int present = 0;
     CCsPoint center;

@@ -14,16 +14,16 @@ public:
     CCsTrack() = default;
     /// Tracks over this overlay, which stays the caller's; null means none.
     explicit CCsTrack(CCsOverlay* overlay);
-    /// Deep: has clones of both overlays (null where there is none and where there is no memory), which belong to the
-    /// caller, who gets them from getOverlay and getPicked.
+    /// Clones both overlays (null where there is none and when memory is exhausted). The caller owns the clones and
+    /// gets them from getOverlay and getPicked.
     CCsTrack(const CCsTrack& other);
-    /// Deliberately shallow: both tracks name the same overlays afterwards.
+    /// Deliberately shallow: afterwards both tracks refer to the same overlays.
     CCsTrack& operator=(const CCsTrack& other);
     /// Deletes no overlay.
     virtual ~CCsTrack();
 
-    /// The button goes down: the drag begins here, and what the overlay picks here is what is picked (null for
-    /// nothing). Without an overlay the picked one stays.
+    /// The button goes down: the drag begins here, and the overlay's pick at this point becomes the picked overlay
+    /// (null for nothing). Without an overlay the picked one stays.
     void downEvent(int newX, int newY);
     void motionEvent(int newX, int newY);
     /// The button goes up here: nothing is picked any more.

@@ -14,16 +14,16 @@
 
 class ZolMemMappedManager;
 
-/// One block of pixel memory. Made by ZolMemMappedManager and destroyed by whoever asked for it.
+/// One block of pixel memory. ZolMemMappedManager makes it; whoever asked for it owns and destroys it.
 class ZOLMEMMAP_API ZolMemMappedBuffer {
 public:
     virtual ~ZolMemMappedBuffer();
 
-    /// Makes the memory accessible and returns the address of its first byte
-    /// (null while a buffer without a mapping has no memory yet, see setHeapBuffer).
+    /// Makes the memory accessible and returns the address of its first byte; null while a buffer without a mapping has
+    /// no memory yet (see setHeapBuffer).
     virtual unsigned char* lock();
 
-    /// Ends an access. The address stays good for the buffer's life; the arguments are accepted for the host's sake.
+    /// Ends an access. The address stays valid for the buffer's life. The arguments have no effect.
     virtual void unlock(int first, int second);
 
     ZolMemMappedBuffer(const ZolMemMappedBuffer&) = delete;
@@ -32,18 +32,18 @@ public:
     /// The file mapping that a DIB section can be created on, or null when the buffer is plain memory.
     [[nodiscard]] HANDLE getMapHandle() const { return mapping_; }
 
-    /// Lets the buffer stand for memory that somebody else owns and keeps for the buffer's life: at least getSize()
-    /// bytes from `memory` on, without guards. Memory of its own, a mapping included, is released first.
+    /// Makes the buffer refer to memory of another owner, who keeps it for the buffer's life: at least getSize() bytes
+    /// from `memory` on, without guards. Releases the buffer's own memory, mappings included, first.
     void setHeapBuffer(unsigned char* memory);
 
-    /// Copies byteCount bytes from the start of source to destinationOffset here; clipped to both sizes. Nothing
-    /// happens for a null source or where either has no memory.
+    /// Copies byteCount bytes from the start of `source` to destinationOffset in this buffer, clipped to both sizes.
+    /// Does nothing for a null source or where either buffer has no memory.
     void Memcpy(unsigned long destinationOffset, ZolMemMappedBuffer* source, unsigned long byteCount);
 
-    /// Bytes asked for, guards not included.
+    /// Bytes that were asked for, without guards.
     [[nodiscard]] std::size_t getSize() const { return size_; }
 
-    /// Locks less unlocks so far.
+    /// Number of locks minus number of unlocks.
     [[nodiscard]] int getLockCount() const { return lockCount_; }
 
 private:
@@ -66,23 +66,24 @@ class ZOLMEMMAP_API ZolMemMappedManager {
 public:
     static ZolMemMappedManager* getIntance();
 
-    /// A zeroed buffer of `bytes` with at least `guardBytes` more before and after it, which may be read and written;
-    /// on a file mapping when `mapped` is set, on the heap otherwise. The first byte lies at a multiple of 64. Null
-    /// when the sizes overflow, the limit is reached, memory is exhausted or the mapping cannot be made (there is no
-    /// falling back to the heap: who asks for a mapping means to share it). `reserved` is not interpreted.
+    /// Returns a zeroed buffer of `bytes` with at least `guardBytes` more before and after it, which can be read and
+    /// written; on a file mapping when `mapped` is set, else on the heap. The first byte lies at a multiple of 64. The
+    /// caller owns the buffer. Null when the sizes overflow, the limit is reached, memory is exhausted or the mapping
+    /// cannot be made (the heap does not replace a mapping: whoever asks for one means to share it). `reserved` has no
+    /// effect.
     ZolMemMappedBuffer* allocateMapMemory(unsigned int bytes, unsigned long guardBytes, bool mapped, bool reserved);
 
-    /// A zeroed buffer of `bytes` on a file mapping for a DIB section, without guards. With mappings switched off it
-    /// has no memory yet and a null map handle, and waits for setHeapBuffer. Null on failure.
+    /// Returns a zeroed buffer of `bytes` on a file mapping for a DIB section, without guards, which the caller owns.
+    /// With mappings switched off the buffer has no memory and a null map handle until setHeapBuffer. Null on failure.
     ZolMemMappedBuffer* allocateMemoryOnlyOnMap(unsigned int bytes);
 
-    /// Whether allocateMemoryOnlyOnMap makes file mappings (the default).
+    /// Sets whether allocateMemoryOnlyOnMap makes file mappings (initially true).
     void setUseMappings(bool on) { useMappings_ = on; }
 
-    /// Upper bound of getBytesInUse(); an allocation that would pass it fails. No limit by default.
+    /// Sets the upper limit of getBytesInUse(); an allocation that would exceed it fails. Initially there is no limit.
     void setLimit(std::size_t bytes) { limit_ = bytes; }
 
-    /// Bytes of all living buffers' own memory, guards included.
+    /// Bytes of own memory of all existing buffers, guards included.
     [[nodiscard]] std::size_t getBytesInUse() const { return bytesInUse_; }
 
     ZolMemMappedManager(const ZolMemMappedManager&) = delete;
