@@ -15,6 +15,13 @@ inline viewing::StoredImage load(DicomWriter& writer, const viewing::OpenSetting
     return viewing::openImage(writer.save(folder, syntax), settings);
 }
 
+/// A data set of four pixels of 12 bits.
+inline DicomWriter image2x2() {
+    DicomWriter writer(2, 2);
+    writer.pixels({1, 2, 3, 0x0FFF});
+    return writer;
+}
+
 /// The words with which the file is refused, empty when it is not.
 inline std::string refusal(DicomWriter& writer, const viewing::OpenSettings& settings = {},
                            E_TransferSyntax syntax = EXS_LittleEndianExplicit) {

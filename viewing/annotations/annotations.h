@@ -12,19 +12,20 @@ namespace viewing {
 
 enum class FigureKind { Line, Arrow, Angle, Polyline, Rectangle, Square, Circle, Ellipse, Curve, Text };
 
-/// What coordinates count: columns and rows of the image, (0, 0) being the upper left corner of its first pixel; pixels
-/// of the picture; or fractions of the picture's width and height.
+/// The unit of coordinates, with x to the right and y down: columns and rows of the image, (0, 0) being the upper left
+/// corner of its first pixel; pixels of the picture; or fractions of the picture's width and height.
 enum class CoordinateSpace { Image, Display, Normalised };
 
 enum class Alignment { Left, Centre, Right };
 
+/// A place in the coordinates of an annotation.
 struct Position {
     double x = 0.0;
     double y = 0.0;
     bool operator==(const Position&) const = default;
 };
 
-/// Lengths count the unit of x, also upwards and aslant, so that a circle is round in every space.
+/// One figure or text. Lengths are in units of the x axis in every direction, so that a circle is round in every space.
 struct Annotation {
     FigureKind kind = FigureKind::Line;
     CoordinateSpace space = CoordinateSpace::Image;
@@ -37,19 +38,20 @@ struct Annotation {
     double across = 0.0;
     /// Clockwise turn of an ellipse.
     double degrees = 0.0;
-    std::string text;  ///< UTF-8
+    std::string text;  ///< UTF-8; of texts only
     Alignment alignment = Alignment::Left;
     std::uint32_t colour = 0xFFFF00;  ///< 0xRRGGBB
     int penStyle = 0;                 ///< GDI's: 0 solid to 4 dash-dot-dot
-    bool filled = false;
-    bool closed = false;
-    bool shadow = true;
+    bool filled = false;              ///< the area, too; of polylines, rectangles, squares, circles and ellipses
+    bool closed = false;              ///< joins the last vertex to the first; of polylines and curves
+    bool shadow = true;               ///< a dark outline beneath lines and letters
 };
 
-/// The annotations of a JSON file, in the order in which they are drawn. Refuses what is not as documented.
+/// The annotations of a JSON file (docs/zolview.md describes it), in the order in which they are drawn. Refuses a file
+/// that cannot be read or is larger than 16 MiB, and what is not as documented, naming the annotation by its number.
 std::vector<Annotation> readAnnotations(const std::string& path);
 
-/// As above for the contents of a file.
+/// The annotations of the contents of such a file.
 std::vector<Annotation> parseAnnotations(const std::string& json);
 
 }  // namespace viewing

@@ -1,4 +1,4 @@
-// The overlay planes that a data set carries in groups 6000 to 601E and in spare bits of its pixels.
+// The overlay planes of a data set, in groups 6000 to 601E and in unused bits of its pixels (DICOM PS3.3 C.9.2).
 #pragma once
 
 #include "viewing/dicom/dicom_attributes.h"
@@ -10,14 +10,14 @@
 
 namespace viewing {
 
-/// Adds the planes that belong to a frame (counted from 0) to an image whose width and height are set, and a note for
-/// each that cannot be shown. `words` are its pixels as stored, none for pixels of several samples. Planes in bits 12
-/// to 15 of grey pixels of at most 12 low bits are listed as embedded, for convertSamples to carry over; in all other
-/// bits they become planes of their own.
+/// Adds to an image the planes that belong to a frame, counted from 0, and a note for each that cannot be shown. The
+/// image's width, height and kind of pixels are set. `words` are its width * height pixels as stored, or none for
+/// pixels of several samples. Planes in bits 12 to 15 of grey pixels of at most 12 bits are listed as embedded, for
+/// convertSamples to carry over; planes in other bits become planes of their own.
 void readOverlays(StoredImage& image, DcmItem& dataset, int frame, std::span<const std::uint16_t> words,
                   const PixelFormat& format);
 
-/// Bits 12 to 15 that the image's embedded planes occupy.
+/// A mask of those of the bits 12 to 15 in which the image has embedded planes.
 std::uint16_t embeddedBits(const GreyImage& image);
 
 }  // namespace viewing

@@ -9,20 +9,20 @@
 
 namespace viewing {
 
-/// Where a stored value lies in its word.
+/// Where a stored value lies in its word (DICOM PS3.5 8.1.1).
 struct PixelFormat {
-    int bitsAllocated = 16;
-    int bitsStored = 12;
-    int highBit = 11;
+    int bitsAllocated = 16;  ///< 8 or 16
+    int bitsStored = 12;     ///< 1 to highBit + 1
+    int highBit = 11;        ///< below bitsAllocated
     bool isSigned = false;
 
-    /// The value's own bits in the word.
+    /// A mask of the value's bits in the word.
     [[nodiscard]] std::uint16_t valueBits() const;
     /// The stored value in `word`, sign-extended; the word's other bits do not matter.
     [[nodiscard]] int value(std::uint16_t word) const;
 };
 
-/// Stored values, both ends included, that mark pixels which are no part of the picture.
+/// The stored values, both ends included, of pixels that are no part of the picture (DICOM PS3.3 C.7.5.1.1.2).
 struct PaddingRange {
     int low = 0;
     int high = 0;

@@ -178,7 +178,7 @@ private:
 
 std::wstring wide(const std::string& utf8) {
     std::optional<std::wstring> out = zolplatform::fromUtf8(utf8);
-    if (!out) throw Refusal("has an annotation whose text is not UTF-8");
+    if (!out) throw Refusal("the text of an annotation is not UTF-8");
     return std::move(*out);
 }
 

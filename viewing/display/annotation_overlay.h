@@ -1,4 +1,4 @@
-// Annotations as the library's overlays.
+// Annotations as overlays of the drawing library.
 #pragma once
 
 #include "viewing/annotations/annotations.h"
@@ -10,20 +10,22 @@
 
 namespace viewing {
 
-/// The library's modes of drawing that make a difference here.
+/// The render modes of the library that make a difference here.
 inline constexpr int screenMode = 1;
 inline constexpr int printerMode = 2;
 
-/// What annotations are drawn on.
+/// What annotations are drawn on. The view must outlive the overlay.
 struct Canvas {
     CCs2dTrafo& view;            ///< image to picture
     double imageRatioYx = 1.0;   ///< height of an image pixel divided by its width
     double pictureAspect = 1.0;  ///< width of the picture divided by its height, as they are seen
 };
 
-/// A group with one overlay for each annotation, each in its own colour. Owns the strings that the texts refer to.
+/// A group with one overlay for each annotation, in their order, each in its own colour. Owns the overlays and the
+/// strings to which the texts refer.
 class AnnotationOverlay {
 public:
+    /// Refuses a text that is not UTF-8.
     AnnotationOverlay(const std::vector<Annotation>& annotations, const Canvas& canvas);
 
     [[nodiscard]] CCsGroup* group() { return &group_; }

@@ -113,7 +113,7 @@ CCs2dTrafo drawImage(const StoredImage& image, const DisplaySettings& settings, 
     RasterSetup setup(separate ? *separate : image, settings);
     ReportLog::check();
     if (settings.sharpening && settings.sharpening->box / 2 * 2 >= std::min(image.width, image.height))
-        notes.emplace_back("is not larger than the box of --sharpen; nothing is sharpened");
+        notes.emplace_back("is not larger than the box of the unsharp mask; nothing is sharpened");
     CCs2dTrafo view = makeView(setup.raster(), frame, settings);
     if (image.isColour()) {
         if (settings.palette) notes.emplace_back("has its own colours; the palette is not used");

@@ -9,9 +9,9 @@
 
 namespace viewing {
 
-/// A map for rasters of the transform's levels, without a palette yet. Every level gets a grey that is off by at most
-/// one from what the transform defines: by the map's own window where that comes as near, and through its non-linear
-/// table where not.
+/// A map for rasters of the transform's levels, without a palette yet; the caller owns it. The grey of every level
+/// differs by at most one from what the transform defines: the map's own window is used where it comes as near, and its
+/// non-linear table where not. Refuses when there is no memory.
 std::unique_ptr<IGreyMap> makeGreyMap(const GreyTransform& transform);
 
 /// True when the lowest level of a map is brighter than the highest one.

@@ -10,7 +10,7 @@
 
 namespace viewing {
 
-/// Locks an image for its life. Refuses an image without memory.
+/// Locks an image whose pixels are of type Pixel, for as long as it lives. Refuses an image without memory.
 template <typename Pixel>
 class ImagePixels {
 public:
@@ -23,9 +23,10 @@ public:
     ImagePixels& operator=(const ImagePixels&) = delete;
     ~ImagePixels() { image_.unlock(); }
 
+    /// The first pixel of row y, from 0.
     [[nodiscard]] Pixel* row(int y) const { return first_ + static_cast<std::ptrdiff_t>(y) * image_.getPitch(); }
 
-    /// Every pixel in turn, row by row.
+    /// Calls visit(pixel) for every pixel, row by row.
     template <typename Visit>
     void forEach(Visit visit) const {
         for (int y = 0; y < image_.getHeight(); ++y) std::for_each_n(row(y), image_.getWidth(), visit);

@@ -9,17 +9,17 @@
 
 namespace viewing {
 
-/// One at a time, since the library reports to one handler only.
+/// Collects the first report. Only one may live at a time, since the library reports to one handler.
 class ReportLog {
 public:
     ReportLog() : error_(&ReportLog::handle) { text().clear(); }
 
-    /// Refuses with the first report that came in, if any did.
+    /// Throws a Refusal with the first report, if there is one.
     static void check() {
         if (!text().empty()) throw Refusal("the picture could not be made: " + text());
     }
 
-    /// Forgets what came in.
+    /// Forgets the report, so that the next one counts as the first.
     static void forget() { text().clear(); }
 
 private:

@@ -1,11 +1,12 @@
-// The built-in test picture: everything that an image can carry, and marks that show when something is lost or turned.
+// The built-in test image: all that a grey image can carry, and marks that show when something is lost or turned.
 #pragma once
 
 #include "viewing/image/stored_image.h"
 
 namespace viewing {
 
-/// 640 x 512 levels of 12 bits, the same everywhere: made of integers only.
+/// A grey image of 640 x 512 pixels and 12 bits with shutters, padding, two overlay planes and an embedded one, and a
+/// window of all levels. It is made of integers only, and so the same on every machine.
 StoredImage makePhantom();
 
 }  // namespace viewing

@@ -8,7 +8,8 @@
 
 namespace viewing {
 
-/// Writes an 8-bit PNG: grey when every pixel is grey, RGB otherwise. A refusal leaves no half-written file behind.
+/// Writes a PNG file of 8 bits a channel: grey when every pixel is grey, RGB otherwise. Refuses when the file cannot be
+/// written completely, with the system's reason, and then leaves no part of it behind.
 void writePng(const Picture& picture, const std::string& path);
 
 }  // namespace viewing

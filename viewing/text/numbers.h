@@ -10,8 +10,8 @@
 
 namespace viewing {
 
-/// The number that is all of a text, with or without a sign; null for anything else, for what does not fit and for what
-/// is not finite.
+/// The decimal number of which a text consists, with or without a sign; null for any other text, and for a number that
+/// does not fit or is not finite. The decimal separator is a full stop whatever the locale.
 template <typename Number>
 std::optional<Number> parseAs(std::string_view text) {
     if (text.starts_with('+')) {

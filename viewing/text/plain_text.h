@@ -1,4 +1,4 @@
-// Texts from files, made fit to be printed.
+// Texts from files, made safe to print.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace viewing {
 
-/// The text as one line of UTF-8 that tells a terminal nothing but letters: line ends and tabs become blanks, all other
-/// control characters and what is no UTF-8 question marks.
+/// The text as one line of UTF-8 without control characters, so that a file cannot control a terminal: line ends and
+/// tabs become blanks, all other control characters and each byte that is not UTF-8 a question mark.
 std::string plainText(std::string_view text);
 
 }  // namespace viewing

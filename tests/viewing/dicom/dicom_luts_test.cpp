@@ -12,6 +12,7 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::image2x2;
 using zoltest::load;
 using zoltest::refusal;
 using zoltest::TemporaryFolder;
@@ -21,12 +22,6 @@ OpenSettings voi(int number) {
     OpenSettings settings;
     settings.voi = number;
     return settings;
-}
-
-DicomWriter image2x2() {
-    DicomWriter writer(2, 2);
-    writer.pixels({1, 2, 3, 0x0FFF});
-    return writer;
 }
 
 TEST(DicomLuts, AllWindowsAndTablesAreListedAndChosen) {

@@ -11,14 +11,9 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::image2x2;
 using zoltest::load;
 using Words = std::vector<std::uint16_t>;
-
-DicomWriter image2x2() {
-    DicomWriter writer(2, 2);
-    writer.pixels({1, 2, 3, 0x0FFF});
-    return writer;
-}
 
 TEST(DicomOverlays, OverlayPlanes) {
     DicomWriter writer(4, 3);

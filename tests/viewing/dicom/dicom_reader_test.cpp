@@ -14,6 +14,7 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::image2x2;
 using zoltest::load;
 using zoltest::TemporaryFolder;
 using Words = std::vector<std::uint16_t>;
@@ -27,12 +28,6 @@ std::string refusalOfBytes(const std::string& bytes) {
         return refused.what();
     }
     return {};
-}
-
-DicomWriter image2x2() {
-    DicomWriter writer(2, 2);
-    writer.pixels({1, 2, 3, 0x0FFF});
-    return writer;
 }
 
 TEST(DicomReader, NamesComeInUtf8) {

@@ -10,14 +10,9 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::image2x2;
 using zoltest::load;
 using zoltest::refusal;
-
-DicomWriter image2x2() {
-    DicomWriter writer(2, 2);
-    writer.pixels({1, 2, 3, 0x0FFF});
-    return writer;
-}
 
 TEST(PixelDescription, PaddingValueAndRange) {
     DicomWriter writer(4, 1);

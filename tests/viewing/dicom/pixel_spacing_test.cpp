@@ -11,13 +11,8 @@ namespace {
 
 using namespace viewing;
 using zoltest::DicomWriter;
+using zoltest::image2x2;
 using zoltest::load;
-
-DicomWriter image2x2() {
-    DicomWriter writer(2, 2);
-    writer.pixels({1, 2, 3, 0x0FFF});
-    return writer;
-}
 
 TEST(PixelSpacing, PixelRatioFromWhateverCarriesIt) {
     const std::vector<std::pair<DcmTagKey, std::string>> tags{{DCM_PixelSpacing, "3\\2"},
