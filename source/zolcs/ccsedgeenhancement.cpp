@@ -4,6 +4,7 @@
 #include "zolcs/pixels/imagelock.h"
 #include "zolcs/pixels/imageview.h"
 #include "zolcs/sharpen/boxunsharp.h"
+#include "zolcs/support/conversion.h"
 #include "zolcs/support/report.h"
 #include "zollog/zollog.h"
 
@@ -54,14 +55,10 @@ struct TypeChecks {
 
 /// True when a member may begin; otherwise it has been said why not.
 bool mayBegin(const MemberSites& sites, const TypeChecks& fits, const CCsRaster& src, const CCsRaster& dst, long size) {
-    const auto refuse = [](const ReportSite& site, long number) {
-        zolcs::fail(site, number, CCS_FAILED);
-        return false;
-    };
-    if (!fits.source) return refuse(sites.sourceType, src.getType());
-    if (!fits.destination) return refuse(sites.destinationType, dst.getType());
-    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight()) return refuse(sites.size, 0);
-    if (size < 1) return refuse(sites.box, size);
+    if (!fits.source) return zolcs::refuse(sites.sourceType, src.getType());
+    if (!fits.destination) return zolcs::refuse(sites.destinationType, dst.getType());
+    if (src.getWidth() != dst.getWidth() || src.getHeight() != dst.getHeight()) return zolcs::refuse(sites.size, 0);
+    if (size < 1) return zolcs::refuse(sites.box, size);
     return true;
 }
 
@@ -79,12 +76,6 @@ int runFilter(const MemberSites& sites, CCsRaster& src, CCsRaster& dst, const Fi
         MorvaLog(L"zolcs - E", L"Exception: unknown");
     }
     return CCS_DONE;
-}
-
-/// A box beyond any image and a strength beyond 32 bits are as good as the nearest that fit.
-std::int32_t fitted(long value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
 struct GreyImages {
@@ -153,7 +144,9 @@ int CCsEdgeEnhancement::edgeEnhancementGrey12(CCsRaster& src, CCsRaster& dst, lo
     constexpr int mostBits = 30;  // the mask is a positive number of 32 bits
     const auto mask =
         static_cast<std::int32_t>((std::uint32_t{2} << static_cast<unsigned>(std::min(bits, mostBits))) - 1);
-    const UnsharpSettings settings{fitted(size), fitted(strength), src.getType() == CCS_GREY12 ? 10 : 6, mask,
+    // A box beyond any image and a strength beyond 32 bits are as good as the nearest that fit.
+    const UnsharpSettings settings{zolcs::saturated(size), zolcs::saturated(strength),
+                                   src.getType() == CCS_GREY12 ? 10 : 6, mask,
                                    std::numeric_limits<std::uint32_t>::max()};
     return runFilter<std::uint16_t>(
         greySites, src, dst, [&](unsigned char* from, unsigned char* to, const auto& space) {
@@ -166,8 +159,8 @@ int CCsEdgeEnhancement::edgeEnhancementRGB8(CCsRaster& src, CCsRaster& dst, long
     const bool threeBytes = src.getType() == CCS_RGB24;
     const TypeChecks fits{threeBytes || src.getType() == CCS_RGB8, dst.getType() == CCS_RGB8};
     if (!mayBegin(colourSites, fits, src, dst, size)) return CCS_FAILED;
-    const UnsharpSettings settings{fitted(size), fitted(strength), 10, std::numeric_limits<std::uint8_t>::max(),
-                                   std::numeric_limits<std::uint16_t>::max()};
+    const UnsharpSettings settings{zolcs::saturated(size), zolcs::saturated(strength), 10,
+                                   std::numeric_limits<std::uint8_t>::max(), std::numeric_limits<std::uint16_t>::max()};
     return runFilter<std::uint8_t>(
         colourSites, src, dst, [&](unsigned char* from, unsigned char* to, const auto& space) {
             if (threeBytes) {

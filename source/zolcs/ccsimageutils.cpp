@@ -1,15 +1,16 @@
 #include "zolcs/ccsimageutils.h"
 
+#include "zolcs/ccs2dtrafo.h"
+#include "zolcs/ccsraster.h"
+#include "zolcs/rules/bitplane.h"
+#include "zolcs/support/conversion.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#include "zolcs/ccs2dtrafo.h"
-#include "zolcs/ccsraster.h"
-#include "zolcs/support/conversion.h"
 
 namespace {
 
@@ -58,22 +59,9 @@ bool narrowRun(int first, int last, int& start, int& end) {
     return true;
 }
 
-bool bitOf(const unsigned char* bits, std::uint64_t index) {
-    return ((static_cast<unsigned int>(bits[index / 8]) >> (index % 8)) & 1U) != 0;
-}
-
 void setBit(unsigned char* bits, std::uint64_t index) {
     unsigned char& byte = bits[index / 8];
     byte = static_cast<unsigned char>(byte | (1U << (index % 8)));
-}
-
-// The bit of a plane (a bitmap shutter or an overlay, whose origins are 1-based) at an image pixel.
-template <typename Plane>
-bool planeBit(const Plane& plane, int x, int y) {
-    const std::int64_t column = std::int64_t{x} + 1 - plane.originX;
-    const std::int64_t row = std::int64_t{y} + 1 - plane.originY;
-    if (column < 0 || row < 0 || row >= plane.rows || column >= plane.columns || plane.data == nullptr) return false;
-    return bitOf(plane.data, static_cast<std::uint64_t>(row * plane.columns + column));
 }
 
 // The display's 32-bit pixels, cut at the end of its memory.
@@ -341,11 +329,13 @@ void fillDisplayedRasterWithShutterPresentationValue(const CCsRaster& source, co
     }
 }
 
-bool isBitmapShutterSet(const CCsBitmapShutterInfo& shutter, int x, int y) { return planeBit(shutter, x, y); }
+bool isBitmapShutterSet(const CCsBitmapShutterInfo& shutter, int x, int y) {
+    return zolcs::planeOf(shutter).isSet(x, y);
+}
 
 bool is60XXOverlayBitset(const CCs60XXOverlayInfo& overlays, unsigned short& index, int x, int y) {
     for (std::size_t i = 0; i < overlays.planes.size(); ++i) {
-        if (!planeBit(overlays.planes[i], x, y)) continue;
+        if (!zolcs::planeOf(overlays.planes[i]).isSet(x, y)) continue;
         index = static_cast<unsigned short>(i);
         return true;
     }
@@ -353,7 +343,7 @@ bool is60XXOverlayBitset(const CCs60XXOverlayInfo& overlays, unsigned short& ind
 }
 
 bool isPixePadBitSet(const unsigned char* bits, long index) {
-    return bits != nullptr && index >= 0 && bitOf(bits, static_cast<std::uint64_t>(index));
+    return bits != nullptr && index >= 0 && zolcs::bitAt(bits, index);
 }
 
 void setPixelPadBitSet(unsigned char* bits, int /*unused*/, unsigned long offset, int index) {

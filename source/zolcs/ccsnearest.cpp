@@ -88,7 +88,7 @@ void CCsNearest::nearestGrey12IndexMap(CCsRaster& src, CCsImage& dst, CCs2dTrafo
               [&](const MemberCall& call) {
                   auto* greyMap = dynamic_cast<IGreyMap*>(map);
                   const auto rules = PixelRules::forResampling(src, greyMap, pixelPadding, background, call.stepping);
-                  const auto table = zolcs::greyTable(greyMap, src.getType() == CCS_GREY12, rules.embeddedColours());
+                  const auto table = zolcs::greyTable(greyMap, src.getType() == CCS_GREY12, rules.embedded());
                   const GreyTable convert{table.data()};
                   const auto source = sourceOf<std::uint16_t>(call);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zolcs/ccsraster.h"
+#include "zolcs/ccsresults.h"
 #include "zolcs/pixels/imagelock.h"
 #include "zolcs/support/report.h"
 
@@ -28,14 +29,14 @@ constexpr BurnInReports burnInReports(const wchar_t* typeRefused, const wchar_t*
 inline constexpr std::uint32_t blankMark = 0x00010101;
 
 /// Replaces each stored value by burn(bitmap pixel, stored value). The bitmap's pixels follow its 40-byte header
-/// without gaps, and its header tells how long its rows are; what of the raster lies beyond it stays. 255, or 0 with a
-/// report for a raster whose type is not accepted, a null bitmap and a raster without memory.
+/// without gaps, and its header tells how long its rows are; what of the raster lies beyond it stays. CCS_DONE, or
+/// CCS_FAILED with a report for a raster whose type is not accepted, a null bitmap and a raster without memory.
 template <typename Stored, typename Burn>
 int burnIn(CCsRaster& raster, const BITMAPINFO* dib, bool typeAccepted, const BurnInReports& reports, Burn burn) {
-    if (!typeAccepted) return fail(reports.typeRefused, raster.getType(), 0);
-    if (dib == nullptr) return fail(reports.withoutBitmap, 0, 0);
+    if (!typeAccepted) return fail(reports.typeRefused, raster.getType(), CCS_FAILED);
+    if (dib == nullptr) return fail(reports.withoutBitmap, 0, CCS_FAILED);
     const ImageLock lock(raster);
-    if (lock.origin() == nullptr) return fail(reports.withoutMemory, 0, 0);
+    if (lock.origin() == nullptr) return fail(reports.withoutMemory, 0, CCS_FAILED);
 
     const BITMAPINFOHEADER& header = dib->bmiHeader;
     const std::int64_t rowLength = std::max<std::int64_t>(header.biWidth, 0);
@@ -46,7 +47,7 @@ int burnIn(CCsRaster& raster, const BITMAPINFO* dib, bool typeAccepted, const Bu
     for (std::int64_t y = 0; y < rows; ++y, marks += rowLength, stored += raster.getPitch()) {
         std::transform(marks, marks + columns, stored, stored, burn);
     }
-    return 255;
+    return CCS_DONE;
 }
 
 }  // namespace zolcs::mapping

@@ -7,7 +7,7 @@
 namespace zolcs::mapping {
 
 bool buildLevels(std::span<unsigned char> table, const Window& window, const ReportSite& widthRefused) {
-    if (window.width < 1) return fail(widthRefused, window.width, 0) != 0;
+    if (window.width < 1) return refuse(widthRefused, window.width);
     fillLevels(table, window);
     return true;
 }

@@ -5,6 +5,7 @@
 #include "zolcs/ccsexport.h"
 #include "zolcs/ccsmap.h"
 #include "zolcs/ccsraster.h"
+#include "zolcs/ccsresults.h"
 #include "zolcs/mapping/levelramp.h"
 #include "zolcs/mapping/windowlut.h"
 #include "zolcs/pixels/imagepair.h"
@@ -74,9 +75,9 @@ public:
 
     int mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool /*wholeImageAllowed*/,
                   unsigned char* /*pixelPadding*/, CCs2dTrafo* /*trafo*/) override {
-        if (!acceptImages(src, dst, kind_.images) || getLut() == nullptr) return 0;
+        if (!acceptImages(src, dst, kind_.images) || getLut() == nullptr) return CCS_FAILED;
         const ImagePairLock images(src, dst);
-        if (!acceptMemory(images, kind_.images)) return 0;
+        if (!acceptMemory(images, kind_.images)) return CCS_FAILED;
         CCsCircularShutterInfo circle;
         CCsImageUtils::findCircShutterInfo(circle, src);
         const bool isLarge = zolplatform::isTooLargeForTheCache(std::int64_t{dst.getWidth()} * dst.getHeight() * 4);
@@ -90,7 +91,7 @@ public:
             show(channelsAt<Channel>(images.source(), src, begin, y),
                  channelsAt<unsigned char>(images.destination(), dst, begin, y), end - begin, isLarge);
         }
-        return 255;
+        return CCS_DONE;
     }
 
     void* getLut() override {
@@ -105,7 +106,7 @@ public:
         // As in the grey maps, a negative centre arrives as its 32-bit pattern.
         window_ = {static_cast<std::int32_t>(centre), width};
         if (kind_.windowIsSeenAtOnce) lutValid_ = false;
-        return 255;
+        return CCS_DONE;
     }
 
     int mergeDIBtoData(CCsRaster& raster, BITMAPINFO* dib, unsigned int /*depth*/, int /*bits*/,

@@ -1,14 +1,15 @@
 #include "zolcs/mapping/greymap.h"
 
-#include <algorithm>
-#include <cstring>
-#include <new>
-
 #include "zolcs/ccsimageutils.h"
 #include "zolcs/ccsmemorymanager.h"
 #include "zolcs/ccsraster.h"
+#include "zolcs/ccsresults.h"
 #include "zolcs/mapping/rastermapping.h"
 #include "zolcs/pixels/imagelock.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
 
 namespace zolcs::mapping {
 
@@ -62,22 +63,22 @@ int GreyMap::setWindow(unsigned int centre, int width) {
     window_ = {static_cast<std::int32_t>(centre), width};
     lutValid_ = false;
     windowedValid_ = false;
-    return 255;
+    return CCS_DONE;
 }
 
 int GreyMap::allocateLut() {
     CSingleLock lock(&lutLock_, TRUE);
-    if (lut_ != nullptr) return 255;
+    if (lut_ != nullptr) return CCS_DONE;
     void* chunk = memorySources().allocateChunk();
     if (chunk == nullptr) {
         MorvaLog(L"zolcs - E", L"Exception: Out of memory");
-        return 1;
+        return CCS_MISSING;
     }
     // Chunks come with whatever they held before, and copies of the table reach beyond the entries that are built.
     std::memset(chunk, 0, CCsMemoryManager::chunkSize);
     lut_ = static_cast<std::uint32_t*>(chunk);
     lutValid_ = false;
-    return 255;
+    return CCS_DONE;
 }
 
 void GreyMap::releaseLut() {
@@ -88,14 +89,14 @@ void GreyMap::releaseLut() {
 }
 
 int GreyMap::setNonLinearLut(const unsigned short* values, unsigned int firstMapped, int count, bool exact) {
-    if (values == nullptr && count > 0) return fail(kind_.reports.nonLinearValuesMissing, 0, 0);
+    if (values == nullptr && count > 0) return fail(kind_.reports.nonLinearValuesMissing, 0, CCS_FAILED);
     nonLinearSet_ = false;
     lutValid_ = false;
     windowedValid_ = false;
-    if (!nonLinear_.assign(values, firstMapped, count)) return fail(kind_.reports.nonLinearOutOfMemory, 0, 1);
+    if (!nonLinear_.assign(values, firstMapped, count)) return fail(kind_.reports.nonLinearOutOfMemory, 0, CCS_MISSING);
     exactNonLinearWindow_ = exact;
     nonLinearSet_ = true;
-    return 255;
+    return CCS_DONE;
 }
 
 void GreyMap::clearNonLinearLut() { nonLinearSet_ = false; }
@@ -108,11 +109,13 @@ void GreyMap::setIndexRemap(const unsigned char* table) {
 }
 
 int GreyMap::setPresentationLut(const unsigned short* values, unsigned int firstMapped, int count) {
-    if (values == nullptr && count > 0) return fail(kind_.reports.presentationValuesMissing, 0, 0);
+    if (values == nullptr && count > 0) return fail(kind_.reports.presentationValuesMissing, 0, CCS_FAILED);
     presentationSet_ = false;
-    if (!presentation_.assign(values, firstMapped, count)) return fail(kind_.reports.presentationOutOfMemory, 0, 1);
+    if (!presentation_.assign(values, firstMapped, count)) {
+        return fail(kind_.reports.presentationOutOfMemory, 0, CCS_MISSING);
+    }
     presentationSet_ = true;
-    return 255;
+    return CCS_DONE;
 }
 
 bool GreyMap::hasPresentationLut() { return presentationSet_; }
@@ -123,18 +126,18 @@ PresentationLevel GreyMap::presentationLevel(std::uint32_t shift) const {
 
 unsigned int GreyMap::applyPresentationLut(unsigned int value, unsigned int shift) {
     const PresentationLevel level = presentationLevel(shift);
-    if (level.tableMissing()) fail(kind_.presentationMissing, 0, 1);
+    if (level.tableMissing()) fail(kind_.presentationMissing, 0, CCS_MISSING);
     return level(value);
 }
 
 int GreyMap::getWindowedNonLinearLut(unsigned short** values, unsigned int* first, unsigned int* count,
                                      bool unwindowed) {
-    if (buildWindowed() < 255) return 0;
+    if (buildWindowed() != CCS_DONE) return CCS_FAILED;
     const bool whole = exactNonLinearWindow_ || unwindowed;
     if (values != nullptr) *values = whole ? nonLinear_.data() : windowed_.get();
     if (first != nullptr) *first = whole ? nonLinear_.firstMapped() : windowedStart_;
     if (count != nullptr) *count = whole ? nonLinear_.count() : windowedCount_;
-    return 255;
+    return CCS_DONE;
 }
 
 void GreyMap::setEnabled(bool on) {
@@ -165,7 +168,7 @@ int GreyMap::getMapFlags() { return mapFlags_; }
 
 void* GreyMap::getLut() {
     if (!lutValid_) {
-        if (allocateLut() < 255 || build() < 255) return nullptr;
+        if (allocateLut() != CCS_DONE || build() != CCS_DONE) return nullptr;
         lutValid_ = true;
     }
     return lut_;
@@ -190,8 +193,8 @@ ShownLevels GreyMap::shown() const { return shownLevels(colorMapIndex_->entries,
 int GreyMap::build() { return nonLinearSet_ ? buildFromNonLinear() : buildFromWindow(); }
 
 int GreyMap::buildFromWindow() {
-    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, 0);
-    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, 1);
+    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, CCS_FAILED);
+    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, CCS_MISSING);
     if (sigmoid_ && (remapSet_ || !presentationSet_)) {
         fillSigmoid(entries().first(kind_.sigmoidEntries), window_, sigmoidBits_, remapSet_, shown());
     } else if (presentationSet_ && !remapSet_) {
@@ -200,14 +203,16 @@ int GreyMap::buildFromWindow() {
     } else {
         fillShownLevels(entries(), window_.low(), window_.width, shown());
     }
-    return 255;
+    return CCS_DONE;
 }
 
 int GreyMap::buildFromNonLinear() {
     const int built = buildWindowed();
-    if (built == 1 && kind_.windowedMissing.message != nullptr) return fail(kind_.windowedMissing, 0, 1);
-    if (built < 255) return 0;
-    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, 1);
+    if (built == CCS_MISSING && kind_.windowedMissing.message != nullptr) {
+        return fail(kind_.windowedMissing, 0, CCS_MISSING);
+    }
+    if (built != CCS_DONE) return CCS_FAILED;
+    if (!hasPalette()) return fail(kind_.reports.colourMapMissing, 0, CCS_MISSING);
     const std::span<const std::uint16_t> windowed(windowed_.get(), windowedCount_);
     nonLinearShift_ = CCsImageUtils::calculateBitShiftValueForGreyConversion(
         kind_.presentsStoredValues ? *std::max_element(windowed.begin(), windowed.end()) : nonLinear_.maximum());
@@ -219,16 +224,16 @@ int GreyMap::buildFromNonLinear() {
     } else {
         fillNonLinear(entries(), windowedStart_, windowed, presentationLevel(nonLinearShift_), shown());
     }
-    return 255;
+    return CCS_DONE;
 }
 
 int GreyMap::buildWindowed() {
-    if (windowedValid_) return 255;
-    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, 0);
+    if (windowedValid_) return CCS_DONE;
+    if (window_.width < 1) return fail(kind_.reports.widthRefused, window_.width, CCS_FAILED);
     const WindowedExtent extent = windowedExtent(window_, nonLinear_.count(), static_cast<std::int64_t>(kind_.entries));
     TableMemory<std::uint16_t> windowed = allocateTable<std::uint16_t>(extent.count);
-    if (windowed == nullptr) return fail(kind_.reports.windowedOutOfMemory, 0, 1);
-    if (nonLinear_.missing()) return fail(kind_.nonLinearMissing, 0, 1);
+    if (windowed == nullptr) return fail(kind_.reports.windowedOutOfMemory, 0, CCS_MISSING);
+    if (nonLinear_.missing()) return fail(kind_.nonLinearMissing, 0, CCS_MISSING);
     const std::span<std::uint16_t> filled(windowed.get(), extent.count);
     fillWindowed(filled, extent, nonLinear_);
     if (!kind_.presentsStoredValues) nonLinearAuto_ = autoWindow(filled);
@@ -236,7 +241,7 @@ int GreyMap::buildWindowed() {
     windowedStart_ = extent.start;
     windowedCount_ = extent.count;
     windowedValid_ = true;
-    return 255;
+    return CCS_DONE;
 }
 
 int GreyMap::mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeImageAllowed, unsigned char* pixelPadding,
@@ -245,33 +250,33 @@ int GreyMap::mapRaster(CCsRaster& src, CCsImage& dst, RECT segment, bool wholeIm
     try {
         return mapLocked(src, dst, segment, wholeImageAllowed, pixelPadding, trafo);
     } catch (const std::bad_alloc&) {
-        return fail(kind_.reports.mappingOutOfMemory, 0, 2);
+        return fail(kind_.reports.mappingOutOfMemory, 0, CCS_INVALID);
     }
 }
 
 int GreyMap::mapLocked(CCsRaster& src, CCsImage& dst, const RECT& segment, bool wholeImageAllowed,
                        unsigned char* pixelPadding, CCs2dTrafo* trafo) {
-    if (!acceptImages(src, dst, kind_.images)) return 2;
+    if (!acceptImages(src, dst, kind_.images)) return CCS_INVALID;
 
     const auto* lut = static_cast<const std::uint32_t*>(getLut());
     if (lut == nullptr) {
         // What could not be built has been reported; a clone without a colour map has nothing that could be.
-        return lutValid_ ? fail(kind_.reports.colourMapMissing, 0, 2) : 2;
+        return lutValid_ ? fail(kind_.reports.colourMapMissing, 0, CCS_INVALID) : CCS_INVALID;
     }
     const ImagePairLock images(src, dst);
-    if (!acceptMemory(images, kind_.images)) return 2;
+    if (!acceptMemory(images, kind_.images)) return CCS_INVALID;
 
     const PixelRules rules = PixelRules::forWholeRaster(src, this, pixelPadding);
     TableMemory<std::uint32_t> extended;
-    lut = tableOfAllValues(mayAccelerate(src, wholeImageAllowed, pixelPadding), rules.embeddedColours(), extended);
-    if (lut == nullptr) return fail(kind_.reports.mappingOutOfMemory, 0, 2);
+    lut = tableOfAllValues(mayAccelerate(src, wholeImageAllowed, pixelPadding), rules.embedded(), extended);
+    if (lut == nullptr) return fail(kind_.reports.mappingOutOfMemory, 0, CCS_INVALID);
     RasterMapping mapping(rules, lut, src, images.source(), dst, images.destination());
     const RECT area = mapping.clipped(segment);
     if (!mapping.coversDestination(area)) {
         CCsImageUtils::fillDisplayedRasterWithShutterPresentationValue(src, dst, images.destination(), trafo, segment);
     }
     mapping.run(area, shownWindow(), kind_.entries);
-    return 255;
+    return CCS_DONE;
 }
 
 Window GreyMap::shownWindow() const {
@@ -286,11 +291,11 @@ bool GreyMap::mayAccelerate(const CCsRaster& src, bool wholeImageAllowed, const 
            !src.isEmbeddedOverlayPresent() && !src.isShutter() && !src.isNonEmbeddedOverlayPresent();
 }
 
-const std::uint32_t* GreyMap::tableOfAllValues(bool accelerated, const std::uint32_t* embeddedColours,
+const std::uint32_t* GreyMap::tableOfAllValues(bool accelerated, const EmbeddedOverlay& overlay,
                                                TableMemory<std::uint32_t>& extended) const {
     if (kind_.entries == chunkEntries) return lut_;
     if (!accelerated) {
-        extended = extendedTable(entries(), embeddedColours);
+        extended = extendedTable(entries(), overlay);
         return extended.get();
     }
     // Deliberate: the very last entry stays as it is.

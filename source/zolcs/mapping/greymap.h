@@ -4,6 +4,7 @@
 #include "zolcs/ccsmap.h"
 #include "zolcs/mapping/storedtable.h"
 #include "zolcs/mapping/windowlut.h"
+#include "zolcs/pixels/embeddedoverlay.h"
 #include "zolcs/pixels/imagepair.h"
 #include "zolcs/support/report.h"
 
@@ -115,7 +116,7 @@ private:
     [[nodiscard]] bool mayAccelerate(const CCsRaster& src, bool wholeImageAllowed,
                                      const unsigned char* pixelPadding) const;
     /// A table with an entry for every 16-bit value; null when memory is exhausted. `extended` keeps what it needs.
-    const std::uint32_t* tableOfAllValues(bool accelerated, const std::uint32_t* embeddedColours,
+    const std::uint32_t* tableOfAllValues(bool accelerated, const EmbeddedOverlay& overlay,
                                           TableMemory<std::uint32_t>& extended) const;
 
     const GreyMapKind& kind_;

@@ -12,7 +12,6 @@ namespace zolcs::mapping {
 namespace {
 
 constexpr std::size_t valueCount = 0x10000;
-constexpr std::size_t firstEmbeddedValue = 0x1000;
 
 /// The primitive counts bytes in an int; this many pixels always fit.
 constexpr std::int64_t maximumRowPixels = std::int64_t{1} << 28;
@@ -22,14 +21,12 @@ constexpr std::int64_t minimumBandPixels = std::int64_t{1} << 17;
 
 }  // namespace
 
-TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const std::uint32_t* embeddedColours) {
+TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const EmbeddedOverlay& overlay) {
     TableMemory<std::uint32_t> table = allocateTable<std::uint32_t>(valueCount);
     if (table == nullptr) return table;
     std::copy(lut.begin(), lut.end(), table.get());
     std::fill(table.get() + lut.size(), table.get() + valueCount, lut.back());
-    if (embeddedColours != nullptr) {
-        for (std::size_t v = firstEmbeddedValue; v < valueCount; ++v) table[v] = embeddedColours[v >> 12];
-    }
+    if (overlay.isShown()) overlay.coverTable(table.get());
     return table;
 }
 
@@ -133,11 +130,11 @@ void RasterMapping::lookUp(std::int64_t x, std::int64_t y, std::int64_t columns,
 }
 
 void RasterMapping::cover(int y, const PixelRun& run) const {
-    const std::uint32_t* embedded = rules_.embeddedColours();
+    const EmbeddedOverlay& overlay = rules_.embedded();
     const std::uint16_t* stored = sourceAt(run.begin, y);
     std::uint32_t* const begin = destinationAt(run.begin, y);
     std::uint32_t* const end = destinationAt(run.end, y);
-    if (embedded == nullptr) {
+    if (!overlay.isShown()) {
         if (ramp_.has_value() && end - begin >= zolplatform::shortestNonTemporalRun) {
             zolplatform::fillNonTemporal(begin, static_cast<std::size_t>(end - begin), run.colour);
         } else {
@@ -145,9 +142,8 @@ void RasterMapping::cover(int y, const PixelRun& run) const {
         }
         return;
     }
-    std::transform(begin, end, stored, begin, [&](std::uint32_t, std::uint16_t value) {
-        return value < firstEmbeddedValue ? run.colour : embedded[value >> 12U];
-    });
+    std::transform(begin, end, stored, begin,
+                   [&](std::uint32_t, std::uint16_t value) { return overlay.over(value, run.colour); });
 }
 
 const std::uint16_t* RasterMapping::sourceAt(std::int64_t x, std::int64_t y) const {

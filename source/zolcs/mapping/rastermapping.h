@@ -4,6 +4,7 @@
 #include "zolcs/ccsimage.h"
 #include "zolcs/mapping/greyramp.h"
 #include "zolcs/mapping/storedtable.h"
+#include "zolcs/pixels/embeddedoverlay.h"
 #include "zolcs/rules/pixelrules.h"
 
 #include <cstdint>
@@ -12,9 +13,9 @@
 
 namespace zolcs::mapping {
 
-/// A table with an entry for every 16-bit value: `lut`, then for the values beyond it its last entry, or where
-/// `embeddedColours` (may be null) are shown the colour of the value's top four bits. Null when memory is exhausted.
-TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const std::uint32_t* embeddedColours);
+/// A table with an entry for every 16-bit value: `lut` (at least 4096 entries), then for the values beyond it its last
+/// entry, or the colour of their embedded overlay bits where those are shown. Null when memory is exhausted.
+TableMemory<std::uint32_t> extendedTable(std::span<const std::uint32_t> lut, const EmbeddedOverlay& overlay);
 
 /// One mapping of 16-bit samples onto 32-bit pixels of the same size. What it is given must outlive it.
 class RasterMapping {

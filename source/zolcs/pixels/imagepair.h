@@ -32,16 +32,16 @@ constexpr ImagePairRules mapRasterRules(int sourceType, const wchar_t* sourceTyp
 
 /// Whether the types are right and the sizes equal; what is not has been reported.
 inline bool acceptImages(const CCsImage& src, const CCsImage& dst, const ImagePairRules& rules) {
-    if (src.getType() != rules.sourceType) return fail(rules.sourceTypeRefused, src.getType(), 0) != 0;
-    if (dst.getType() != CCS_RGB8) return fail(rules.destinationTypeRefused, dst.getType(), 0) != 0;
+    if (src.getType() != rules.sourceType) return refuse(rules.sourceTypeRefused, src.getType());
+    if (dst.getType() != CCS_RGB8) return refuse(rules.destinationTypeRefused, dst.getType());
     const bool sameSize = src.getWidth() == dst.getWidth() && src.getHeight() == dst.getHeight();
-    return sameSize || fail(rules.sizeRefused, 0, 0) != 0;
+    return sameSize || refuse(rules.sizeRefused, 0);
 }
 
 /// Whether both images have memory; a lack has been reported.
 inline bool acceptMemory(const ImagePairLock& images, const ImagePairRules& rules) {
-    if (images.source() == nullptr) return fail(rules.sourceWithoutMemory, 0, 0) != 0;
-    return images.destination() != nullptr || fail(rules.destinationWithoutMemory, 0, 0) != 0;
+    if (images.source() == nullptr) return refuse(rules.sourceWithoutMemory, 0);
+    return images.destination() != nullptr || refuse(rules.destinationWithoutMemory, 0);
 }
 
 }  // namespace zolcs::mapping

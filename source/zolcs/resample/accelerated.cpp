@@ -169,7 +169,7 @@ IppStatus draw(const AcceleratedMember<Sample>& member, View& view, const Pixels
 
 template <typename Sample>
 int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call) {
-    if (!CCsImageUtils::isIPPCompatible(&call.src)) return 0;
+    if (!CCsImageUtils::isIPPCompatible(&call.src)) return CCS_FAILED;
     RECT bounds{0, 0, call.src.getWidth(), call.src.getHeight()};
     if (!CCsImageUtils::getDisplayShutterBounds(bounds, call.src, call.trafo, false)) return member.reports.noRegion();
     const IppiRect region{static_cast<int>(bounds.left), static_cast<int>(bounds.top),
@@ -185,8 +185,7 @@ int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCa
         const bool mayOvershoot = member.interpolation == IPPI_INTER_CUBIC && call.src.getType() == CCS_GREY12;
         if (status == ippStsNoErr && mayOvershoot) limitTo12Bits(lock.destination(), call.dst);
     }
-    constexpr int done = 255;
-    return status == ippStsNoErr ? done : member.reports.failed(status);
+    return status == ippStsNoErr ? CCS_DONE : member.reports.failed(status);
 }
 
 template int drawAccelerated<Ipp16u>(const AcceleratedMember<Ipp16u>& member, const AcceleratedCall& call);

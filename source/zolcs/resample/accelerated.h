@@ -39,7 +39,7 @@ inline constexpr Primitives<Ipp8u> colourPrimitives{ZOLippiResizeCenter_8u_C4R, 
 inline constexpr Primitives<Ipp8u> threeColourPrimitives{ZOLippiResizeCenter_8u_AC4R, ZOLippiMirror_8u_AC4IR,
                                                          ZOLippiTranspose_8u_C4R, ZOLippiWarpAffine_8u_AC4R};
 
-/// The report sites of one accelerated member; what they report gives 0.
+/// The report sites of one accelerated member; what they report gives CCS_FAILED.
 class AcceleratedReports {
 public:
     struct Lines {
@@ -57,17 +57,21 @@ public:
           status_(L"IPP method failed in ", member, L" method with error ID :"),
           exception_(L"Exception in function ", member) {}
 
-    [[nodiscard]] int wrongType() const { return fail({L"Image type not supported", module_, lines_.type}, 0, 0); }
+    [[nodiscard]] int wrongType() const {
+        return fail({L"Image type not supported", module_, lines_.type}, 0, CCS_FAILED);
+    }
     [[nodiscard]] int noRegion() const {
-        return fail({L"There is no common shutter region", module_, lines_.region}, 0, 0);
+        return fail({L"There is no common shutter region", module_, lines_.region}, 0, CCS_FAILED);
     }
     [[nodiscard]] int failed(IppStatus status) const {
         const bool isNull = status == ippStsNullPtrErr;
         return fail({isNull ? nullPointer_.characters : status_.characters, module_,
                      isNull ? lines_.nullPointer : lines_.status},
-                    status, 0);
+                    status, CCS_FAILED);
     }
-    [[nodiscard]] int exception() const { return fail({exception_.characters, module_, lines_.exception}, 0, 0); }
+    [[nodiscard]] int exception() const {
+        return fail({exception_.characters, module_, lines_.exception}, 0, CCS_FAILED);
+    }
 
 private:
     const wchar_t* module_;
@@ -93,7 +97,8 @@ struct AcceleratedCall {
     unsigned char background;
 };
 
-/// Fills the destination: the background, then the view by the member's primitives. 255, or 0 when nothing was drawn.
+/// Fills the destination: the background, then the view by the member's primitives. CCS_DONE, or CCS_FAILED when
+/// nothing was drawn.
 template <typename Sample>
 int drawAccelerated(const AcceleratedMember<Sample>& member, const AcceleratedCall& call);
 

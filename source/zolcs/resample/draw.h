@@ -45,13 +45,13 @@ bool drawMapped(const MemberCall& call, const GreyDisplayArguments& arguments, c
     auto* greyMap = dynamic_cast<IGreyMap*>(arguments.map);
     const auto rules =
         PixelRules::forResampling(arguments.source, greyMap, arguments.padding, arguments.background, call.stepping);
-    const auto table = greyTable(greyMap, false, nullptr);
+    const auto table = greyTable(greyMap, false, EmbeddedOverlay());
     const GreyTable convert{table.data()};
     const NearestKernel<std::uint16_t> raw{{call.lock.source(), call.src.getPitch()}};
 
     SpanFillerPtr<std::uint32_t> filler = makeFiller(call.stepping, kernel, convert, polling.pixels);
-    if (const std::uint32_t* colours = rules.embeddedColours(); colours != nullptr) {
-        filler = std::make_unique<EmbeddedFiller>(std::move(filler), colours, raw);
+    if (rules.embedded().isShown()) {
+        filler = std::make_unique<EmbeddedFiller>(std::move(filler), rules.embedded(), raw);
     }
     if (!rules.empty()) filler = std::make_unique<RuledFiller>(std::move(filler), rules, raw);
     filler = polled(std::move(filler), polling.rows);

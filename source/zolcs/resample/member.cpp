@@ -37,17 +37,16 @@ bool areGreyToDisplay(const CCsImage& src, const CCsImage& dst) {
     return typesFit && pixelSizesAre(src, dst, 2, 4);
 }
 
-std::vector<std::uint32_t> greyTable(IGreyMap* map, bool twelveBits, const std::uint32_t* embeddedColours) {
+std::vector<std::uint32_t> greyTable(IGreyMap* map, bool twelveBits, const EmbeddedOverlay& overlay) {
     constexpr std::size_t twelveBitEntries = 0x1000;
     std::vector<std::uint32_t> table(0x10000);
     unsigned int* entries = table.data();
     if (map != nullptr) map->copyLut(&entries);
-    for (std::size_t top = 1; top < 16; ++top) {
-        const auto first = table.begin() + static_cast<std::ptrdiff_t>(top * twelveBitEntries);
-        if (embeddedColours != nullptr) {
-            std::fill_n(first, twelveBitEntries, embeddedColours[top]);
-        } else if (twelveBits) {
-            std::copy_n(table.begin(), twelveBitEntries, first);
+    if (overlay.isShown()) {
+        overlay.coverTable(table.data());
+    } else if (twelveBits) {
+        for (auto to = table.begin() + twelveBitEntries; to != table.end(); to += twelveBitEntries) {
+            std::copy_n(table.begin(), twelveBitEntries, to);
         }
     }
     return table;

@@ -5,6 +5,7 @@
 #include "zolcs/ccsimage.h"
 #include "zolcs/ccsresults.h"
 #include "zolcs/ccssteppingfields.h"
+#include "zolcs/pixels/embeddedoverlay.h"
 #include "zolcs/pixels/imagelock.h"
 #include "zolcs/resample/memberreports.h"
 #include "zolcs/view/stepping.h"
@@ -35,7 +36,7 @@ bool areGreyToDisplay(const CCsImage& src, const CCsImage& dst);
 
 /// The table of a call for every stored value: the map's own, zeroes for a map without one. Values with bits beyond the
 /// source's take the entry of the bits that count, or the colour of their embedded overlay bits where those are shown.
-std::vector<std::uint32_t> greyTable(IGreyMap* map, bool twelveBits, const std::uint32_t* embeddedColours);
+std::vector<std::uint32_t> greyTable(IGreyMap* map, bool twelveBits, const EmbeddedOverlay& overlay);
 
 /// What must hold before a member begins, in the order in which it is looked at.
 struct MemberChecks {

@@ -1,6 +1,7 @@
 // What every resampling member may have to report, with its own name and line numbers.
 #pragma once
 
+#include "zolcs/ccsresults.h"
 #include "zolcs/support/report.h"
 
 #include <cstddef>
@@ -19,7 +20,7 @@ struct JoinedText {
     wchar_t characters[128] = {};
 };
 
-/// The report sites of one resampling member. All of its members report with number 0 and give back 0.
+/// The report sites of one resampling member. All of its members report with number 0 and give CCS_FAILED.
 class MemberReports {
 public:
     struct Lines {
@@ -38,13 +39,17 @@ public:
           table_(L"look-up table is NULL in method ", member),
           exception_(L"Exception in function ", member) {}
 
-    [[nodiscard]] int wrongType() const { return fail({L"Image type not supported", module_, lines_.type}, 0, 0); }
-    [[nodiscard]] int noSource() const { return fail({source_.characters, module_, lines_.source}, 0, 0); }
-    [[nodiscard]] int noDestination() const {
-        return fail({destination_.characters, module_, lines_.destination}, 0, 0);
+    [[nodiscard]] int wrongType() const {
+        return fail({L"Image type not supported", module_, lines_.type}, 0, CCS_FAILED);
     }
-    [[nodiscard]] int noTable() const { return fail({table_.characters, module_, lines_.table}, 0, 0); }
-    [[nodiscard]] int exception() const { return fail({exception_.characters, module_, lines_.exception}, 0, 0); }
+    [[nodiscard]] int noSource() const { return fail({source_.characters, module_, lines_.source}, 0, CCS_FAILED); }
+    [[nodiscard]] int noDestination() const {
+        return fail({destination_.characters, module_, lines_.destination}, 0, CCS_FAILED);
+    }
+    [[nodiscard]] int noTable() const { return fail({table_.characters, module_, lines_.table}, 0, CCS_FAILED); }
+    [[nodiscard]] int exception() const {
+        return fail({exception_.characters, module_, lines_.exception}, 0, CCS_FAILED);
+    }
 
 private:
     const wchar_t* module_;

@@ -7,8 +7,7 @@ namespace zolcs {
 bool EmbeddedFiller::fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) {
     if (!below().fill(row, columns, out)) return false;
     for (int x = columns.begin; x < columns.end; ++x, ++out) {
-        const unsigned bits = raw_(row.uAt(x), row.vAt(x)) >> 12U;
-        if (bits != 0) *out = colours_[bits];
+        *out = overlay_.over(raw_(row.uAt(x), row.vAt(x)), *out);
     }
     return true;
 }
@@ -39,15 +38,12 @@ bool RuledFiller::fill(const DisplayRow& row, ColumnRange columns, std::uint32_t
 }
 
 void RuledFiller::paint(const DisplayRow& row, const PixelRun& run, std::uint32_t* out) const {
-    const std::uint32_t* embedded = rules_.embeddedColours();
-    if (embedded == nullptr) {
+    const EmbeddedOverlay& overlay = rules_.embedded();
+    if (!overlay.isShown()) {
         std::fill_n(out, run.end - run.begin, run.colour);
         return;
     }
-    for (int x = run.begin; x < run.end; ++x) {
-        const unsigned bits = raw_(row.uAt(x), row.vAt(x)) >> 12U;
-        *out++ = bits != 0 ? embedded[bits] : run.colour;
-    }
+    for (int x = run.begin; x < run.end; ++x) *out++ = overlay.over(raw_(row.uAt(x), row.vAt(x)), run.colour);
 }
 
 }  // namespace zolcs

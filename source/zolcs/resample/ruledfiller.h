@@ -1,25 +1,27 @@
 // What lies above an image's values: shutters, padding and overlay planes; embedded overlay bits.
 #pragma once
 
+#include "zolcs/pixels/embeddedoverlay.h"
 #include "zolcs/resample/nearest/nearestkernel.h"
 #include "zolcs/resample/spanfiller.h"
 #include "zolcs/rules/pixelrules.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace zolcs {
 
 /// Shows the embedded overlay bits of the pixel on which a position falls above what another filler shows.
 class EmbeddedFiller final : public FillerLayer<std::uint32_t> {
 public:
-    /// `colours` are sixteen display pixels by the top four bits of a stored value, which `raw` gives by position.
-    EmbeddedFiller(SpanFillerPtr<std::uint32_t> below, const std::uint32_t* colours, NearestKernel<std::uint16_t> raw)
-        : FillerLayer(std::move(below)), colours_(colours), raw_(raw) {}
+    /// `raw` gives stored values by position.
+    EmbeddedFiller(SpanFillerPtr<std::uint32_t> below, const EmbeddedOverlay& overlay, NearestKernel<std::uint16_t> raw)
+        : FillerLayer(std::move(below)), overlay_(overlay), raw_(raw) {}
 
     bool fill(const DisplayRow& row, ColumnRange columns, std::uint32_t* out) override;
 
 private:
-    const std::uint32_t* colours_;
+    EmbeddedOverlay overlay_;
     NearestKernel<std::uint16_t> raw_;
 };
 

@@ -13,6 +13,9 @@
 
 namespace zolcs {
 
+/// Bit k of packed bits: bit k mod 8 of byte k / 8.
+inline bool bitAt(const unsigned char* bits, std::int64_t k) { return (bits[k >> 3] >> (k & 7) & 1) != 0; }
+
 /// A bit plane laid over an image: bit k of the plane is bit k mod 8 of byte k / 8, rows follow one another without
 /// padding. The data belongs to the host and must hold rows * columns bits.
 class BitPlane {
@@ -48,7 +51,7 @@ public:
         const std::int64_t row = y - top_;
         if (column < 0 || row < 0 || column >= columns_ || row >= rows_) return false;
         const std::int64_t index = row * columns_ + column;
-        return index >= firstIndex_ && (data_[index >> 3] >> (index & 7) & 1) != 0;
+        return index >= firstIndex_ && bitAt(data_, index);
     }
 
     /// Calls visit(first, last) for every run of set bits on the image row y between the columns fromX and toX, both
@@ -97,6 +100,13 @@ private:
     std::int64_t firstIndex_ = 0;
     std::int64_t bytes_ = 0;
 };
+
+/// The plane of an overlay's or a bitmap shutter's record, whose origin counts from 1.
+template <typename Record>
+BitPlane planeOf(const Record& record) {
+    return {record.data, record.originX - std::int64_t{1}, record.originY - std::int64_t{1}, record.columns,
+            record.rows};
+}
 
 template <typename Visit>
 void BitPlane::visitRuns(std::int64_t y, std::int64_t fromX, std::int64_t toX, Visit&& visit) const {

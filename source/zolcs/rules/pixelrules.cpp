@@ -108,7 +108,7 @@ PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const un
                   0);
     rules.addOverlays(source, map);
     // All sixteen bits of such a value are grey.
-    if (source.getType() == CCS_GREY16) rules.embeddedColours_ = nullptr;
+    if (source.getType() == CCS_GREY16) rules.embedded_ = EmbeddedOverlay();
     rules.prepareFor(makeStepping({1.0, 0.0, 0.0, 1.0, -0.5, -0.5}, source.getWidth(), source.getHeight(),
                                   source.getWidth(), source.getHeight()));
     return rules;
@@ -116,23 +116,18 @@ PixelRules PixelRules::forWholeRaster(CCsRaster& source, IGreyMap* map, const un
 
 void PixelRules::addBitmapShutter(CCsRaster& source, std::uint32_t colour) {
     const CCsBitmapShutterInfo& bits = source.getBitmapShutterInfo();
-    addBits(
-        BitPlane(bits.data, bits.originX - std::int64_t{1}, bits.originY - std::int64_t{1}, bits.columns, bits.rows),
-        false, PixelRun::Shows::Covered, colour);
+    addBits(planeOf(bits), false, PixelRun::Shows::Covered, colour);
 }
 
 void PixelRules::addOverlays(CCsRaster& source, IGreyMap* map) {
     if (map == nullptr || !map->isEnabled()) return;
     const auto [planeColours, groupColours] = map->getOverlayColors();
-    if (source.isEmbeddedOverlayPresent()) embeddedColours_ = planeColours;
+    if (source.isEmbeddedOverlayPresent()) embedded_ = EmbeddedOverlay(planeColours);
     if (groupColours == nullptr) return;
     // The first plane whose bit is set wins, so it is laid on last.
     const std::vector<CCs60XXOverlay>& planes = source.get60XXOverlayGroup().planes;
     for (std::size_t i = planes.size(); i-- > 0;) {
-        const CCs60XXOverlay& plane = planes[i];
-        addBits(BitPlane(plane.data, plane.originX - std::int64_t{1}, plane.originY - std::int64_t{1}, plane.columns,
-                         plane.rows),
-                !wholeRaster_, PixelRun::Shows::Plane, groupColours[std::min<std::size_t>(i, 15)]);
+        addBits(planeOf(planes[i]), !wholeRaster_, PixelRun::Shows::Plane, groupColours[std::min<std::size_t>(i, 15)]);
     }
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "zolcs/ccsrecords.h"
+#include "zolcs/pixels/embeddedoverlay.h"
 #include "zolcs/rules/bitplane.h"
 #include "zolcs/rules/pixelruns.h"
 #include "zolcs/view/spans.h"
@@ -42,8 +43,8 @@ public:
     /// True when no position needs a rule: every row is one run of image.
     [[nodiscard]] bool empty() const { return layers_.empty(); }
 
-    /// Sixteen display pixels by the top four bits of a stored value; null when embedded overlay bits are not shown.
-    [[nodiscard]] const std::uint32_t* embeddedColours() const { return embeddedColours_; }
+    /// The embedded overlay bits that are shown, if any.
+    [[nodiscard]] const EmbeddedOverlay& embedded() const { return embedded_; }
 
     /// Cuts the columns of a row into runs. Every column's position must lie on the source.
     void cut(const DisplayRow& row, ColumnRange columns, PixelRuns& runs) const;
@@ -126,7 +127,7 @@ private:
     }
 
     std::vector<Layer> layers_;
-    const std::uint32_t* embeddedColours_ = nullptr;
+    EmbeddedOverlay embedded_;
     bool wholeRaster_ = false;
     CCsDisplayShutterInfo shutter_;
     Circle circle_;

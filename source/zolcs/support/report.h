@@ -19,4 +19,7 @@ inline int fail(const ReportSite& site, long number, int result) {
     return result;
 }
 
+/// Reports a failure as `fail` does and gives false, for whoever asks whether to go on.
+inline bool refuse(const ReportSite& site, long number) { return fail(site, number, 0) != 0; }
+
 }  // namespace zolcs

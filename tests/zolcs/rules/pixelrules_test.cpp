@@ -21,7 +21,8 @@ using zoltest::TableMap;
 /// What a run makes of a pixel with a stored value; empty when the map decides.
 std::optional<std::uint32_t> shownBy(const PixelRules& rules, const PixelRun& run, unsigned stored) {
     if (run.shows == PixelRun::Shows::Plane) return run.colour;
-    if (rules.embeddedColours() != nullptr && stored > 4095) return rules.embeddedColours()[stored >> 12U];
+    if (rules.embedded().isShown() && stored > 4095)
+        return rules.embedded().over(static_cast<std::uint16_t>(stored), 0);
     if (run.shows == PixelRun::Shows::Covered) return run.colour;
     return std::nullopt;
 }
@@ -55,7 +56,7 @@ std::pair<DisplayRow, ColumnRange> randomRow(zoltest::Random& random, int width,
         }
     };
     DisplayRow row{static_cast<zolcs::Fixed16>(random.real(0, width) * 65536),
-                    static_cast<zolcs::Fixed16>(random.real(0, height) * 65536), step(), step()};
+                   static_cast<zolcs::Fixed16>(random.real(0, height) * 65536), step(), step()};
     const int back = random.integer(0, 200);
     row.u -= back * row.du;
     row.v -= back * row.dv;
@@ -240,7 +241,7 @@ TEST(PixelRulesTest, APlainRasterHasNoRules) {
          {PixelRules(), PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20)),
           PixelRules::forWholeRaster(*source.raster, &map, nullptr)}) {
         EXPECT_TRUE(rules.empty());
-        EXPECT_EQ(rules.embeddedColours(), nullptr);
+        EXPECT_FALSE(rules.embedded().isShown());
     }
 }
 
@@ -267,7 +268,7 @@ TEST(PixelRulesTest, EmbeddedOverlaysNeedNoPositions) {
     TableMap map;
     const PixelRules rules = PixelRules::forResampling(*source.raster, &map, nullptr, 0, obliqueStepping(20));
     EXPECT_TRUE(rules.empty());
-    EXPECT_EQ(rules.embeddedColours(), map.planeColours.data());
+    EXPECT_EQ(rules.embedded().over(0xF000, 0), map.planeColours[15]);
 }
 
 TEST(PixelRulesTest, PositionsThatRoundUpReachAPlanesFirstColumnAndRow) {
@@ -319,7 +320,7 @@ TEST(PixelRulesTest, CirclesAndPolygonsOnVeryLargeSources) {
             // Close to the circle's edge, where the rounding of single precision decides.
             const zolcs::Fixed16 edge = (random.chance(0.5) ? left : left + size) * fixed16One;
             const DisplayRow row{edge + random.integer(-200000, 200000), random.integer(1, 3 * 65536 - 1),
-                                  random.integer(-900, 900), 0};
+                                 random.integer(-900, 900), 0};
             const ColumnRange span = zolcs::spanOf(row, width * fixed16One, 3 * fixed16One, 400);
             rules.cut(row, span, runs);
             for (const PixelRun& run : runs) {

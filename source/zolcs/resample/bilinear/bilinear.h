@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zolcs/pixels/imageview.h"
+#include "zolcs/resample/bilinear/blend.h"
 #include "zolcs/view/stepping.h"
 
 #include <algorithm>
@@ -44,15 +45,6 @@ private:
     Fixed16 lastU_;
     Fixed16 lastV_;
 };
-
-/// The plain path's step from `a` to `b` by a 16-bit fraction. The product has 32 bits and wraps, which 16-bit grey
-/// values can make it do.
-constexpr std::int32_t blend(std::int32_t a, std::int32_t b, std::uint32_t fraction) {
-    return a + (static_cast<std::int32_t>(static_cast<std::uint32_t>(b - a) * fraction) >> 16);
-}
-
-/// The lowest bit of a fraction does not count.
-inline constexpr std::uint32_t blendFraction = 0xFFFE;
 
 /// Grey values on the plain path.
 class BilinearGrey {

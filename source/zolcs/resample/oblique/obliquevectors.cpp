@@ -7,6 +7,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "zolcs/resample/bilinear/blend-inl.h"
 #include "zolcs/simd/variant.h"
 
 #include <algorithm>
@@ -99,11 +100,6 @@ HWY_INLINE void visitBlocks(SamplePositions positions, int count, const Block& b
         positions.u += positions.du * static_cast<std::uint32_t>(Pixels);
         positions.v += positions.dv * static_cast<std::uint32_t>(Pixels);
     }
-}
-
-/// a + ((b - a) * fraction >> 16), with a product of 32 bits that wraps.
-HWY_INLINE V32 blend(V32 a, V32 b, V32 fraction) {
-    return hn::Add(a, hn::ShiftRight<16>(hn::Mul(hn::Sub(b, a), fraction)));
 }
 
 void bilinearGrey(const std::uint16_t* source, const SamplePositions& all, std::uint16_t mask, int count,

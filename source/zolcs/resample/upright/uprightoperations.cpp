@@ -1,6 +1,7 @@
 #include "zolcs/resample/upright/uprightoperations.h"
 
 #include "platform/cache.h"
+#include "zolcs/resample/bilinear/blend.h"
 #include "zolcs/resample/upright/uprightvectors.h"
 #include "zolcs/simd/variant.h"
 
@@ -27,11 +28,6 @@ constexpr std::int32_t level(std::uint32_t pixel, int channel) {
     return static_cast<std::int32_t>(pixel >> (8 * channel) & 0xFFU);
 }
 
-/// A step from `a` to `b` whose product has 32 bits and wraps.
-constexpr std::int32_t wrappingStep(std::int32_t a, std::int32_t b, std::uint32_t fraction) {
-    return a + (static_cast<std::int32_t>(static_cast<std::uint32_t>(b - a) * fraction) >> 16);
-}
-
 bool bilinearGrey12Across(const std::uint16_t* row, const std::uint16_t* /*next*/, ColumnTaps taps, int count,
                           std::int16_t* out, StopFlag stop) {
     return forEachPixel(count, stop, [&](int x) {
@@ -48,7 +44,7 @@ bool bilinearGrey16Across(const std::uint16_t* row, const std::uint16_t* /*next*
         const std::uint16_t* pair = row + taps.offsets[x];
         const std::int16_t* weights = taps.weights + 2 * x;
         const bool second = weights[1] != 0;
-        out[x] = second ? pair[1] : wrappingStep(pair[0], pair[1], static_cast<std::uint16_t>(weights[0]));
+        out[x] = second ? pair[1] : blend(pair[0], pair[1], static_cast<std::uint16_t>(weights[0]));
     });
 }
 
@@ -69,16 +65,14 @@ bool bilinearRgbAcross(const std::uint32_t* row, const std::uint32_t* /*next*/, 
 
 bool bilinearGrey12Down(const std::array<const std::int16_t*, 2>& rows, std::uint32_t fraction, int count,
                         std::uint16_t* out, StopFlag stop) {
-    return forEachPixel(count, stop, [&](int x) {
-        out[x] = static_cast<std::uint16_t>(wrappingStep(rows[0][x], rows[1][x], fraction));
-    });
+    return forEachPixel(count, stop,
+                        [&](int x) { out[x] = static_cast<std::uint16_t>(blend(rows[0][x], rows[1][x], fraction)); });
 }
 
 bool bilinearGrey16Down(const std::array<const std::int32_t*, 2>& rows, std::uint32_t fraction, int count,
                         std::uint16_t* out, StopFlag stop) {
-    return forEachPixel(count, stop, [&](int x) {
-        out[x] = static_cast<std::uint16_t>(wrappingStep(rows[0][x], rows[1][x], fraction));
-    });
+    return forEachPixel(count, stop,
+                        [&](int x) { out[x] = static_cast<std::uint16_t>(blend(rows[0][x], rows[1][x], fraction)); });
 }
 
 bool bilinearRgbDown(const std::array<const std::uint32_t*, 2>& rows, std::uint32_t fraction, int count,
@@ -86,7 +80,7 @@ bool bilinearRgbDown(const std::array<const std::uint32_t*, 2>& rows, std::uint3
     return forEachPixel(count, stop, [&](int x) {
         std::uint32_t pixel = 0;
         for (int channel = 0; channel < 3; ++channel) {
-            const std::int32_t value = wrappingStep(level(rows[0][x], channel), level(rows[1][x], channel), fraction);
+            const std::int32_t value = blend(level(rows[0][x], channel), level(rows[1][x], channel), fraction);
             pixel |= static_cast<std::uint32_t>(value) << (8 * channel);
         }
         out[x] = pixel;

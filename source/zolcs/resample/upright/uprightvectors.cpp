@@ -6,6 +6,7 @@
 #include <hwy/highway.h>
 
 #include "platform/cache.h"
+#include "zolcs/resample/bilinear/blend-inl.h"
 #include "zolcs/resample/upright/uprightvectors.h"
 
 #include <algorithm>
@@ -176,15 +177,6 @@ HWY_INLINE V wholeOf(V quarters, V remainders) {
     return hn::ShiftRight<14>(hn::Add(quarters, hn::ShiftRight<2>(remainders)));
 }
 
-/// a + ((b - a) * fraction >> 16); the products wrap.
-template <typename V>
-HWY_INLINE V wrappingStep(V a, V b, hn::VFromD<hn::RebindToUnsigned<hn::DFromV<V>>> fraction) {
-    const hn::DFromV<V> d;
-    const hn::RebindToUnsigned<decltype(d)> du;
-    const auto product = hn::Mul(hn::BitCast(du, hn::Sub(b, a)), fraction);
-    return hn::Add(a, hn::ShiftRight<16>(hn::BitCast(d, product)));
-}
-
 bool bilinearGrey12Across(const std::uint16_t* row, const std::uint16_t* next, ColumnTaps taps, int count,
                           std::int16_t* out, StopFlag stop) {
     const auto mask = hn::Set(Samples(), 0x0FFF);
@@ -211,7 +203,7 @@ bool bilinearGrey16Across(const std::uint16_t* row, const std::uint16_t* next, C
                           std::int32_t* out, StopFlag stop) {
     const Sums d;
     const hn::RebindToUnsigned<Sums> du;
-    const auto secondPixel = hn::Set(du, 0x10000U);
+    const auto secondPixel = hn::Set(d, 0x10000);
     return withColumns<2>(row, taps, [&](const auto& columns) {
         return forWholeBlocks(count, stop, [&](int block) {
             prefetchBlock(next, taps, block);
@@ -219,9 +211,9 @@ bool bilinearGrey16Across(const std::uint16_t* row, const std::uint16_t* next, C
                 const auto pairs = hn::BitCast(du, pixelsOf<2>(columns, x));
                 const auto first = hn::BitCast(d, hn::And(pairs, hn::Set(du, 0xFFFFU)));
                 const auto second = hn::BitCast(d, hn::ShiftRight<16>(pairs));
-                const auto fraction = hn::BitCast(du, hn::LoadU(Samples(), taps.weights + 2 * x));
-                const auto isSecond = hn::RebindMask(d, hn::Eq(fraction, secondPixel));
-                hn::StoreU(hn::IfThenElse(isSecond, second, wrappingStep(first, second, fraction)), d, out + x);
+                const auto fraction = hn::BitCast(d, hn::LoadU(Samples(), taps.weights + 2 * x));
+                const auto isSecond = hn::Eq(fraction, secondPixel);
+                hn::StoreU(hn::IfThenElse(isSecond, second, blend(first, second, fraction)), d, out + x);
             }
         });
     });
@@ -286,10 +278,10 @@ bool bilinearGrey16Down(const std::array<const std::int32_t*, 2>& rows, std::uin
                         std::uint16_t* out, StopFlag stop) {
     const Sums d;
     const hn::Rebind<std::uint16_t, Sums> d16;
-    const auto part = hn::Set(hn::RebindToUnsigned<Sums>(), fraction);
+    const auto part = hn::Set(d, static_cast<std::int32_t>(fraction));
     return forBlocks(count, out, stop, [&](int block, std::uint16_t* blockOut) {
         for (int i = 0; i < blockSize; i += sumCount) {
-            const auto value = wrappingStep(hn::LoadU(d, rows[0] + block + i), hn::LoadU(d, rows[1] + block + i), part);
+            const auto value = blend(hn::LoadU(d, rows[0] + block + i), hn::LoadU(d, rows[1] + block + i), part);
             hn::StoreU(hn::DemoteTo(d16, hn::And(value, hn::Set(d, 0xFFFF))), d16, blockOut + i);
         }
     });
