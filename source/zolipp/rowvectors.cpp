@@ -1,11 +1,12 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolipp/rowvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolipp/rowvectors.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "zolipp/rowvectors.h"
 #include "zolipp/sse2.h"
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolcs/mapping/greyrampvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/mapping/greyrampvectors.cpp"
 #include <hwy/cache_control.h>
@@ -7,7 +9,6 @@
 #include <hwy/highway.h>
 
 #include "platform/cache.h"
-#include "zolcs/mapping/greyrampvectors.h"
 
 #include <algorithm>
 

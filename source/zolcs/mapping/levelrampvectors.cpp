@@ -1,5 +1,7 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolcs/mapping/levelrampvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/mapping/levelrampvectors.cpp"
 #include <hwy/cache_control.h>
@@ -7,7 +9,6 @@
 #include <hwy/highway.h>
 
 #include "platform/cache.h"
-#include "zolcs/mapping/levelrampvectors.h"
 
 #include <algorithm>
 #include <array>

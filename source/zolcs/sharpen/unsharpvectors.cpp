@@ -1,11 +1,11 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolcs/sharpen/unsharpvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/sharpen/unsharpvectors.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#include "zolcs/sharpen/unsharpvectors.h"
 
 #include <algorithm>
 

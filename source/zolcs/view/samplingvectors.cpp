@@ -1,12 +1,13 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolcs/view/samplingvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/view/samplingvectors.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
 #include "zolcs/view/fixed16.h"
-#include "zolcs/view/samplingvectors.h"
 
 #include <bit>
 

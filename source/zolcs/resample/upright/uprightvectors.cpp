@@ -1,5 +1,7 @@
 #if defined(ZOL_USE_HIGHWAY)
 
+#include "zolcs/resample/upright/uprightvectors.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zolcs/resample/upright/uprightvectors.cpp"
 #include <hwy/foreach_target.h>
@@ -7,7 +9,6 @@
 
 #include "platform/cache.h"
 #include "zolcs/resample/bilinear/blend-inl.h"
-#include "zolcs/resample/upright/uprightvectors.h"
 
 #include <algorithm>
 #include <cstring>
