@@ -41,7 +41,7 @@ need_packages() {
     export DEBIAN_FRONTEND=noninteractive
     local log begin=$SECONDS
     log=$(mktemp)
-    if ! { apt-get -q update && apt-get -q install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    if ! { apt-get -q update && apt-get -q -o DPkg::Lock::Timeout=600 install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
         tail -n 15 "$log" >&2
         die "the packages could not be installed (no network, or a package source is missing); see the lines above"
     fi
@@ -51,7 +51,7 @@ need_packages() {
 
 # build PRESET [TARGET...]: configures when needed and builds; progress on the terminal.
 build() {
-    local preset=$1
+    local preset=$1 begin=$SECONDS
     shift
     say "Building ($preset)"
     # Ninja configures anew for what the presets include, but not for the presets themselves.
@@ -63,4 +63,5 @@ build() {
         rm -f "${TMPDIR:-/tmp}/zolwebcs-configure-$$.log"
     fi
     cmake --build --preset "$preset" ${1:+--target "$@"} || die "the build failed"
+    printf 'Built in %s.\n' "$(minutes $((SECONDS - begin)))"
 }
