@@ -1,13 +1,53 @@
 # Running Windows programs; source it after common.sh, do not run it.
 # The 64-bit ones run under the machine's own wine64. Debian's wine32 does not install beside it, so that the 32-bit
-# ones run inside a small i386 system in the user's cache folder, which is made once and used again.
+# ones run inside a small i386 system in the user's cache folder, which is made once and used by every checkout.
+# Everything that a run changes lies in the checkout's build folder: Wine's prefixes, which are copies of prepared ones in
+# the cache folder, and where the 32-bit Wine finds its server. Two checkouts can therefore run at the same time.
 
 wine_tree=$cache/wine32
+wine_own=$project/build/wine
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+
+# alone COMMAND...: runs it while no other checkout runs a command this way. (What the command leaves running must not
+# keep the lock, hence the closed descriptor.)
+alone() {
+    local status=0
+    exec 9>"$cache/wine.lock"
+    flock 9
+    "$@" 9>&- || status=$?
+    exec 9>&-
+    return $status
+}
+
+# prepare_wine i686|x86_64: makes what is missing for programs of that width.
+prepare_wine() {
+    mkdir -p "$cache" "$wine_own"
+    [ "$1" != i686 ] || alone make_wine_tree
+    alone make_prefix "$1"
+    [ -d "$(prefix "$1")" ] || cp -a "$(prepared_prefix "$1")" "$(prefix "$1")"
+}
+
+prefix() { echo "$wine_own/prefix-$1"; }
+prepared_prefix() { echo "$cache/wine-prefix-$1"; }
+
+# make_prefix i686|x86_64: the prefix that each checkout begins with.
+make_prefix() {
+    local made
+    made=$(prepared_prefix "$1")
+    [ ! -d "$made" ] || return 0
+    rm -rf "$(prefix "$1")"
+    # Text in whole pixels, as on Linux: what a user smooths is no matter of the library.
+    with_wine "$1" sh -c 'wineboot --init &&
+        wine reg add "HKCU\\Control Panel\\Desktop" /v FontSmoothing /d 0 /f && wineserver --wait' \
+        >"$cache/wine-prefix.log" 2>&1 || { tail -n 15 "$cache/wine-prefix.log" >&2; die "Wine does not start"; }
+    rm -rf "$made.new"
+    cp -a "$(prefix "$1")" "$made.new"
+    mv "$made.new" "$made"
+}
 
 # make_wine_tree: makes the i386 system from what the machine's own apt is set up to use.
 make_wine_tree() {
-    [ -e "$wine_tree/.complete" ] && return 0
+    [ ! -e "$wine_tree/.complete" ] || return 0
     [ "$(id -u)" -eq 0 ] || die "only root can make the 32-bit system that the i686 tests run in"
     need_packages "${tree_packages[@]}"
     say "Making the 32-bit system (once; $wine_tree)"
@@ -57,11 +97,12 @@ fetch_proxies() {
     done
 }
 
-# in_wine_tree COMMAND...: runs it inside the tree, in the project's folder (which is seen under its own path there).
-# The mounts are the command's own and end with it, and with the Wine server that it may leave for the next one. Where
-# the root folder is no mount that could be made private, as in a chroot, the tree is made one.
+# in_wine_tree COMMAND...: runs it inside the tree, in the project's folder (which is seen under its own path there, and
+# whose own folder for temporary files is the tree's). The mounts are the command's own and end with it, and with the
+# Wine server that it may leave for the next one. Where the root folder is no mount that could be made private, as in a
+# chroot, the tree is made one.
 in_wine_tree() {
-    mkdir -p "$wine_tree$project"
+    mkdir -p "$wine_tree$project" "$wine_own/tmp"
     unshare --mount --propagation unchanged sh -c '
         tree=$1 project=$2
         shift 2
@@ -69,7 +110,8 @@ in_wine_tree() {
             mountpoint -q "$tree" || mount --bind "$tree" "$tree"
             mount --make-private "$tree"
         }
-        mount -t proc proc "$tree/proc" && mount --bind "$project" "$tree$project" &&
+        mount -t proc proc "$tree/proc" && mount --bind "$project/build/wine/tmp" "$tree/tmp" &&
+            mount --bind "$project" "$tree$project" &&
             exec chroot "$tree" env -C "$project" HOME=/srv "$@"' sh "$wine_tree" "$project" "$@"
 }
 
@@ -78,9 +120,9 @@ with_wine() {
     local width=$1
     shift
     if [ "$width" = i686 ]; then
-        in_wine_tree env WINEPREFIX=/srv/wine WINEARCH=win32 "$@"
+        in_wine_tree env WINEPREFIX="$(prefix i686)" WINEARCH=win32 "$@"
     else
-        WINEPREFIX=$cache/wine64 WINEARCH=win64 "$@"
+        WINEPREFIX=$(prefix x86_64) WINEARCH=win64 "$@"
     fi
 }
 
