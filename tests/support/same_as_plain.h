@@ -9,8 +9,8 @@
 #include "zolcs/ccsbicubic.h"
 #include "zolcs/resample/bicubic/bicubic.h"
 #include "zolcs/resample/display.h"
-#include "zolcs/simd/variant.h"
 #include "zolcs/resample/stopflag.h"
+#include "zolcs/simd/variant.h"
 
 #include <gtest/gtest.h>
 

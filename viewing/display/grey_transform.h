@@ -35,7 +35,7 @@ private:
     [[nodiscard]] GreyLine fullRange() const;
 
     const GreyImage& image_;
-    std::optional<VoiWindow> window_;       // at most one of these two
+    std::optional<VoiWindow> window_;  // at most one of these two
     const LookupTable* table_ = nullptr;
     GreyLine line_;
 };

@@ -5,8 +5,8 @@
 
 namespace viewing {
 
-/// The same grey image of 12 bits without embedded planes: they lie below the planes that were separate before, graphics on top, as the
-/// library shows them in either place.
+/// The same grey image of 12 bits without embedded planes: they lie below the planes that were separate before,
+/// graphics on top, as the library shows them in either place.
 StoredImage withSeparatePlanes(StoredImage image);
 
 }  // namespace viewing

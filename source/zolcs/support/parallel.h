@@ -1,7 +1,6 @@
 // Rows of an image on all processors.
 #pragma once
 
-
 #include <type_traits>
 
 namespace zolcs {

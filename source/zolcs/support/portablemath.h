@@ -6,7 +6,6 @@
 // last place of the exact value.
 #pragma once
 
-
 namespace zolcs::portable {
 
 /// Sine of an angle in radians; NaN for NaN and infinities. Beyond 2^40 radians whole turns are first taken off with

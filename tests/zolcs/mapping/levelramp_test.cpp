@@ -90,7 +90,8 @@ TEST_F(LevelRampTest, WindowsBeyondSixteenBitsHaveNone) {
 }
 
 /// Pixels at an offset from an aligned address, filled in one variant: nothing beside them may change.
-void expectFilled(const LevelRamp& ramp, const std::vector<std::uint16_t>& channels, std::size_t offset, bool nonTemporal) {
+void expectFilled(const LevelRamp& ramp, const std::vector<std::uint16_t>& channels, std::size_t offset,
+                  bool nonTemporal) {
     const std::size_t bytes = channels.size();
     std::vector<unsigned char> target(offset + bytes + 64, sentinel);
     std::vector<unsigned char> want = target;
