@@ -26,6 +26,7 @@ constexpr double pointsPerInch = 72.0;
 /// 2026-11-22T06:00:00Z: by it the same pages become the same bytes on every day. Empty where it states none; a
 /// document is then of now.
 std::string statedDate() {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): a host does not change its environment while it prints.
     const char* stated = std::getenv("SOURCE_DATE_EPOCH");
     if (stated == nullptr) return {};
     const char* end = stated + std::strlen(stated);
